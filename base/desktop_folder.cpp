@@ -1,0 +1,56 @@
+#include "base/desktop_folder.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <fstream>
+#include <string_view>
+#include <vector>
+
+#include "base/cf_reference.h"
+#include "base/file_existence.h"
+
+namespace {
+
+// From the account data base, since nothing is read from the environment. Empty when the account is unknown.
+std::string HomeFolder() {
+  constexpr std::size_t kEnoughForAnEntry = 16384;
+  std::vector<char> text(kEnoughForAnEntry);
+  passwd entry{};
+  passwd* found = nullptr;
+  if (getpwuid_r(geteuid(), &entry, text.data(), text.size(), &found) != 0 || !found) return {};
+  return found->pw_dir;
+}
+
+}  // namespace
+
+std::string DesktopFolderOf(const std::string& home) {
+  constexpr std::string_view kKey = "XDG_DESKTOP_DIR=\"";
+  constexpr std::string_view kHome = "$HOME";
+  std::ifstream settings(home + "/.config/user-dirs.dirs");
+  for (std::string line; std::getline(settings, line);) {
+    const std::size_t end = line.rfind('"');
+    if (line.compare(0, kKey.size(), kKey) != 0 || end < kKey.size()) continue;
+    const std::string value = line.substr(kKey.size(), end - kKey.size());
+    if (value.compare(0, kHome.size(), kHome) == 0) return home + value.substr(kHome.size());
+    if (value.compare(0, 1, "/") == 0) return value;
+  }
+  return home + "/Desktop";
+}
+
+void WriteDesktopFolder(const std::string& folder, char* out) {
+  if (!IsFileExistAPI(folder.c_str())) return;
+  const CFReference<CFURLRef> url(CFURLCreateFromFileSystemRepresentation(
+      kCFAllocatorDefault, reinterpret_cast<const UInt8*>(folder.data()), static_cast<CFIndex>(folder.size()), true));
+  if (!url) return;
+  const CFReference<CFStringRef> path(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle));
+  char text[kTempFilePathSize - 1];
+  if (!path || !CFStringGetCString(path.get(), text, sizeof text, kCFStringEncodingUTF8)) return;
+  std::strcat(std::strcpy(out, text), "/");
+}
+
+void GetTempFilePath(char* out) {
+  const std::string home = HomeFolder();
+  if (!home.empty()) WriteDesktopFolder(DesktopFolderOf(home), out);
+}

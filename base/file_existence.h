@@ -1,0 +1,9 @@
+// Whether a path names something.
+#ifndef CATALOGCORE_BASE_FILE_EXISTENCE_H_
+#define CATALOGCORE_BASE_FILE_EXISTENCE_H_
+
+// 1 when the UTF-8 path names an existing file or folder (a symbolic link counts as what it leads to), else
+// 0: also for null, for text that is not UTF-8, and where a folder on the way may not be searched.
+int IsFileExistAPI(const char* path);
+
+#endif  // CATALOGCORE_BASE_FILE_EXISTENCE_H_

@@ -1,0 +1,145 @@
+#include "base/idx_string.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "base/text_size.h"
+
+namespace {
+
+// The letter case of ASCII letters alone is folded; bytes from 0x80 on stay as they are.
+char FoldCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
+
+}  // namespace
+
+CIDXString::CIDXString(int size) { AllocBuffer(size); }
+
+CIDXString::~CIDXString() { FreeBuffer(); }
+
+char* CIDXString::AllocBuffer(int size) {
+  if (size <= 0) return nullptr;
+  if (size < capacity) return buffer;
+  auto* const block = static_cast<char*>(std::realloc(buffer, static_cast<std::size_t>(size)));
+  if (!block) return nullptr;
+  if (!buffer) block[0] = 0;
+  block[size - 1] = 0;
+  capacity = size;
+  buffer = block;
+  return buffer;
+}
+
+void CIDXString::FreeBuffer() {
+  std::free(buffer);
+  buffer = nullptr;
+  capacity = 0;
+  length = 0;
+}
+
+std::int32_t CIDXString::CopyString(const char* text) {
+  if (!text) return 0;
+  const std::int32_t size = TextSize(text);
+  if (!AllocBuffer(CheckedAdd(size, 1))) return -1;
+  std::memcpy(buffer, text, static_cast<std::size_t>(size) + 1);
+  length = size;
+  return length;
+}
+
+std::int32_t CIDXString::CopyString(const char* text, int count) {
+  if (!text) return 0;
+  if (count == -1) count = TextSize(text);
+  if (!AllocBuffer(CheckedAdd(count, 1))) return -1;
+  const auto wanted = static_cast<std::size_t>(count);
+  const std::size_t given = strnlen(text, wanted);
+  std::memcpy(buffer, text, given);
+  std::memset(buffer + given, 0, wanted - given + 1);
+  length = count;
+  return length;
+}
+
+std::int32_t CIDXString::CatString(const char* text) {
+  if (!text) text = "";
+  const std::int32_t size = TextSize(text);
+  if (!AllocBuffer(CheckedAdd(length, CheckedAdd(size, 1)))) return -1;
+  std::memcpy(buffer + length, text, static_cast<std::size_t>(size) + 1);
+  length = TextSize(buffer);
+  return length;
+}
+
+std::int32_t CIDXString::TrimMid(int first, int last) {
+  const auto isInside = [this](int position) { return position >= 0 && position < length; };
+  if (!isInside(first) || !isInside(last) || first > last) return 0;
+  const auto cut = static_cast<std::size_t>(last - first) + 1;
+  const auto tail = static_cast<std::size_t>(length - last);  // its terminator included
+  std::memmove(buffer + first, buffer + last + 1, tail);
+  std::memset(buffer + first + tail, 0, cut - 1);
+  length = TextSize(buffer);
+  return length;
+}
+
+std::int32_t CIDXString::TrimRight(char c) {
+  if (length >= 1 && buffer[length - 1] == c) {
+    buffer[length - 1] = 0;
+    length = TextSize(buffer);
+  }
+  return length;
+}
+
+std::int32_t CIDXString::Count(char c) const {
+  return static_cast<std::int32_t>(std::count(buffer, buffer + length, c));
+}
+
+std::int32_t CIDXString::Search(char c, int start) const {
+  if (!buffer) return length;
+  if (start == -1) start = 0;
+  if (start < 0 || start >= length) return start;
+  return static_cast<std::int32_t>(std::find(buffer + start, buffer + length, c) - buffer);
+}
+
+std::int32_t CIDXString::SearchReverse(char c, int start) const {
+  if (!buffer) return length;
+  if (start == -1) start = length - 1;
+  if (start < 0 || start >= length) return start;
+  while (start >= 0 && buffer[start] != c) --start;
+  return start;
+}
+
+std::int32_t CIDXString::Replace(char from, char to, int start) {
+  const std::int32_t position = Search(from, start);
+  if (position < 0 || position >= length) return -1;
+  buffer[position] = to;
+  return position;
+}
+
+std::int32_t CIDXString::ReplaceReverse(char from, char to, int start) {
+  const std::int32_t position = SearchReverse(from, start);
+  if (position < 0 || position >= length) return -1;
+  buffer[position] = to;
+  return position;
+}
+
+char& CIDXString::operator[](int i) {
+  if (!buffer) {
+    thread_local char none;
+    none = 0;
+    return none;
+  }
+  return buffer[i >= 0 && i <= length ? i : TextSize(buffer)];
+}
+
+bool CIDXString::operator==(const CIDXString& other) const {
+  const char* a = Text();
+  const char* b = other.Text();
+  for (; FoldCase(*a) == FoldCase(*b); ++a, ++b) {
+    if (*a == 0) return true;
+  }
+  return false;
+}
+
+std::uint32_t CIDXString::GetHashKey() const {
+  std::uint32_t hash = 0;
+  for (const char* at = Text(); *at != 0; ++at) {
+    hash = hash * 137 + static_cast<std::uint32_t>(static_cast<signed char>(*at));
+  }
+  return hash % kBucketCount;
+}

@@ -1,0 +1,21 @@
+// Sizes of texts as the signed 32-bit numbers that the strings keep, with the sums checked.
+#ifndef CATALOGCORE_BASE_TEXT_SIZE_H_
+#define CATALOGCORE_BASE_TEXT_SIZE_H_
+
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+// The bytes before the terminator; the largest number there is for a text that has more.
+inline std::int32_t TextSize(const char* text) {
+  constexpr std::size_t kMax = std::numeric_limits<std::int32_t>::max();
+  return static_cast<std::int32_t>(strnlen(text, kMax));
+}
+
+// The sum of two block sizes; 0, which no block has, when it is negative or too large to be one.
+inline std::int32_t CheckedAdd(std::int32_t a, std::int32_t b) {
+  const std::int64_t sum = std::int64_t{a} + b;
+  return sum < 0 || sum > std::numeric_limits<std::int32_t>::max() ? 0 : static_cast<std::int32_t>(sum);
+}
+
+#endif  // CATALOGCORE_BASE_TEXT_SIZE_H_

@@ -1,0 +1,60 @@
+/* Types, reference counts and kinds of objects. */
+#ifndef CATALOGCORE_COREFOUNDATION_CFBASE_H_
+#define CATALOGCORE_COREFOUNDATION_CFBASE_H_
+
+#include <stddef.h>
+#include <stdint.h>
+#ifndef __cplusplus
+#include <stdbool.h>
+#endif
+
+#ifdef CATALOGCORE_CF_BUILDING
+#define CF_EXPORT_ATTRIBUTE __attribute__((visibility("default")))
+#else
+#define CF_EXPORT_ATTRIBUTE
+#endif
+#ifdef __cplusplus
+#define CF_EXPORT extern "C" CF_EXPORT_ATTRIBUTE
+#else
+#define CF_EXPORT extern CF_EXPORT_ATTRIBUTE
+#endif
+
+typedef unsigned char Boolean;
+typedef unsigned char UInt8;
+typedef uint32_t UInt32;
+typedef int32_t SInt32;
+typedef SInt32 OSStatus;
+
+typedef long CFIndex;
+typedef unsigned long CFTypeID;
+typedef const void* CFTypeRef;
+
+/* Allocators are accepted and ignored: memory comes from the heap. */
+typedef const struct __CFAllocator* CFAllocatorRef;
+CF_EXPORT const CFAllocatorRef kCFAllocatorDefault;
+
+typedef struct {
+  CFIndex location;
+  CFIndex length;
+} CFRange;
+
+static inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
+  CFRange range;
+  range.location = location;
+  range.length = length;
+  return range;
+}
+
+/* Adds a reference and returns the object. A null object is returned as it is. */
+CF_EXPORT CFTypeRef CFRetain(CFTypeRef object);
+
+/* Gives a reference up; the last one frees the object. A null object is ignored. */
+CF_EXPORT void CFRelease(CFTypeRef object);
+
+/* The number of references, for debugging: another thread may change it at any time. */
+CF_EXPORT CFIndex CFGetRetainCount(CFTypeRef object);
+
+/* The kind of the object, to be compared with CFStringGetTypeID() and its like. */
+CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef object);
+
+#endif /* CATALOGCORE_COREFOUNDATION_CFBASE_H_ */

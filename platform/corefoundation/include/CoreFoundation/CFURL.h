@@ -1,0 +1,33 @@
+/* File URLs: the path of a file or folder. A relative path is taken from the folder that was current at
+ * creation. */
+#ifndef CATALOGCORE_COREFOUNDATION_CFURL_H_
+#define CATALOGCORE_COREFOUNDATION_CFURL_H_
+
+#include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CFString.h>
+
+typedef const struct __CFURL* CFURLRef;
+
+/* POSIX is the one path style here; every function fails when given another. */
+typedef CFIndex CFURLPathStyle;
+enum { kCFURLPOSIXPathStyle = 0 };
+
+CF_EXPORT CFTypeID CFURLGetTypeID(void);
+
+/* Null when the path is null or empty. */
+CF_EXPORT CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef path, CFURLPathStyle style,
+                                                 Boolean isDirectory);
+
+/* The same from `length` bytes of path as the file system has them. Null also when they hold a zero byte. */
+CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator, const UInt8* path, CFIndex length,
+                                                           Boolean isDirectory);
+
+/* The path as it was given, without trailing slashes. Null when it is not valid UTF-8. */
+CF_EXPORT CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
+
+/* The zero-terminated path for system calls. False, with the buffer unchanged, if `capacity` bytes do not
+ * hold it. */
+CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase, UInt8* buffer,
+                                                   CFIndex capacity);
+
+#endif /* CATALOGCORE_COREFOUNDATION_CFURL_H_ */

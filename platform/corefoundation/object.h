@@ -1,0 +1,48 @@
+// What every object here has: a reference count and a kind.
+#ifndef CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECT_H_
+#define CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECT_H_
+
+#include <CoreFoundation/CFBase.h>
+
+#include <atomic>
+#include <new>
+#include <utility>
+
+namespace catalogcore::cf {
+
+enum class Kind : CFTypeID { kString = 1, kURL };
+
+class Object {
+ public:
+  Object(const Object&) = delete;
+  Object& operator=(const Object&) = delete;
+  virtual ~Object() = default;
+
+  Kind kind() const { return kind_; }
+  CFIndex references() const { return references_.load(std::memory_order_relaxed); }
+  void Retain() const { references_.fetch_add(1, std::memory_order_relaxed); }
+  void Release() const {
+    if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+  }
+
+ protected:
+  explicit Object(Kind kind) : kind_(kind) {}
+
+ private:
+  mutable std::atomic<CFIndex> references_{1};
+  const Kind kind_;
+};
+
+// Makes an object with one reference, or null when there is no memory: no exception leaves this library.
+template <typename T, typename... Arguments>
+const T* Create(Arguments&&... arguments) noexcept {
+  try {
+    return new T(std::forward<Arguments>(arguments)...);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}
+
+}  // namespace catalogcore::cf
+
+#endif  // CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECT_H_

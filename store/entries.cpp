@@ -1,0 +1,5 @@
+#include "store/entries.h"
+
+CIDXNode::~CIDXNode() { delete info; }
+
+CIDXCell::~CIDXCell() { delete info; }

@@ -1,0 +1,92 @@
+// The entries that the store consists of: images (nodes), the cells of its two trees, and the group markers of a
+// folder's image list.
+//
+// Trees are chosen by a number everywhere: kIndexTree (categories; keys such as 1/10) or kFolderTree (folders of the
+// file system; keys such as /Users/a). An array with one element for each tree is indexed by it.
+//
+// What always holds between two operations of the store (its callers hold the store's critical region):
+// - Cells: a cell stands in its parent's child list, in the order of linking, which `ordinal` counts. A root has no
+//   parent. Every cell stands in the hash chain of its key, except one that was moved and those that a move cut loose
+//   from below it; those are `moved`, and nothing below a moved cell stands in the hash table, so that no key leads to
+//   either.
+// - Images: an image stands in the image list of cell[kIndexTree] and of cell[kFolderTree], and in the hash chain of
+//   its key. An index cell's list is in the order of filing.
+// - Groups: a folder cell's list is grouped by index cell, the groups in tree order (CompareCell), the images of a
+//   group in the order of filing; moving an index cell changes the tree and leaves the groups where they are. A folder
+//   cell's skip list holds one marker for each group, in the same order, which names the group's first image. Index
+//   cells have no skip list.
+// - The links of an image taken out of its lists stay as they were.
+#ifndef CATALOGCORE_STORE_ENTRIES_H_
+#define CATALOGCORE_STORE_ENTRIES_H_
+
+#include <cstdint>
+
+#include "base/idx_string.h"
+
+inline constexpr std::int32_t kIndexTree = 0;
+inline constexpr std::int32_t kFolderTree = 1;
+inline constexpr std::int32_t kTreeCount = 2;
+
+// The other of the two trees.
+constexpr std::int32_t OtherTree(std::int32_t tree) { return tree == kFolderTree ? kIndexTree : kFolderTree; }
+
+struct CIDXCell;
+
+struct CIDXNodeInfo {
+  virtual ~CIDXNodeInfo() = default;
+  CIDXString key;  // the image's full path
+  std::uint8_t attribute = 0;
+};
+
+struct CIDXNode {
+  CIDXNode() = default;
+  CIDXNode(const CIDXNode&) = delete;
+  CIDXNode& operator=(const CIDXNode&) = delete;
+  virtual ~CIDXNode();
+
+  CIDXNodeInfo* info = nullptr;  // owned
+  CIDXNode* prev[kTreeCount] = {};
+  CIDXNode* next[kTreeCount] = {};
+  CIDXNode* hashPrev = nullptr;
+  CIDXNode* hashNext = nullptr;
+  CIDXCell* cell[kTreeCount] = {};
+};
+
+struct CIDXCellInfo {
+  virtual ~CIDXCellInfo() = default;
+  CIDXString key;   // the whole path from the root, the root left out
+  CIDXString name;  // always holds a text, if an empty one
+  std::uint8_t attribute = 0;
+};
+
+struct CIDXSkipNode {
+  virtual ~CIDXSkipNode() = default;
+  CIDXNode* node = nullptr;  // the first image of the group
+  CIDXSkipNode* next = nullptr;
+};
+
+struct CIDXCell {
+  CIDXCell() = default;
+  CIDXCell(const CIDXCell&) = delete;
+  CIDXCell& operator=(const CIDXCell&) = delete;
+  virtual ~CIDXCell();
+
+  CIDXCellInfo* info = nullptr;  // owned
+  CIDXNode* firstNode = nullptr;
+  CIDXNode* lastNode = nullptr;
+  CIDXCell* parent = nullptr;
+  CIDXCell* firstChild = nullptr;
+  CIDXCell* lastChild = nullptr;
+  CIDXCell* prevSibling = nullptr;
+  CIDXCell* nextSibling = nullptr;
+  CIDXCell* hashPrev = nullptr;
+  CIDXCell* hashNext = nullptr;
+  CIDXSkipNode* skipHead = nullptr;  // deleted by whoever deletes the cell, with DeleteSkipList
+  std::uint64_t ordinal = 0;         // grows along the parent's child list
+  bool moved = false;                // taken out of the hash table by a move, of itself or from above it
+};
+
+// Deletes every marker of the cell.
+void DeleteSkipList(CIDXCell* cell);
+
+#endif  // CATALOGCORE_STORE_ENTRIES_H_

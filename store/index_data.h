@@ -1,0 +1,163 @@
+// The catalogue in memory: images filed in a tree of indexes and in a tree of folders.
+#ifndef CATALOGCORE_STORE_INDEX_DATA_H_
+#define CATALOGCORE_STORE_INDEX_DATA_H_
+
+#include <cstdint>
+
+#include "base/critical_region.h"
+#include "base/idx_string.h"
+#include "store/entries.h"
+#include "store/hash_chain.h"
+#include "store/result_codes.h"
+#include "store/search_handle.h"
+
+// The bytes of the longest key that anything is filed under.
+inline constexpr std::int32_t kMaxKeyBytes = 4096;
+
+// The store takes no lock: every caller holds `criticalRegion` for as long as it calls and looks at what it
+// got. entries.h says what always holds of the data.
+//
+// In what follows `tree` is kIndexTree or kFolderTree, and `force` (non-zero) sets an entry's protection
+// aside. A refusal comes before anything changes, and the checks come in the order in which they are listed,
+// unless said otherwise. Keys handed in must not be the store's own strings.
+class CIndexData {
+ public:
+  CIndexData();
+  ~CIndexData();
+  CIndexData(const CIndexData&) = delete;
+  CIndexData& operator=(const CIndexData&) = delete;
+
+  // Empties the store and makes the two roots (key and name ".", all protections). Always StoreOk: a root
+  // that could not be made is null, and what needs it finds nothing.
+  std::uint32_t Initialize();
+
+  // Deletes every image and every cell, the roots included. Always StoreOk.
+  std::uint32_t Uninitialize();
+
+  MPCriticalRegionID* CriticalRegion() { return &criticalRegion; }
+
+  // The first image of a bucket of the image table, 0 <= bucket < CIDXString::kBucketCount; null if it is
+  // empty.
+  CIDXNode* FirstNodeOfBucket(std::uint32_t bucket) const { return nodeHash[bucket].head; }
+
+  // ---- Images
+
+  // Files an image. StoreImageExists; StoreInvalidKey for the index key "." (an empty index key does name the
+  // root); StoreIndexNotFound; StoreInvalidKey for a folder key against the rules or an image key beyond
+  // their length. The folder and its ancestors are made if missing; when that or the filing itself fails,
+  // they stay: StoreFailed.
+  std::uint32_t AddNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
+                        std::uint8_t attribute);
+
+  // StoreImageNotFound; StoreRemoveProtected.
+  std::uint32_t RemoveNode(const CIDXString& key, std::int32_t force);
+
+  // Files the image in another cell of one tree. StoreImageNotFound; StoreInvalidKey for the key ".";
+  // StoreIndexNotFound; StoreOk, with nothing done, where it is already; StoreMoveProtected. The image is
+  // removed and added again, as a new object at the end of its lists: when adding it fails, it is gone, and
+  // the result is AddNode's.
+  std::uint32_t MoveNode(std::int32_t tree, const CIDXString& key, const CIDXString& newCellKey, std::int32_t force);
+
+  // StoreImageNotFound.
+  std::uint32_t ChangeAttributeNode(const CIDXString& key, std::uint8_t attribute);
+
+  // The image with this key, or null.
+  CIDXNode* SearchNode(const CIDXString& key) const;
+
+  // Begins a walk over the images whose index cell lies in the subtree of `indexKey`: through the index tree
+  // if `folderKey` has no block or is ".", else through the folders from `folderKey` (recursive 1: and below
+  // it), each in the order of its list. Returns the first image or null. A trailing "/" is cut from the key
+  // the walk begins at.
+  CIDXNode* GetFirstNode(SearchHandle* handle, CIDXString& indexKey, CIDXString& folderKey,
+                         std::int32_t recursive) const;
+
+  // The next image, or null when the walk is over.
+  CIDXNode* GetNextNode(SearchHandle* handle, std::int32_t recursive) const;
+
+  // ---- Cells
+
+  // Makes a cell and its missing ancestors, all with this name and attribute. StoreIndexExists;
+  // StoreInvalidKey. When one cannot be made, every cell from its parent up to the root that has no child and
+  // no protection is removed with its images (so are those this call made), and the result is StoreFailed.
+  std::uint32_t AddCell(std::int32_t tree, const CIDXString& key, const CIDXString& name, std::uint8_t attribute);
+
+  // Removes a cell with its images. StoreIndexNotFound; StoreIndexHasChildren; StoreRemoveProtected;
+  // StoreInvalidKey for a root. The first image that may not be removed stops it: StoreRemoveProtected, with
+  // the images before it gone.
+  std::uint32_t RemoveCell(std::int32_t tree, const CIDXString& key, std::int32_t force);
+
+  // Hangs a cell under the parent that `newKey` names. StoreIndexNotFound; StoreInvalidKey; StoreIndexExists;
+  // StoreIndexNotFound for the parent; StoreOk, with nothing done, where it is already; StoreInvalidKey below
+  // itself; StoreMoveProtected. The moved cell keeps its key but is found by walks alone, not by key; its
+  // descendants are no longer below it and not found at all, though their images are, by key.
+  std::uint32_t MoveCell(std::int32_t tree, const CIDXString& oldKey, const CIDXString& newKey, std::int32_t force);
+
+  // Changes the name; the key stays. StoreIndexNotFound; StoreRenameProtected; StoreFailed without memory.
+  std::uint32_t RenameCell(std::int32_t tree, const CIDXString& key, const CIDXString& newName, std::int32_t force);
+
+  // StoreIndexNotFound.
+  std::uint32_t ChangeAttributeCell(std::int32_t tree, const CIDXString& key, std::uint8_t attribute);
+
+  // The cell with this key, or null. A key of length 0 names the root.
+  CIDXCell* SearchCell(std::int32_t tree, const CIDXString& key) const;
+
+  // Begins a walk at the cell `key`, which is the first result (null if there is none); with `recursive` 1 it goes
+  // through the cell's subtree in pre-order. One trailing "/" is cut from `key`. A recursive walk of the folder tree
+  // from "/" begins at the root and passes over "/Volumes" and what begins with it.
+  CIDXCell* GetFirstCell(SearchHandle* handle, std::int32_t tree, CIDXString& key, std::int32_t recursive) const;
+
+  // The next cell, or null when the walk is over.
+  CIDXCell* GetNextCell(SearchHandle* handle, std::int32_t recursive) const;
+
+ private:
+  friend class StoreInspector;  // reads everything, for the tests' invariant checker
+
+  template <typename Entry>
+  using HashTable = HashChain<Entry>[CIDXString::kBucketCount];
+
+  void DeleteAllNodes();
+  void DeleteAllCells(std::int32_t tree);
+
+  // Images: making, linking, walking.
+  CIDXNode* CreateNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
+                       std::uint8_t attribute);
+  std::int32_t LinkNodes(std::int32_t tree, const CIDXString& cellKey, CIDXNode* node, std::int32_t sorted);
+  static CIDXNode* InsertNode(std::int32_t tree, CIDXCell* cell, CIDXNode* node);
+  static void LinkNodesSub(std::int32_t tree, CIDXNode* before, CIDXNode* after, CIDXNode* node);
+  static CIDXNode* IsolateNode(CIDXNode* node);
+  static CIDXNode* ReleaseNode(std::int32_t tree, CIDXNode* node);
+  static void DropFromGroup(std::int32_t tree, CIDXNode* node);
+  std::uint32_t RemoveNodeSub(CIDXNode* node, std::int32_t force);
+  CIDXNode* FirstInThisOrNextCell(SearchHandle* handle, std::int32_t recursive) const;
+  CIDXNode* GetNextNodeSub(SearchHandle* handle, std::int32_t recursive) const;
+  static CIDXSkipNode* CreateSkipNode(CIDXNode* node);
+  CIDXNode* SearchSkipNode(std::int32_t tree, const CIDXCell* cell, const CIDXCell* filter) const;
+  void HashNode(std::uint32_t hash, CIDXNode* node);
+  void ReleaseHashNode(std::uint32_t hash, CIDXNode* node);
+
+  // Cells: making, linking, walking, order.
+  CIDXCell* CreateCell(std::int32_t tree, CIDXCell* parent, const CIDXString& key, const CIDXString& name,
+                       std::uint8_t attribute);
+  static CIDXCell* LinkCells(CIDXCell* parent, CIDXCell* child);
+  CIDXCell* IsolateCell(std::int32_t tree, CIDXCell* cell);
+  static CIDXCell* ReleaseCell(CIDXCell* cell);
+  std::uint32_t RemoveCellSub(std::int32_t tree, CIDXCell* cell, std::int32_t force);
+  CIDXCell* GetNextCellSub(SearchHandle* handle, std::int32_t recursive) const;
+  void HashCell(std::int32_t tree, std::uint32_t hash, CIDXCell* cell);
+  void ReleaseHashCell(std::int32_t tree, std::uint32_t hash, CIDXCell* cell);
+  std::int32_t IsParent(const CIDXCell* ancestor, const CIDXCell* cell) const;
+  static std::int32_t CompareCell(std::int32_t tree, const CIDXCell* a, const CIDXCell* b);
+  static std::int32_t CompareCellSub(const CIDXCell* a, const CIDXCell* b);
+  static std::int32_t IsValidKey(std::int32_t tree, const CIDXString& key);
+  bool NamesRoot(std::int32_t tree, const CIDXString& key) const { return root[tree] && key == root[tree]->info->key; }
+
+  CIDXCell* root[kTreeCount] = {};
+  HashTable<CIDXNode> nodeHash;
+  HashTable<CIDXCell> cellHash[kTreeCount];
+  MPCriticalRegionID criticalRegion = nullptr;
+  // The cells that moves took out of the hash table, chained by the same links, so that they are deleted at
+  // the end.
+  HashChain<CIDXCell> movedCells[kTreeCount];
+};
+
+#endif  // CATALOGCORE_STORE_INDEX_DATA_H_

@@ -1,0 +1,46 @@
+// The store's beginning and end.
+//
+// Every image stands in a hash chain, and every cell in one or among the moved cells, wherever a move of
+// cells or a root that could not be made has left them: so the chains, not the trees, tell what there is to
+// delete.
+#include "catalogcore.h"
+#include "store/index_data.h"
+
+CIndexData::CIndexData() { InitializeCriticalSectionAPI(&criticalRegion); }
+
+CIndexData::~CIndexData() {
+  DeleteCriticalSectionAPI(&criticalRegion);
+  Uninitialize();
+}
+
+std::uint32_t CIndexData::Initialize() {
+  Uninitialize();
+  CIDXString rootKey;
+  if (rootKey.CopyString(".") < 0) return StoreOk;
+  for (std::int32_t tree = 0; tree < kTreeCount; ++tree) {
+    root[tree] = CreateCell(tree, nullptr, rootKey, rootKey, IDXATTR_NOMOVE | IDXATTR_NOREMOVE | IDXATTR_NORENAME);
+  }
+  return StoreOk;
+}
+
+std::uint32_t CIndexData::Uninitialize() {
+  DeleteAllNodes();
+  for (std::int32_t tree = 0; tree < kTreeCount; ++tree) DeleteAllCells(tree);
+  return StoreOk;
+}
+
+void CIndexData::DeleteAllNodes() {
+  for (HashChain<CIDXNode>& chain : nodeHash) {
+    chain.Clear([](CIDXNode* node) { delete node; });
+  }
+}
+
+void CIndexData::DeleteAllCells(std::int32_t tree) {
+  const auto deleteCell = [](CIDXCell* cell) {
+    DeleteSkipList(cell);
+    delete cell;
+  };
+  for (HashChain<CIDXCell>& chain : cellHash[tree]) chain.Clear(deleteCell);
+  movedCells[tree].Clear(deleteCell);
+  root[tree] = nullptr;
+}

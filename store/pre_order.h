@@ -1,0 +1,18 @@
+// The one pre-order walk over cells.
+#ifndef CATALOGCORE_STORE_PRE_ORDER_H_
+#define CATALOGCORE_STORE_PRE_ORDER_H_
+
+#include "store/entries.h"
+
+// The cell after `current` in the depth-first pre-order of the subtree of `start`; null when that was the
+// last.
+inline CIDXCell* NextInPreOrder(const CIDXCell* start, CIDXCell* current) {
+  if (current->firstChild) return current->firstChild;
+  while (current && current != start) {
+    if (current->nextSibling) return current->nextSibling;
+    current = current->parent;
+  }
+  return nullptr;
+}
+
+#endif  // CATALOGCORE_STORE_PRE_ORDER_H_

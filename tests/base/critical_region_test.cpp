@@ -1,0 +1,72 @@
+#include "base/critical_region.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <thread>
+
+#include "tests/support/failing_allocator.h"
+
+namespace {
+
+TEST(CriticalRegion, HoldsOneThreadAtATime) {
+  MPCriticalRegionID region = nullptr;
+  ASSERT_EQ(InitializeCriticalSectionAPI(&region), kMPNoError);
+  int inside = 0;
+  int entries = 0;
+  const auto work = [&] {
+    for (int i = 0; i < 2000; ++i) {
+      EnterCriticalSectionAPI(&region);
+      EnterCriticalSectionAPI(&region);  // the holder may enter again
+      EXPECT_EQ(++inside, 1);
+      ++entries;
+      --inside;
+      LeaveCriticalSectionAPI(&region);
+      LeaveCriticalSectionAPI(&region);
+      LeaveCriticalSectionAPI(&region);  // once too often: another may be inside by now, and must not be let go
+    }
+  };
+  std::thread threads[4];
+  for (std::thread& thread : threads) thread = std::thread(work);
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(entries, 8000);
+  DeleteCriticalSectionAPI(&region);
+  EXPECT_EQ(region, nullptr);
+}
+
+TEST(CriticalRegion, DeletionWaitsForTheHolder) {
+  MPCriticalRegionID region = nullptr;
+  InitializeCriticalSectionAPI(&region);
+  MPCriticalRegionID holders = region;
+  std::atomic<bool> isInside = false;
+  std::atomic<bool> hasLeft = false;
+  std::thread holder([&] {
+    EnterCriticalSectionAPI(&holders);
+    isInside = true;
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    hasLeft = true;
+    LeaveCriticalSectionAPI(&holders);
+  });
+  while (!isInside) std::this_thread::yield();
+  EXPECT_EQ(LeaveCriticalSectionAPI(&region), kMPInvalidID);
+  DeleteCriticalSectionAPI(&region);
+  EXPECT_TRUE(hasLeft);
+  holder.join();
+}
+
+TEST(CriticalRegion, TakesNullAndMissingRegions) {
+  EXPECT_EQ(EnterCriticalSectionAPI(nullptr), kMPNoError);
+  EXPECT_EQ(LeaveCriticalSectionAPI(nullptr), kMPNoError);
+  DeleteCriticalSectionAPI(nullptr);
+  MPCriticalRegionID missing = nullptr;
+  {
+    const FailingAllocation noMemory(0);
+    EXPECT_EQ(InitializeCriticalSectionAPI(&missing), kMPInsufficientResources);
+  }
+  EXPECT_EQ(EnterCriticalSectionAPI(&missing), kMPInvalidID);
+  EXPECT_EQ(LeaveCriticalSectionAPI(&missing), kMPInvalidID);
+  DeleteCriticalSectionAPI(&missing);
+}
+
+}  // namespace

@@ -1,0 +1,85 @@
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "base/clock.h"
+#include "base/desktop_folder.h"
+#include "base/file_existence.h"
+#include "base/heap.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class FileSystem : public testing::Test {
+ protected:
+  FileSystem() : folder_(fs::temp_directory_path() / ("catalogcore_" + std::to_string(getpid()))) {
+    fs::create_directories(folder_ / ".config");
+  }
+  ~FileSystem() override { fs::remove_all(folder_); }
+  const fs::path folder_;
+};
+
+TEST_F(FileSystem, FindsFilesFoldersAndWhatLinksLeadTo) {
+  std::ofstream(folder_ / "\xC3\xA4.jpg") << "x";
+  fs::create_symlink("nowhere", folder_ / "dangling");
+  EXPECT_EQ(IsFileExistAPI(folder_.c_str()), 1);
+  EXPECT_EQ(IsFileExistAPI((folder_ / "\xC3\xA4.jpg").c_str()), 1);
+  EXPECT_EQ(IsFileExistAPI("."), 1);
+  EXPECT_EQ(IsFileExistAPI((folder_ / "dangling").c_str()), 0);
+  EXPECT_EQ(IsFileExistAPI((folder_ / "missing").c_str()), 0);
+  EXPECT_EQ(IsFileExistAPI((folder_ / "\xFF").c_str()), 0);
+  EXPECT_EQ(IsFileExistAPI(("/" + std::string(5000, 'x')).c_str()), 0);
+  EXPECT_EQ(IsFileExistAPI(""), 0);
+  EXPECT_EQ(IsFileExistAPI(nullptr), 0);
+}
+
+TEST_F(FileSystem, DesktopFolderIsTheAccountsOwn) {
+  EXPECT_EQ(DesktopFolderOf(folder_), folder_ / "Desktop");
+  const auto settings = [this](const char* text) { std::ofstream(folder_ / ".config/user-dirs.dirs") << text; };
+  settings("# a comment\nXDG_MUSIC_DIR=\"$HOME/Music\"\nXDG_DESKTOP_DIR=\"$HOME/Schreibtisch\"\n");
+  EXPECT_EQ(DesktopFolderOf(folder_), folder_ / "Schreibtisch");
+  settings("XDG_DESKTOP_DIR=\"/srv/desk\"\n");
+  EXPECT_EQ(DesktopFolderOf(folder_), "/srv/desk");
+  settings("XDG_DESKTOP_DIR=\"\nXDG_DESKTOP_DIR=\"relative\"\n");
+  EXPECT_EQ(DesktopFolderOf(folder_), folder_ / "Desktop");
+}
+
+TEST_F(FileSystem, DesktopPathIsWrittenOnlyIfItFits) {
+  char out[kTempFilePathSize + 1] = "untouched";
+  WriteDesktopFolder(folder_ / "missing", out);
+  EXPECT_STREQ(out, "untouched");
+  const std::string base = folder_;
+  ASSERT_LT(base.size(), 80u);
+  const std::string fits = base + "/" + std::string(kTempFilePathSize - 3 - base.size(), 'x');
+  fs::create_directory(fits);
+  fs::create_directory(fits + "x");
+  WriteDesktopFolder(fits + "x", out);
+  EXPECT_STREQ(out, "untouched");
+  out[kTempFilePathSize] = '!';
+  WriteDesktopFolder(fits, out);
+  EXPECT_EQ(out, fits + "/");
+  EXPECT_EQ(out[kTempFilePathSize], '!');
+}
+
+TEST(Clock, SleepsOneSecondWhateverIsAsked) {
+  const double before = GetTime();
+  SleepFunction(0);
+  const double slept = GetTime() - before;
+  EXPECT_GE(slept, 0.99);
+  EXPECT_LT(slept, 5.0);
+}
+
+TEST(Heap, HandsBlocksOver) {
+  void* const block = std::malloc(1);
+  EXPECT_EQ(GlobalLockAPI(block), block);
+  EXPECT_EQ(GlobalLockAPI(nullptr), nullptr);
+  GlobalFreeAPI(block);
+  GlobalFreeAPI(nullptr);
+}
+
+}  // namespace

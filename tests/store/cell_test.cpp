@@ -1,0 +1,159 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/support/catalogue_state.h"
+#include "tests/support/store_inspector.h"
+
+namespace {
+
+class CellTest : public testing::Test {
+ protected:
+  CellTest() { store_.Initialize(); }
+  ~CellTest() override { EXPECT_EQ(BrokenInvariant(store_), ""); }
+
+  std::uint32_t AddIndex(const char* key, std::uint8_t attribute = 0) {
+    return store_.AddCell(kIndexTree, Key(key), Key(key), attribute);
+  }
+  CIDXCell* Index(const char* key) { return store_.SearchCell(kIndexTree, Key(key)); }
+  std::uint32_t Move(const char* from, const char* to, int force = 0) {
+    return store_.MoveCell(kIndexTree, Key(from), Key(to), force);
+  }
+  Keys Indexes() {
+    Keys keys;
+    for (const CellState& cell : StateOf(store_).cells[kIndexTree]) keys.push_back(cell.key);
+    return keys;
+  }
+
+  CIndexData store_;
+};
+
+TEST_F(CellTest, StoreBeginsWithTwoProtectedRootsAndMayBeginAgain) {
+  for (int round = 0; round < 2; ++round) {
+    const CatalogueState state = StateOf(store_);
+    for (int tree = 0; tree < kTreeCount; ++tree) {
+      EXPECT_EQ(state.cells[tree], std::vector({CellState{".", ".", 7, 0, {}, {}}}));
+      EXPECT_EQ(store_.SearchCell(tree, Key("")), store_.SearchCell(tree, Key(".")));
+    }
+    AddIndex("1/10");
+    store_.AddNode(Key("/a/b.jpg"), Key("1/10"), Key("/a"), 0);
+    if (round == 1) store_.Uninitialize();  // and once more by the destructor
+    store_.Initialize();
+  }
+  CIndexData neverInitialized;
+  EXPECT_EQ(neverInitialized.Uninitialize(), StoreOk);
+  EXPECT_EQ(neverInitialized.SearchCell(kIndexTree, Key("")), nullptr);
+}
+
+TEST_F(CellTest, KeysKeepTheRulesOfTheirTree) {
+  const auto levels = [](int count) {
+    std::string key = "x";
+    for (int i = 1; i < count; ++i) key += "/x";
+    return key;
+  };
+  const struct {
+    std::string key;
+    bool inIndexTree, inFolderTree;
+  } cases[] = {
+      {"", false, true},
+      {"1", true, true},
+      {"/a", false, true},
+      {"a//b", false, false},
+      {"a/", false, false},
+      {"/", false, false},
+      {"//", false, false},
+      {"/a/b c", false, true},
+      {levels(64), true, true},
+      {levels(65), false, true},
+      {levels(512), false, true},
+      {levels(513), false, false},
+      {"/" + levels(512), false, true},
+      {"/" + levels(513), false, false},
+      {std::string(4096, 'x'), true, true},
+      {std::string(4097, 'x'), false, false},
+  };
+  for (const auto& [key, inIndexTree, inFolderTree] : cases) {
+    EXPECT_EQ(StoreInspector::IsValidKey(kIndexTree, Key(key)), inIndexTree) << key;
+    EXPECT_EQ(StoreInspector::IsValidKey(kFolderTree, Key(key)), inFolderTree) << key;
+  }
+  AddIndex("1");
+  EXPECT_EQ(store_.AddNode(Key("/a/" + std::string(4094, 'x')), Key("1"), Key("/a"), 0), StoreInvalidKey);
+}
+
+TEST_F(CellTest, LookingUpACutCopyFindsTheEmptyKeyAndALengthOfZeroTheRoot) {
+  store_.AddCell(kFolderTree, Key("/Users"), Key(""), 0);
+  Key cut("/x");
+  cut[0] = 0;
+  EXPECT_STREQ(store_.SearchCell(kFolderTree, cut)->info->key.Text(), "");
+  EXPECT_STREQ(store_.SearchCell(kFolderTree, Key(""))->info->key.Text(), ".");
+  EXPECT_EQ(store_.SearchCell(kFolderTree, Key("/Users"))->parent, store_.SearchCell(kFolderTree, cut));
+}
+
+TEST_F(CellTest, OrderIsThatOfAPreOrderWalkWithTheRootFirst) {
+  for (const char* key : {"1", "3", "1/2", "2", "1/1", "1/2/9", "3/1"}) AddIndex(key);
+  std::vector<const CIDXCell*> cells;
+  for (const std::string& key : Indexes()) cells.push_back(Index(key.c_str()));
+  for (std::size_t a = 0; a < cells.size(); ++a) {
+    for (std::size_t b = 0; b < cells.size(); ++b) {
+      EXPECT_EQ(StoreInspector::Compare(cells[a], cells[b]), a < b ? -1 : a > b ? 1 : 0) << a << " and " << b;
+    }
+  }
+}
+
+TEST_F(CellTest, MoveChecksInOrder) {
+  for (const char* key : {"1/2", "3", "4/5"}) AddIndex(key, 1);
+  EXPECT_EQ(Move("9", "a//b"), StoreIndexNotFound);
+  EXPECT_EQ(Move("1/2", "3//2"), StoreInvalidKey);
+  EXPECT_EQ(Move("1/2", "3"), StoreIndexExists);
+  EXPECT_EQ(Move("1/2", "8/9"), StoreIndexNotFound);
+  EXPECT_EQ(Move("1/2", "8"), StoreIndexNotFound);  // a key of one component names no parent
+  EXPECT_EQ(Move("1/2", "1/7"), StoreOk);           // it hangs there already: nothing changes, not even its key
+  EXPECT_EQ(Move("1", "1/2/6"), StoreInvalidKey);
+  EXPECT_EQ(Move(".", "1/7", 1), StoreInvalidKey);
+  EXPECT_EQ(Move("1/2", "3/2"), StoreMoveProtected);
+  EXPECT_EQ(Indexes(), Keys({".", "1", "1/2", "3", "4", "4/5"}));
+}
+
+TEST_F(CellTest, MovedCellIsFoundByWalksAloneAndLeavesItsDescendants) {
+  for (const char* key : {"1", "1/2", "1/2/3", "1/2/3/4", "5", "6"}) AddIndex(key);
+  for (const auto& [image, index] : {std::pair{"/p/a", "1/2"}, {"/p/b", "1/2/3"}, {"/p/c", "1/2/3/4"}, {"/p/d", "5"}}) {
+    ASSERT_EQ(store_.AddNode(Key(image), Key(index), Key("/p"), 0), StoreOk);
+  }
+  const CIDXCell* const moved = Index("1/2");
+  EXPECT_EQ(Move("1/2", "5/2"), StoreOk);
+  EXPECT_EQ(Indexes(), Keys({".", "1", "5", "1/2", "6"}));
+  EXPECT_EQ(Index("5")->firstChild, moved);
+  for (const char* key : {"1/2", "5/2", "1/2/3", "1/2/3/4"}) EXPECT_EQ(Index(key), nullptr) << key;
+
+  // Its images and those left behind are found by key, and may be moved back into the tree or removed.
+  EXPECT_EQ(store_.SearchNode(Key("/p/a"))->cell[kIndexTree], moved);
+  EXPECT_EQ(store_.MoveNode(kIndexTree, Key("/p/b"), Key("1"), 0), StoreOk);
+  EXPECT_EQ(store_.RemoveNode(Key("/p/a"), 0), StoreOk);
+  EXPECT_NE(store_.SearchNode(Key("/p/c")), nullptr);
+
+  // The key is free again; the parent cannot go, and takes the moved cell along when it is moved itself.
+  EXPECT_EQ(AddIndex("1/2"), StoreOk);
+  EXPECT_EQ(store_.RemoveCell(kIndexTree, Key("5"), 1), StoreIndexHasChildren);
+  EXPECT_EQ(Move("5", "6/5"), StoreOk);
+  EXPECT_EQ(Indexes(), Keys({".", "1", "1/2", "6", "5"}));
+}
+
+TEST_F(CellTest, RootsAreNeverRemoved) {
+  for (const char* key : {".", ""}) {
+    EXPECT_EQ(store_.RemoveCell(kIndexTree, Key(key), 0), StoreRemoveProtected);
+    EXPECT_EQ(store_.RemoveCell(kIndexTree, Key(key), 1), StoreInvalidKey);
+  }
+}
+
+TEST_F(CellTest, RemovalStopsAtAProtectedImage) {
+  AddIndex("1");
+  for (const auto& [image, attribute] : {std::pair{"/p/a", 0}, {"/p/b", 2}, {"/p/c", 0}}) {
+    store_.AddNode(Key(image), Key("1"), Key("/p"), static_cast<std::uint8_t>(attribute));
+  }
+  EXPECT_EQ(store_.RemoveCell(kIndexTree, Key("1"), 0), StoreRemoveProtected);
+  EXPECT_EQ(StateOf(store_).cells[kIndexTree][1].images, Keys({"/p/b", "/p/c"}));
+  EXPECT_EQ(store_.RemoveCell(kIndexTree, Key("1"), 1), StoreOk);
+  EXPECT_TRUE(StateOf(store_).attributes.empty());
+}
+
+}  // namespace

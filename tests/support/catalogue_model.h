@@ -1,0 +1,62 @@
+// The catalogue in plain standard containers, slow and obviously right: what the store is compared with.
+#ifndef CATALOGCORE_TESTS_SUPPORT_CATALOGUE_MODEL_H_
+#define CATALOGCORE_TESTS_SUPPORT_CATALOGUE_MODEL_H_
+
+#include <list>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/support/catalogue_state.h"
+
+class CatalogueModel {
+ public:
+  CatalogueModel();
+
+  unsigned AddNode(const std::string& key, const std::string& indexKey, const std::string& folderKey, int attribute);
+  unsigned RemoveNode(const std::string& key, bool force);
+  unsigned MoveNode(int tree, const std::string& key, const std::string& newCellKey, bool force);
+  unsigned ChangeAttributeNode(const std::string& key, int attribute);
+  bool HasNode(const std::string& key) { return FindImage(key) != nullptr; }
+
+  unsigned AddCell(int tree, const std::string& key, const std::string& name, int attribute);
+  unsigned RemoveCell(int tree, const std::string& key, bool force);
+  unsigned RenameCell(int tree, const std::string& key, const std::string& newName, bool force);
+  unsigned ChangeAttributeCell(int tree, const std::string& key, int attribute);
+
+  // The keys of a whole walk; `hasFolder` false stands for a folder key that was never assigned.
+  Keys WalkCells(int tree, std::string key, bool recursive) const;
+  Keys WalkImages(std::string indexKey, bool hasFolder, std::string folderKey, bool recursive) const;
+
+  CatalogueState State() const;
+
+ private:
+  struct Cell {
+    std::string key, name;
+    int attribute;
+    Cell* parent;
+    std::vector<Cell*> children;
+  };
+  struct Image {
+    std::string key;
+    int attribute;
+    Cell* cell[kTreeCount];
+  };
+
+  Image* FindImage(const std::string& key);
+  Cell* FindByText(int tree, const std::string& key) const;
+  Cell* FindCell(int tree, const std::string& key) const;
+  Cell* NewCell(int tree, Cell* parent, const std::string& key, const std::string& name, int attribute);
+  std::vector<Cell*> PreOrder(const Cell* start) const;
+  std::vector<const Image*> ImagesOf(int tree, const Cell* cell) const;
+
+  // In the order of their making; what is removed leaves them.
+  std::list<Image> images_;
+  std::vector<std::unique_ptr<Cell>> cells_[kTreeCount];
+};
+
+// The hash of the system and the equality of keys, computed in another way than the library does.
+unsigned ModelHash(const std::string& text);
+bool ModelEqual(const std::string& a, const std::string& b);
+
+#endif  // CATALOGCORE_TESTS_SUPPORT_CATALOGUE_MODEL_H_

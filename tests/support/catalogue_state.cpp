@@ -1,0 +1,147 @@
+#include "tests/support/catalogue_state.h"
+
+#include <set>
+
+#include "store/pre_order.h"
+#include "tests/support/store_inspector.h"
+
+namespace {
+
+std::string KeyOf(const CIDXNode* node) { return node->info->key.Text(); }
+std::string KeyOf(const CIDXCell* cell) { return cell->info->key.Text(); }
+
+template <typename Entry>
+Keys ChainKeys(const HashChain<Entry>& chain) {
+  Keys keys;
+  for (const Entry* entry = chain.head; entry; entry = entry->hashNext) keys.push_back(KeyOf(entry));
+  return keys;
+}
+
+CellState StateOfCell(const CIDXCell* cell, int tree) {
+  CellState state{KeyOf(cell), cell->info->name.Text(), cell->info->attribute, 0, {}, {}};
+  for (const CIDXCell* up = cell->parent; up; up = up->parent) ++state.depth;
+  for (const CIDXNode* node = cell->firstNode; node; node = node->next[tree]) state.images.push_back(KeyOf(node));
+  for (const CIDXSkipNode* marker = cell->skipHead; marker; marker = marker->next) {
+    state.groups.push_back(KeyOf(marker->node));
+  }
+  return state;
+}
+
+template <typename Visit>
+void ForEachCell(const CIndexData& store, int tree, Visit visit) {
+  const CIDXCell* const root = StoreInspector(store).Root(tree);
+  for (auto* cell = const_cast<CIDXCell*>(root); cell; cell = NextInPreOrder(root, cell)) visit(cell);
+}
+
+template <typename Entry>
+std::string BrokenChain(const HashChain<Entry>& chain, std::uint32_t bucket, std::set<const Entry*>& chained) {
+  const Entry* before = nullptr;
+  for (const Entry* entry = chain.head; entry; before = entry, entry = entry->hashNext) {
+    if (entry->hashPrev != before) return "chain link back from " + KeyOf(entry);
+    if (entry->info->key.GetHashKey() != bucket) return "wrong bucket of " + KeyOf(entry);
+    if (!chained.insert(entry).second) return "twice in the table: " + KeyOf(entry);
+  }
+  return chain.tail == before ? "" : "end of chain " + std::to_string(bucket);
+}
+
+std::string BrokenLinks(const CIDXCell* cell) {
+  const CIDXCell* before = nullptr;
+  for (const CIDXCell* child = cell->firstChild; child; before = child, child = child->nextSibling) {
+    if (child->parent != cell || child->prevSibling != before) return "links of child " + KeyOf(child);
+    if (before && before->ordinal >= child->ordinal) return "ordinal of child " + KeyOf(child);
+  }
+  return cell->lastChild == before ? "" : "last child of " + KeyOf(cell);
+}
+
+std::string BrokenImageList(const CIDXCell* cell, int tree, bool isOrdered, std::set<const CIDXNode*>& filed) {
+  const CIDXNode* before = nullptr;
+  const CIDXSkipNode* marker = cell->skipHead;
+  for (const CIDXNode* node = cell->firstNode; node; before = node, node = node->next[tree]) {
+    if (node->cell[tree] != cell || node->prev[tree] != before) return "links of image " + KeyOf(node);
+    if (!filed.insert(node).second) return "filed twice: " + KeyOf(node);
+    if (tree == kIndexTree) continue;
+    const bool beginsGroup = !before || before->cell[kIndexTree] != node->cell[kIndexTree];
+    if (!beginsGroup) continue;
+    if (!marker || marker->node != node) return "marker of group at " + KeyOf(node);
+    if (before && isOrdered && StoreInspector::Compare(before->cell[kIndexTree], node->cell[kIndexTree]) != -1) {
+      return "order of groups at " + KeyOf(node);
+    }
+    marker = marker->next;
+  }
+  if (marker) return "marker without a group in " + KeyOf(cell);
+  return cell->lastNode == before ? "" : "last image of " + KeyOf(cell);
+}
+
+}  // namespace
+
+CatalogueState StateOf(const CIndexData& store) {
+  const StoreInspector inspector(store);
+  CatalogueState state;
+  for (std::uint32_t bucket = 0; bucket < CIDXString::kBucketCount; ++bucket) {
+    const HashChain<CIDXNode>& images = inspector.ImageChain(bucket);
+    if (images.head) state.imageChains[bucket] = ChainKeys(images);
+    for (const CIDXNode* node = images.head; node; node = node->hashNext) {
+      state.attributes[KeyOf(node)] = node->info->attribute;
+    }
+    for (int tree = 0; tree < kTreeCount; ++tree) {
+      const HashChain<CIDXCell>& cells = inspector.CellChain(tree, bucket);
+      if (cells.head) state.cellChains[tree][bucket] = ChainKeys(cells);
+    }
+  }
+  for (int tree = 0; tree < kTreeCount; ++tree) {
+    ForEachCell(store, tree, [&](const CIDXCell* cell) { state.cells[tree].push_back(StateOfCell(cell, tree)); });
+  }
+  return state;
+}
+
+std::string BrokenInvariant(const CIndexData& store) {
+  const StoreInspector inspector(store);
+  std::set<const CIDXNode*> chainedImages;
+  std::set<const CIDXCell*> chainedCells;
+  for (std::uint32_t bucket = 0; bucket < CIDXString::kBucketCount; ++bucket) {
+    std::string broken = BrokenChain(inspector.ImageChain(bucket), bucket, chainedImages);
+    for (int tree = 0; tree < kTreeCount && broken.empty(); ++tree) {
+      broken = BrokenChain(inspector.CellChain(tree, bucket), bucket, chainedCells);
+    }
+    if (!broken.empty()) return broken;
+  }
+  std::size_t inTable = 0;
+  const bool isOrdered = !inspector.MovedCells(kIndexTree).head;  // moved indexes leave their groups where they were
+  for (int tree = 0; tree < kTreeCount; ++tree) {
+    std::set<const CIDXNode*> filed;
+    std::set<const CIDXCell*> cells;
+    std::string broken;
+    const auto visit = [&](const CIDXCell* cell) {
+      if (!cells.insert(cell).second || !broken.empty()) return;
+      broken = BrokenLinks(cell);
+      if (broken.empty()) broken = BrokenImageList(cell, tree, isOrdered, filed);
+      if (broken.empty() && tree == kIndexTree && cell->skipHead) broken = "marker in index " + KeyOf(cell);
+      if (broken.empty() && chainedCells.count(cell) == (cell->moved ? 1 : 0)) broken = "table of " + KeyOf(cell);
+      if (!cell->moved) ++inTable;
+    };
+    ForEachCell(store, tree, visit);
+    for (const CIDXCell* cell = inspector.MovedCells(tree).head; cell; cell = cell->hashNext) visit(cell);
+    if (broken.empty() && filed != chainedImages) broken = "images filed and images in the table differ";
+    if (!broken.empty()) return broken;
+  }
+  return inTable == chainedCells.size() ? "" : "a cell in the table is in no tree";
+}
+
+std::ostream& operator<<(std::ostream& out, const CatalogueState& state) {
+  const auto list = [&out](const char* title, const Keys& keys) {
+    if (!keys.empty()) out << "  " << title;
+    for (const std::string& key : keys) out << " [" << key << "]";
+  };
+  for (const auto& cells : state.cells) {
+    for (const CellState& cell : cells) {
+      out << "\n" << std::string(static_cast<std::size_t>(cell.depth) * 2, ' ') << "'" << cell.key << "' name '";
+      out << cell.name << "' attribute " << cell.attribute;
+      list("images", cell.images);
+      list("groups", cell.groups);
+    }
+  }
+  for (const auto* chains : {&state.cellChains[0], &state.cellChains[1], &state.imageChains}) {
+    for (const auto& [bucket, keys] : *chains) list(("\n bucket " + std::to_string(bucket)).c_str(), keys);
+  }
+  return out;
+}

@@ -1,0 +1,38 @@
+// Everything that can be seen of a catalogue, as plain values, to be compared between the store and the
+// model.
+#ifndef CATALOGCORE_TESTS_SUPPORT_CATALOGUE_STATE_H_
+#define CATALOGCORE_TESTS_SUPPORT_CATALOGUE_STATE_H_
+
+#include <map>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "store/index_data.h"
+
+using Keys = std::vector<std::string>;
+
+struct CellState {
+  std::string key, name;
+  int attribute = 0;
+  int depth = 0;  // 0 for the root
+  Keys images;    // in the order of the cell's list
+  Keys groups;    // folders: the first image of each group
+  bool operator==(const CellState&) const = default;
+};
+
+struct CatalogueState {
+  std::vector<CellState> cells[kTreeCount];                      // in pre-order
+  std::map<std::string, int> attributes;                         // of images
+  std::map<unsigned, Keys> cellChains[kTreeCount], imageChains;  // the buckets that hold something
+  bool operator==(const CatalogueState&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const CatalogueState& state);
+
+CatalogueState StateOf(const CIndexData& store);
+
+// Says which of the invariants in store/entries.h is broken and where; empty when all of them hold.
+std::string BrokenInvariant(const CIndexData& store);
+
+#endif  // CATALOGCORE_TESTS_SUPPORT_CATALOGUE_STATE_H_

@@ -1,0 +1,32 @@
+// Opens the store to the tests.
+#ifndef CATALOGCORE_TESTS_SUPPORT_STORE_INSPECTOR_H_
+#define CATALOGCORE_TESTS_SUPPORT_STORE_INSPECTOR_H_
+
+#include <string>
+
+#include "store/index_data.h"
+
+class StoreInspector {
+ public:
+  explicit StoreInspector(const CIndexData& store) : store_(store) {}
+
+  const CIDXCell* Root(int tree) const { return store_.root[tree]; }
+  const HashChain<CIDXNode>& ImageChain(std::uint32_t bucket) const { return store_.nodeHash[bucket]; }
+  const HashChain<CIDXCell>& CellChain(int tree, std::uint32_t bucket) const { return store_.cellHash[tree][bucket]; }
+  const HashChain<CIDXCell>& MovedCells(int tree) const { return store_.movedCells[tree]; }
+
+  static int Compare(const CIDXCell* a, const CIDXCell* b) { return CIndexData::CompareCell(kIndexTree, a, b); }
+  static bool IsValidKey(int tree, const CIDXString& key) { return CIndexData::IsValidKey(tree, key) == 1; }
+
+ private:
+  const CIndexData& store_;
+};
+
+// A string with this text, for arguments.
+class Key : public CIDXString {
+ public:
+  explicit Key(const char* text) { CopyString(text); }
+  explicit Key(const std::string& text) : Key(text.c_str()) {}
+};
+
+#endif  // CATALOGCORE_TESTS_SUPPORT_STORE_INSPECTOR_H_
