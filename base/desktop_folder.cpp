@@ -32,7 +32,7 @@ std::string DesktopFolderOf(const std::string& home) {
   for (std::string line; std::getline(settings, line);) {
     const std::size_t end = line.rfind('"');
     if (line.compare(0, kKey.size(), kKey) != 0 || end < kKey.size()) continue;
-    const std::string value = line.substr(kKey.size(), end - kKey.size());
+    std::string value = line.substr(kKey.size(), end - kKey.size());
     if (value.compare(0, kHome.size(), kHome) == 0) return home + value.substr(kHome.size());
     if (value.compare(0, 1, "/") == 0) return value;
   }
@@ -47,7 +47,9 @@ void WriteDesktopFolder(const std::string& folder, char* out) {
   const CFReference<CFStringRef> path(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle));
   char text[kTempFilePathSize - 1];
   if (!path || !CFStringGetCString(path.get(), text, sizeof text, kCFStringEncodingUTF8)) return;
-  std::strcat(std::strcpy(out, text), "/");
+  const std::size_t size = std::strlen(text);
+  std::memcpy(out, text, size);
+  std::memcpy(out + size, "/", 2);
 }
 
 void GetTempFilePath(char* out) {

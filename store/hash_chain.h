@@ -14,6 +14,7 @@ struct HashChain {
   Entry* tail = nullptr;
 
   void Append(Entry* entry) {
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): an entry leaves its chain before it is deleted
     entry->hashPrev = tail;
     entry->hashNext = nullptr;
     (tail ? tail->hashNext : head) = entry;

@@ -3,7 +3,6 @@
 
 #include <string>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -83,9 +82,9 @@ TEST(CFString, ConvertsRangesOfUTF16UnitsByWholeCharacters) {
 
 TEST(CFBase, CountsReferencesFromEveryThread) {
   const CFStringRef string = Make("shared");
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([string] {
+  std::thread threads[4];
+  for (std::thread& thread : threads) {
+    thread = std::thread([string] {
       for (int n = 0; n < 10000; ++n) CFRelease(CFRetain(string));
       CFRetain(string);
     });

@@ -191,7 +191,8 @@ Keys CatalogueModel::WalkCells(int tree, std::string key, bool recursive) const 
   return keys;
 }
 
-Keys CatalogueModel::WalkImages(std::string indexKey, bool hasFolder, std::string folderKey, bool recursive) const {
+Keys CatalogueModel::WalkImages(std::string indexKey, bool hasFolder, const std::string& folderKey,
+                                bool recursive) const {
   const int tree = hasFolder && folderKey != "." ? kFolderTree : kIndexTree;
   if (tree == kIndexTree) TrimSlash(indexKey);
   const Cell* const filter = FindCell(kIndexTree, indexKey);

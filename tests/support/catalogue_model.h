@@ -26,7 +26,7 @@ class CatalogueModel {
 
   // The keys of a whole walk; `hasFolder` false stands for a folder key that was never assigned.
   Keys WalkCells(int tree, std::string key, bool recursive) const;
-  Keys WalkImages(std::string indexKey, bool hasFolder, std::string folderKey, bool recursive) const;
+  Keys WalkImages(std::string indexKey, bool hasFolder, const std::string& folderKey, bool recursive) const;
 
   CatalogueState State() const;
 

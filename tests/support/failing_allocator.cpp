@@ -23,7 +23,6 @@ FailingAllocation::FailingAllocation(int failing) {
 FailingAllocation::~FailingAllocation() { allocationsLeft = -1; }
 bool FailingAllocation::HasFailed() const { return hasFailed; }
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the names are the linker's.
 extern "C" {
 void* __real_malloc(std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
@@ -35,4 +34,3 @@ void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) {
   return FailsNow() ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
 }
 }
-// NOLINTEND(bugprone-reserved-identifier)

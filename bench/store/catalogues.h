@@ -1,0 +1,94 @@
+// One catalogue, three ways: our store, a hash map of the standard library, SQLite in memory.
+#ifndef CATALOGCORE_BENCH_STORE_CATALOGUES_H_
+#define CATALOGCORE_BENCH_STORE_CATALOGUES_H_
+
+#include <sqlite3.h>
+
+#include <deque>
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "store/index_data.h"
+
+inline constexpr int kIndexCount = 20;
+inline constexpr int kImagesPerFolder = 3000;
+
+// The images to file, each as the three sides want its texts: paths of 40 to 70 bytes, indexes in turn.
+struct Images {
+  explicit Images(int count);
+
+  int count;
+  std::vector<std::string> paths, folders;  // folders: one for each kImagesPerFolder images
+  std::deque<CIDXString> keys, folderKeys, indexKeys;
+  std::vector<int> shuffled;  // every number once, in random order
+
+  static int IndexOf(int image) { return image % kIndexCount; }
+  static std::size_t FolderOf(int image) { return static_cast<std::size_t>(image / kImagesPerFolder); }
+};
+
+class StoreCatalogue {
+ public:
+  explicit StoreCatalogue(Images& images);
+  void Add(int image);
+  bool Find(int image);
+  void Move(int image, int index);
+  void Remove(int image);
+  // Each walk returns a sum over what it read of the images: key lengths and attributes.
+  long WalkIndex(int index);
+  long WalkFolder(std::size_t folder);
+
+ private:
+  long Walk(CIDXString& indexKey, CIDXString& folderKey);
+
+  Images& images_;
+  CIndexData store_;
+};
+
+// With a list of the images of each index and of each folder; it is asked only for what a map is good at.
+class MapCatalogue {
+ public:
+  explicit MapCatalogue(Images& images) : images_(images), byIndex_(kIndexCount), byFolder_(images.folders.size()) {}
+  void Add(int image);
+  bool Find(int image);
+
+ private:
+  struct Filed {
+    int index;
+    unsigned char attribute;
+  };
+  using Map = std::unordered_map<std::string, Filed>;
+
+  Images& images_;
+  Map map_;
+  std::vector<std::vector<Map::value_type*>> byIndex_, byFolder_;
+};
+
+// One table with the path as its primary key and an index on category and on folder; prepared statements, one
+// transaction.
+class SqliteCatalogue {
+ public:
+  explicit SqliteCatalogue(Images& images);
+  ~SqliteCatalogue();
+  SqliteCatalogue(const SqliteCatalogue&) = delete;
+  SqliteCatalogue& operator=(const SqliteCatalogue&) = delete;
+  void Add(int image);
+  bool Find(int image);
+  void Move(int image, int index);
+  void Remove(int image);
+  long WalkIndex(int index);
+  long WalkFolder(std::size_t folder);
+
+ private:
+  sqlite3_stmt* Prepare(const char* sql);
+  void BindPath(sqlite3_stmt* statement, int position, const std::string& path);
+  static long SumRows(sqlite3_stmt* statement);
+
+  Images& images_;
+  sqlite3* database_ = nullptr;
+  std::vector<sqlite3_stmt*> statements_;
+  sqlite3_stmt *add_, *find_, *move_, *remove_, *walkIndex_, *walkFolder_;
+};
+
+#endif  // CATALOGCORE_BENCH_STORE_CATALOGUES_H_

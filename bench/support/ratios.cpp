@@ -1,0 +1,91 @@
+#include "bench/support/ratios.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+namespace {
+
+struct Row {
+  std::string name, alternative;
+};
+
+std::vector<Row>& Rows() {
+  static std::vector<Row> rows;
+  return rows;
+}
+
+void Register(const std::string& name, Round round, int rounds) {
+  benchmark::RegisterBenchmark(name.c_str(),
+                               [round = std::move(round)](benchmark::State& state) {
+                                 for ([[maybe_unused]] auto _ : state) state.SetIterationTime(round() * 1e-9);
+                               })
+      ->UseManualTime()
+      ->Iterations(1)
+      ->Repetitions(rounds)
+      ->ReportAggregatesOnly();
+}
+
+// One line for each side of a row when it is done; keeps the medians by name.
+class KeepingReporter : public benchmark::BenchmarkReporter {
+ public:
+  bool ReportContext(const Context&) override { return true; }
+
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const Run& run : runs) {
+      if (run.aggregate_name != "median") continue;
+      medians_[run.run_name.function_name] = run.GetAdjustedRealTime();
+      std::printf("  %-44s %12.1f ns\n", run.run_name.function_name.c_str(), run.GetAdjustedRealTime());
+      std::fflush(stdout);
+    }
+  }
+
+  const double* Median(const std::string& name) const {
+    const auto found = medians_.find(name);
+    return found == medians_.end() ? nullptr : &found->second;
+  }
+
+ private:
+  std::map<std::string, double> medians_;
+};
+
+}  // namespace
+
+void AddRow(const std::string& name, Round ours, const std::string& alternative, Round other, int rounds) {
+  Rows().push_back({name, alternative});
+  Register(name + "/ours", std::move(ours), rounds);
+  Register(name + "/" + alternative, std::move(other), rounds);
+}
+
+int RunRows(int argc, char** argv, const std::string& file) {
+  std::vector<char*> arguments(argv, argv + argc);
+  // In turn, so that what else the machine does weighs on both sides alike.
+  char interleaved[] = "--benchmark_enable_random_interleaving=true";
+  arguments.push_back(interleaved);
+  int count = static_cast<int>(arguments.size());
+  benchmark::Initialize(&count, arguments.data());
+  if (benchmark::ReportUnrecognizedArguments(count, arguments.data())) return 2;
+  KeepingReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+
+  nlohmann::json rows = nlohmann::json::array();
+  std::printf("\n%-26s | %14s | %14s %-18s | %s\n", "what", "ours (ns)", "(ns)", "alternative", "ratio");
+  for (const Row& row : Rows()) {
+    const double* const ours = reporter.Median(row.name + "/ours");
+    const double* const other = reporter.Median(row.name + "/" + row.alternative);
+    if (!ours || !other) continue;
+    const double ratio = *ours / *other;
+    std::printf("%-26s | %14.1f | %14.1f %-18s | %.3f\n", row.name.c_str(), *ours, *other, row.alternative.c_str(),
+                ratio);
+    rows.push_back({{"name", row.name}, {"ours", *ours}, {"other", *other}, {"ratio", ratio}});
+  }
+  std::ofstream out(file);
+  out << rows.dump(2) << '\n';
+  out.close();
+  if (!out) std::fprintf(stderr, "catalogcore_bench: cannot write %s\n", file.c_str());
+  return out ? 0 : 1;
+}
