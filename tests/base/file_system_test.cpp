@@ -6,10 +6,8 @@
 #include <fstream>
 #include <string>
 
-#include "base/clock.h"
 #include "base/desktop_folder.h"
 #include "base/file_existence.h"
-#include "base/heap.h"
 
 namespace {
 
@@ -64,22 +62,6 @@ TEST_F(FileSystem, DesktopPathIsWrittenOnlyIfItFits) {
   WriteDesktopFolder(fits, out);
   EXPECT_EQ(out, fits + "/");
   EXPECT_EQ(out[kTempFilePathSize], '!');
-}
-
-TEST(Clock, SleepsOneSecondWhateverIsAsked) {
-  const double before = GetTime();
-  SleepFunction(0);
-  const double slept = GetTime() - before;
-  EXPECT_GE(slept, 0.99);
-  EXPECT_LT(slept, 5.0);
-}
-
-TEST(Heap, HandsBlocksOver) {
-  void* const block = std::malloc(1);
-  EXPECT_EQ(GlobalLockAPI(block), block);
-  EXPECT_EQ(GlobalLockAPI(nullptr), nullptr);
-  GlobalFreeAPI(block);
-  GlobalFreeAPI(nullptr);
 }
 
 }  // namespace

@@ -80,26 +80,6 @@ TEST_F(CellTest, KeysKeepTheRulesOfTheirTree) {
   EXPECT_EQ(store_.AddNode(Key("/a/" + std::string(4094, 'x')), Key("1"), Key("/a"), 0), StoreInvalidKey);
 }
 
-TEST_F(CellTest, LookingUpACutCopyFindsTheEmptyKeyAndALengthOfZeroTheRoot) {
-  store_.AddCell(kFolderTree, Key("/Users"), Key(""), 0);
-  Key cut("/x");
-  cut[0] = 0;
-  EXPECT_STREQ(store_.SearchCell(kFolderTree, cut)->info->key.Text(), "");
-  EXPECT_STREQ(store_.SearchCell(kFolderTree, Key(""))->info->key.Text(), ".");
-  EXPECT_EQ(store_.SearchCell(kFolderTree, Key("/Users"))->parent, store_.SearchCell(kFolderTree, cut));
-}
-
-TEST_F(CellTest, OrderIsThatOfAPreOrderWalkWithTheRootFirst) {
-  for (const char* key : {"1", "3", "1/2", "2", "1/1", "1/2/9", "3/1"}) AddIndex(key);
-  std::vector<const CIDXCell*> cells;
-  for (const std::string& key : Indexes()) cells.push_back(Index(key.c_str()));
-  for (std::size_t a = 0; a < cells.size(); ++a) {
-    for (std::size_t b = 0; b < cells.size(); ++b) {
-      EXPECT_EQ(StoreInspector::Compare(cells[a], cells[b]), a < b ? -1 : a > b ? 1 : 0) << a << " and " << b;
-    }
-  }
-}
-
 TEST_F(CellTest, MoveChecksInOrder) {
   for (const char* key : {"1/2", "3", "4/5"}) AddIndex(key, 1);
   EXPECT_EQ(Move("9", "a//b"), StoreIndexNotFound);
@@ -136,24 +116,6 @@ TEST_F(CellTest, MovedCellIsFoundByWalksAloneAndLeavesItsDescendants) {
   EXPECT_EQ(store_.RemoveCell(kIndexTree, Key("5"), 1), StoreIndexHasChildren);
   EXPECT_EQ(Move("5", "6/5"), StoreOk);
   EXPECT_EQ(Indexes(), Keys({".", "1", "1/2", "6", "5"}));
-}
-
-TEST_F(CellTest, RootsAreNeverRemoved) {
-  for (const char* key : {".", ""}) {
-    EXPECT_EQ(store_.RemoveCell(kIndexTree, Key(key), 0), StoreRemoveProtected);
-    EXPECT_EQ(store_.RemoveCell(kIndexTree, Key(key), 1), StoreInvalidKey);
-  }
-}
-
-TEST_F(CellTest, RemovalStopsAtAProtectedImage) {
-  AddIndex("1");
-  for (const auto& [image, attribute] : {std::pair{"/p/a", 0}, {"/p/b", 2}, {"/p/c", 0}}) {
-    store_.AddNode(Key(image), Key("1"), Key("/p"), static_cast<std::uint8_t>(attribute));
-  }
-  EXPECT_EQ(store_.RemoveCell(kIndexTree, Key("1"), 0), StoreRemoveProtected);
-  EXPECT_EQ(StateOf(store_).cells[kIndexTree][1].images, Keys({"/p/b", "/p/c"}));
-  EXPECT_EQ(store_.RemoveCell(kIndexTree, Key("1"), 1), StoreOk);
-  EXPECT_TRUE(StateOf(store_).attributes.empty());
 }
 
 }  // namespace

@@ -17,7 +17,6 @@ class CatalogueModel {
   unsigned RemoveNode(const std::string& key, bool force);
   unsigned MoveNode(int tree, const std::string& key, const std::string& newCellKey, bool force);
   unsigned ChangeAttributeNode(const std::string& key, int attribute);
-  bool HasNode(const std::string& key) { return FindImage(key) != nullptr; }
 
   unsigned AddCell(int tree, const std::string& key, const std::string& name, int attribute);
   unsigned RemoveCell(int tree, const std::string& key, bool force);
