@@ -46,8 +46,10 @@ OSStatus LeaveCriticalSectionAPI(MPCriticalRegionID* region) {
 
 void DeleteCriticalSectionAPI(MPCriticalRegionID* region) {
   if (!region || !*region) return;
-  EnterCriticalSectionAPI(region);
-  LeaveCriticalSectionAPI(region);
+  (*region)->Enter();
+  while ((*region)->Leave()) {
+    // As often as the calling thread had entered.
+  }
   delete *region;
   *region = nullptr;
 }

@@ -25,7 +25,7 @@ OSStatus EnterCriticalSectionAPI(MPCriticalRegionID* region);
 // Leaves the region. A thread that does not hold it changes nothing and gets kMPInvalidID.
 OSStatus LeaveCriticalSectionAPI(MPCriticalRegionID* region);
 
-// Waits until no thread holds the region, deletes it and clears the field. No thread may be on its way in.
+// Waits until no other thread holds the region, deletes it and clears the field. No thread may be on its way in.
 void DeleteCriticalSectionAPI(MPCriticalRegionID* region);
 
 #endif  // CATALOGCORE_BASE_CRITICAL_REGION_H_

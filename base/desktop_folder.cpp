@@ -20,7 +20,7 @@ std::string HomeFolder() {
   passwd entry{};
   passwd* found = nullptr;
   if (getpwuid_r(geteuid(), &entry, text.data(), text.size(), &found) != 0 || !found) return {};
-  return found->pw_dir;
+  return found->pw_dir ? found->pw_dir : "";
 }
 
 }  // namespace
@@ -33,7 +33,9 @@ std::string DesktopFolderOf(const std::string& home) {
     const std::size_t end = line.rfind('"');
     if (line.compare(0, kKey.size(), kKey) != 0 || end < kKey.size()) continue;
     std::string value = line.substr(kKey.size(), end - kKey.size());
-    if (value.compare(0, kHome.size(), kHome) == 0) return home + value.substr(kHome.size());
+    if (value == kHome || value.compare(0, kHome.size() + 1, std::string(kHome) + '/') == 0) {
+      return home + value.substr(kHome.size());
+    }
     if (value.compare(0, 1, "/") == 0) return value;
   }
   return home + "/Desktop";

@@ -20,10 +20,11 @@ CIDXString::~CIDXString() { FreeBuffer(); }
 char* CIDXString::AllocBuffer(int size) {
   if (size <= 0) return nullptr;
   if (size < capacity) return buffer;
-  auto* const block = static_cast<char*>(std::realloc(buffer, static_cast<std::size_t>(size)));
+  auto* const block = static_cast<char*>(std::realloc(buffer, static_cast<std::size_t>(size) + 1));
   if (!block) return nullptr;
   if (!buffer) block[0] = 0;
   block[size - 1] = 0;
+  block[size] = 0;
   capacity = size;
   buffer = block;
   return buffer;
@@ -69,10 +70,8 @@ std::int32_t CIDXString::CatString(const char* text) {
 std::int32_t CIDXString::TrimMid(int first, int last) {
   const auto isInside = [this](int position) { return position >= 0 && position < length; };
   if (!isInside(first) || !isInside(last) || first > last) return 0;
-  const auto cut = static_cast<std::size_t>(last - first) + 1;
   const auto tail = static_cast<std::size_t>(length - last);  // its terminator included
   std::memmove(buffer + first, buffer + last + 1, tail);
-  std::memset(buffer + first + tail, 0, cut - 1);
   length = TextSize(buffer);
   return length;
 }

@@ -8,11 +8,12 @@
 //
 // Invariants:
 // - `buffer` null: no block, `capacity` and `length` are 0, and the string reads as the empty text.
-// - `buffer` set: the block has `capacity` bytes, `length` < `capacity`, and a zero byte lies within the block.
+// - `buffer` set: the block has `capacity` bytes and a zero byte behind them, which nothing overwrites, so that every
+//   text ends; `length` < `capacity`.
 // - The text is what lies before the first zero byte. `length` is what the last operation recorded; it differs from the
 //   text's length after a copy of more bytes than there were, or when a zero byte is written through operator[] or
 //   Replace. Count and the searches go by `length`; hash, equality and Text() go by the text.
-// - The block is grown to exactly the size needed and never shrinks, so that the store's many short keys stay compact.
+// - `capacity` grows to exactly the size needed and never shrinks, so that the store's many short keys stay compact.
 //
 // An operation that finds no memory leaves the string as it was. No text handed in may lie within the string itself.
 class CIDXString {

@@ -12,10 +12,10 @@ inline std::int32_t TextSize(const char* text) {
   return static_cast<std::int32_t>(strnlen(text, kMax));
 }
 
-// The sum of two block sizes; 0, which no block has, when it is negative or too large to be one.
+// The sum of two sizes; -1, which no block has, when it is too large or either of them is no size.
 inline std::int32_t CheckedAdd(std::int32_t a, std::int32_t b) {
   const std::int64_t sum = std::int64_t{a} + b;
-  return sum < 0 || sum > std::numeric_limits<std::int32_t>::max() ? 0 : static_cast<std::int32_t>(sum);
+  return a < 0 || b < 0 || sum > std::numeric_limits<std::int32_t>::max() ? -1 : static_cast<std::int32_t>(sum);
 }
 
 #endif  // CATALOGCORE_BASE_TEXT_SIZE_H_

@@ -4,12 +4,14 @@
 
 namespace {
 
-// Cuts the text at its last "/" by a zero byte in its place; the length stays, so that a copy cut down to the
-// empty text still names the cell with the empty key, not the root. Returns the position of the cut, -1 if
-// there is no "/".
-std::int32_t CutLastComponent(CIDXString& key, std::int32_t lastCut) {
-  if (lastCut == 0) return -1;  // the search below would take -1 for the end of the text
-  return key.ReplaceReverse('/', 0, lastCut < 0 ? -1 : lastCut - 1);
+constexpr std::int32_t kUncut = -1;
+
+// Cuts the text at its last "/" by a zero byte in its place; the length stays, so that a copy cut down to the empty
+// text still names the cell with the empty key, not the root. `end` is where the text ends: at the cut before, or
+// kUncut. Returns the position of the cut, kUncut if there is no "/" left.
+std::int32_t CutLastComponent(CIDXString& key, std::int32_t end) {
+  if (end == 0) return kUncut;
+  return key.ReplaceReverse('/', 0, end == kUncut ? -1 : end - 1);
 }
 
 bool Refuses(const CIDXCell* cell, std::uint8_t protection, std::int32_t force) {
@@ -31,8 +33,8 @@ std::uint32_t CIndexData::AddCell(std::int32_t tree, const CIDXString& key, cons
 
   // Up to the nearest ancestor there is; without one the first component hangs under the root.
   CIDXCell* cell = nullptr;
-  std::int32_t cut = CutLastComponent(path, -1);
-  while (cut >= 0 && !(cell = SearchCell(tree, path))) cut = CutLastComponent(path, cut);
+  std::int32_t cut = CutLastComponent(path, kUncut);
+  while (cut != kUncut && !(cell = SearchCell(tree, path))) cut = CutLastComponent(path, cut);
   CIDXCell* parent = cell;
   if (!cell) {
     parent = root[tree];
@@ -98,7 +100,7 @@ std::uint32_t CIndexData::MoveCell(std::int32_t tree, const CIDXString& oldKey, 
   if (SearchCell(tree, newKey)) return StoreIndexExists;
   CIDXString parentKey;
   if (parentKey.CopyString(newKey.Text()) < 0) return StoreFailed;
-  CutLastComponent(parentKey, -1);
+  CutLastComponent(parentKey, kUncut);
   CIDXCell* const newParent = SearchCell(tree, parentKey);
   if (!newParent) return StoreIndexNotFound;
   if (newParent == cell->parent) return StoreOk;

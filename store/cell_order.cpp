@@ -1,7 +1,17 @@
 // Ancestry and pre-order of cells.
-#include <algorithm>
-
 #include "store/index_data.h"
+
+namespace {
+
+// Counted along the parents, not in the key: the two tell the same of most cells, but not of a root, of one that was
+// moved, or of one like ./x, which hangs right under the root.
+std::int32_t Depth(const CIDXCell* cell) {
+  std::int32_t depth = 0;
+  for (const CIDXCell* up = cell->parent; up; up = up->parent) ++depth;
+  return depth;
+}
+
+}  // namespace
 
 std::int32_t CIndexData::IsParent(const CIDXCell* ancestor, const CIDXCell* cell) const {
   if (!ancestor) return 0;
@@ -13,16 +23,14 @@ std::int32_t CIndexData::IsParent(const CIDXCell* ancestor, const CIDXCell* cell
 
 std::int32_t CIndexData::CompareCell(std::int32_t, const CIDXCell* a, const CIDXCell* b) {
   if (a == b) return 0;
-  if (!a || !b) return a ? 1 : -1;
-  const std::int32_t depthA = a->info->key.Count('/');
-  const std::int32_t depthB = b->info->key.Count('/');
-  for (std::int32_t level = std::max(depthA, depthB); level >= 0; --level) {
-    if (a == b) return depthA < depthB ? -1 : 1;  // one was an ancestor of the other
-    if (a->parent == b->parent) break;
-    // A root is everyone's ancestor; its key has as many "/" as its children's, so depths do not tell.
-    if (!a->parent || !b->parent) return a->parent ? 1 : -1;
-    if (level <= depthA) a = a->parent;
-    if (level <= depthB) b = b->parent;
+  const std::int32_t depthA = Depth(a);
+  const std::int32_t depthB = Depth(b);
+  for (std::int32_t level = depthA; level > depthB; --level) a = a->parent;
+  for (std::int32_t level = depthB; level > depthA; --level) b = b->parent;
+  if (a == b) return depthA < depthB ? -1 : 1;  // one was an ancestor of the other
+  while (a->parent != b->parent) {
+    a = a->parent;
+    b = b->parent;
   }
   return CompareCellSub(a, b);
 }

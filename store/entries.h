@@ -12,9 +12,9 @@
 // - Images: an image stands in the image list of cell[kIndexTree] and of cell[kFolderTree], and in the hash chain of
 //   its key. An index cell's list is in the order of filing.
 // - Groups: a folder cell's list is grouped by index cell, the groups in tree order (CompareCell), the images of a
-//   group in the order of filing; moving an index cell changes the tree and leaves the groups where they are. A folder
-//   cell's skip list holds one marker for each group, in the same order, which names the group's first image. Index
-//   cells have no skip list.
+//   group in the order of filing. A folder cell's skip list holds one marker for each group, in the same order, which
+//   names the group's first image. Index cells have no skip list. Once an index cell was moved, the groups lie as they
+//   did, so that they may be out of order and one index may have several; still each marker begins a run of one index.
 // - The links of an image taken out of its lists stay as they were.
 #ifndef CATALOGCORE_STORE_ENTRIES_H_
 #define CATALOGCORE_STORE_ENTRIES_H_

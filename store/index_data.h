@@ -14,12 +14,13 @@
 // The bytes of the longest key that anything is filed under.
 inline constexpr std::int32_t kMaxKeyBytes = 4096;
 
-// The store takes no lock: every caller holds `criticalRegion` for as long as it calls and looks at what it
-// got. entries.h says what always holds of the data.
+// The store takes no lock: every caller holds `criticalRegion` for as long as it calls and looks at what it got.
+// entries.h says what always holds of the data.
 //
-// In what follows `tree` is kIndexTree or kFolderTree, and `force` (non-zero) sets an entry's protection
-// aside. A refusal comes before anything changes, and the checks come in the order in which they are listed,
-// unless said otherwise. Keys handed in must not be the store's own strings.
+// In what follows `tree` is kIndexTree or kFolderTree, and `force` (non-zero) sets an entry's protection aside. A
+// refusal comes before anything changes, and the checks come in the order in which they are listed, unless said
+// otherwise. Keys handed in must not be the store's own strings. An entry that a walk stands on must not be removed
+// before the walk goes on.
 class CIndexData {
  public:
   CIndexData();
@@ -42,10 +43,10 @@ class CIndexData {
 
   // ---- Images
 
-  // Files an image. StoreImageExists; StoreInvalidKey for the index key "." (an empty index key does name the
-  // root); StoreIndexNotFound; StoreInvalidKey for a folder key against the rules or an image key beyond
-  // their length. The folder and its ancestors are made if missing; when that or the filing itself fails,
-  // they stay: StoreFailed.
+  // Files an image. StoreImageExists; StoreInvalidKey for the index key "." (an empty index key does name the root);
+  // StoreIndexNotFound; StoreInvalidKey for a folder key against the rules or an image key beyond their length. The
+  // folder and its ancestors are made if missing, as AddCell makes them. StoreFailed: the image is not filed; a folder
+  // made for it stays unless making it was what failed.
   std::uint32_t AddNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
                         std::uint8_t attribute);
 
@@ -76,9 +77,9 @@ class CIndexData {
 
   // ---- Cells
 
-  // Makes a cell and its missing ancestors, all with this name and attribute. StoreIndexExists;
-  // StoreInvalidKey. When one cannot be made, every cell from its parent up to the root that has no child and
-  // no protection is removed with its images (so are those this call made), and the result is StoreFailed.
+  // Makes a cell and its missing ancestors, all with this name and attribute. StoreIndexExists; StoreInvalidKey.
+  // When one cannot be made, every cell from its parent up to the root is removed as RemoveCell does it without force,
+  // as far as that goes: those that this call made, and also an older one that has no child. The result is StoreFailed.
   std::uint32_t AddCell(std::int32_t tree, const CIDXString& key, const CIDXString& name, std::uint8_t attribute);
 
   // Removes a cell with its images. StoreIndexNotFound; StoreIndexHasChildren; StoreRemoveProtected;
@@ -87,9 +88,9 @@ class CIndexData {
   std::uint32_t RemoveCell(std::int32_t tree, const CIDXString& key, std::int32_t force);
 
   // Hangs a cell under the parent that `newKey` names. StoreIndexNotFound; StoreInvalidKey; StoreIndexExists;
-  // StoreIndexNotFound for the parent; StoreOk, with nothing done, where it is already; StoreInvalidKey below
-  // itself; StoreMoveProtected. The moved cell keeps its key but is found by walks alone, not by key; its
-  // descendants are no longer below it and not found at all, though their images are, by key.
+  // StoreIndexNotFound for the parent; StoreOk, with nothing done, where it is already; StoreInvalidKey below itself;
+  // StoreMoveProtected. The moved cell keeps its key but is found by walks alone, not by key. Walks no longer reach its
+  // descendants, nor does any key; their images are found by key and by walks of folders, as lying below it.
   std::uint32_t MoveCell(std::int32_t tree, const CIDXString& oldKey, const CIDXString& newKey, std::int32_t force);
 
   // Changes the name; the key stays. StoreIndexNotFound; StoreRenameProtected; StoreFailed without memory.
@@ -128,7 +129,7 @@ class CIndexData {
   static CIDXNode* ReleaseNode(std::int32_t tree, CIDXNode* node);
   static void DropFromGroup(std::int32_t tree, CIDXNode* node);
   std::uint32_t RemoveNodeSub(CIDXNode* node, std::int32_t force);
-  CIDXNode* FirstInThisOrNextCell(SearchHandle* handle, std::int32_t recursive) const;
+  CIDXNode* FirstMatchFromCurrentCell(SearchHandle* handle, std::int32_t recursive) const;
   CIDXNode* GetNextNodeSub(SearchHandle* handle, std::int32_t recursive) const;
   static CIDXSkipNode* CreateSkipNode(CIDXNode* node);
   CIDXNode* SearchSkipNode(std::int32_t tree, const CIDXCell* cell, const CIDXCell* filter) const;

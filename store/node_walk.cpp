@@ -10,10 +10,10 @@ CIDXNode* CIndexData::GetFirstNode(SearchHandle* handle, CIDXString& indexKey, C
   handle->filterTree = kIndexTree;
   handle->filterCell = SearchCell(kIndexTree, indexKey);
   if (!handle->filterCell) return nullptr;
-  return FirstInThisOrNextCell(handle, recursive);
+  return FirstMatchFromCurrentCell(handle, recursive);
 }
 
-CIDXNode* CIndexData::FirstInThisOrNextCell(SearchHandle* handle, std::int32_t recursive) const {
+CIDXNode* CIndexData::FirstMatchFromCurrentCell(SearchHandle* handle, std::int32_t recursive) const {
   handle->currentNode = nullptr;
   while (handle->currentCell && !handle->currentNode) {
     handle->currentNode = SearchSkipNode(kIndexTree, handle->currentCell, handle->filterCell);
@@ -39,5 +39,5 @@ CIDXNode* CIndexData::GetNextNode(SearchHandle* handle, std::int32_t recursive) 
   // The images of one index and what is below it form one run in a folder's list: past its end, leave the
   // folder.
   if (handle->currentCell == cellBefore) GetNextCell(handle, recursive);
-  return FirstInThisOrNextCell(handle, recursive);
+  return FirstMatchFromCurrentCell(handle, recursive);
 }

@@ -12,7 +12,8 @@ enum StoreResult : std::uint32_t {
   StoreIndexExists = 4,       // a cell with this key exists already
   StoreIndexNotFound = 5,     // no such cell, or no parent for a moved one
   StoreIndexHasChildren = 6,  // the cell to remove has child cells
-  StoreInvalidKey = 8,        // the key breaks its tree's rules, or names a root where that is refused
+  StoreInvalidKey =
+      8,  // the key breaks its tree's rules, or names a root or the cell's own subtree where that is refused
   StoreMoveProtected = 17,    // refused by IDXATTR_NOMOVE
   StoreRemoveProtected = 18,  // refused by IDXATTR_NOREMOVE, of a cell or of one of its images
   StoreRenameProtected = 19,  // refused by IDXATTR_NORENAME

@@ -52,7 +52,9 @@ void CIndexData::DropFromGroup(std::int32_t tree, CIDXNode* node) {
   CIDXSkipNode* const marker = *link;
   if (!marker) return;
   CIDXNode* const successor = node->next[other];
-  if (successor && successor->cell[tree] == node->cell[tree]) {
+  const bool goesOn = successor && successor->cell[tree] == node->cell[tree];
+  // After a move of cells the run that follows may be of the same index and have a marker of its own.
+  if (goesOn && !(marker->next && marker->next->node == successor)) {
     marker->node = successor;
     return;
   }

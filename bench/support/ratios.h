@@ -6,7 +6,8 @@
 #include <functional>
 #include <string>
 
-// One round of a measurement: does its work, preparations included, and returns the nanoseconds that one operation took.
+// One round of a measurement: does its work, preparations included, and returns the nanoseconds that one operation
+// took.
 using Round = std::function<double()>;
 
 // Adds a row to the table of ratios. The rounds of both sides are run in turn, `rounds` of each; their medians count.

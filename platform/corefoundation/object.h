@@ -10,7 +10,10 @@
 
 namespace catalogcore::cf {
 
-enum class Kind : CFTypeID { kString = 1, kURL };
+enum class Kind : CFTypeID { kString = 1, kURL, kBundle };
+
+// Objects that last as long as the process: releases, one too many included, do nothing to them.
+enum class Lifetime { kCounted, kForever };
 
 class Object {
  public:
@@ -22,15 +25,17 @@ class Object {
   CFIndex references() const { return references_.load(std::memory_order_relaxed); }
   void Retain() const { references_.fetch_add(1, std::memory_order_relaxed); }
   void Release() const {
+    if (lifetime_ == Lifetime::kForever) return;
     if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
   }
 
  protected:
-  explicit Object(Kind kind) : kind_(kind) {}
+  explicit Object(Kind kind, Lifetime lifetime = Lifetime::kCounted) : kind_(kind), lifetime_(lifetime) {}
 
  private:
   mutable std::atomic<CFIndex> references_{1};
   const Kind kind_;
+  const Lifetime lifetime_;
 };
 
 // Makes an object with one reference, or null when there is no memory: no exception leaves this library.

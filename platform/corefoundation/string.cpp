@@ -1,13 +1,15 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <map>
+#include <mutex>
 
 #include "platform/corefoundation/string_object.h"
 #include "platform/corefoundation/utf8.h"
 
 namespace catalogcore::cf {
 
-CFStringRef CreateString(std::string_view utf8) {
+CFStringRef CreateString(std::string_view utf8, Lifetime lifetime) {
   CFIndex units = 0;
   for (std::size_t at = 0; at < utf8.size();) {
     const std::size_t bytes = CharacterBytes(utf8.substr(at));
@@ -15,7 +17,7 @@ CFStringRef CreateString(std::string_view utf8) {
     units += static_cast<CFIndex>(Utf16Units(bytes));
     at += bytes;
   }
-  return Create<__CFString>(utf8, units);
+  return Create<__CFString>(utf8, units, lifetime);
 }
 
 }  // namespace catalogcore::cf
@@ -49,6 +51,15 @@ CFTypeID CFStringGetTypeID() { return static_cast<CFTypeID>(catalogcore::cf::Kin
 CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFStringEncoding encoding) {
   if (!text || encoding != kCFStringEncodingUTF8) return nullptr;
   return catalogcore::cf::CreateString(text);
+}
+
+CFStringRef __CFStringMakeConstantString(const char* text) {
+  static std::mutex mutex;
+  static auto& strings = *new std::map<std::string, CFStringRef, std::less<>>;  // lasts as long as what it holds
+  const std::lock_guard lock(mutex);
+  const auto found = strings.find(std::string_view(text));
+  if (found != strings.end()) return found->second;
+  return strings.emplace(text, catalogcore::cf::CreateString(text, catalogcore::cf::Lifetime::kForever)).first->second;
 }
 
 CFIndex CFStringGetLength(CFStringRef string) { return string->utf16Length; }

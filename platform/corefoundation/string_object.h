@@ -11,8 +11,8 @@
 
 // Invariant: `utf8` is valid UTF-8 and `utf16Length` is its length in UTF-16 units.
 struct __CFString final : catalogcore::cf::Object {
-  __CFString(std::string_view text, CFIndex units)
-      : Object(catalogcore::cf::Kind::kString), utf8(text), utf16Length(units) {}
+  __CFString(std::string_view text, CFIndex units, catalogcore::cf::Lifetime lifetime)
+      : Object(catalogcore::cf::Kind::kString, lifetime), utf8(text), utf16Length(units) {}
   const std::string utf8;
   const CFIndex utf16Length;
 };
@@ -20,7 +20,7 @@ struct __CFString final : catalogcore::cf::Object {
 namespace catalogcore::cf {
 
 // A string of the text, or null when it is not valid UTF-8 or there is no memory.
-CFStringRef CreateString(std::string_view utf8);
+CFStringRef CreateString(std::string_view utf8, Lifetime lifetime = Lifetime::kCounted);
 
 }  // namespace catalogcore::cf
 

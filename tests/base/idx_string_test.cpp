@@ -106,6 +106,8 @@ TEST(IdxBuffer, AppendsOverTheTerminatorOfTheLastAppend) {
   EXPECT_EQ(unterminated.CatBuffer("xyz", 2), 1);  // the second byte is taken for the terminator
   EXPECT_EQ(unterminated.CatBuffer("abc", -1), 4);
   EXPECT_STREQ(unterminated.Text(), "xabc");
+  EXPECT_EQ(unterminated.CatBuffer("yz", 2), 5);
+  EXPECT_STREQ(unterminated.Text(), "xabcyz");  // a zero byte lies behind the block
 }
 
 TEST(IdxString, FailedAllocationChangesNothing) {
@@ -118,6 +120,7 @@ TEST(IdxString, FailedAllocationChangesNothing) {
     EXPECT_EQ(text.Length(), 3);
   };
   fails([&] { return text.CopyString("abcdef"); });
+  fails([&] { return text.CopyString("xyz"); });  // the same size is asked for anew
   fails([&] { return text.CopyString("abcdef", 5); });
   fails([&] { return text.CatString("d"); });
   fails([&] { return text.CatBuffer("d", -1); });

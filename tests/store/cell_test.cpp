@@ -85,6 +85,7 @@ TEST_F(CellTest, MoveChecksInOrder) {
   EXPECT_EQ(Move("9", "a//b"), StoreIndexNotFound);
   EXPECT_EQ(Move("1/2", "3//2"), StoreInvalidKey);
   EXPECT_EQ(Move("1/2", "3"), StoreIndexExists);
+  EXPECT_EQ(Move("1/2", ""), StoreInvalidKey);  // before it is found to name the root
   EXPECT_EQ(Move("1/2", "8/9"), StoreIndexNotFound);
   EXPECT_EQ(Move("1/2", "8"), StoreIndexNotFound);  // a key of one component names no parent
   EXPECT_EQ(Move("1/2", "1/7"), StoreOk);           // it hangs there already: nothing changes, not even its key
@@ -92,6 +93,12 @@ TEST_F(CellTest, MoveChecksInOrder) {
   EXPECT_EQ(Move(".", "1/7", 1), StoreInvalidKey);
   EXPECT_EQ(Move("1/2", "3/2"), StoreMoveProtected);
   EXPECT_EQ(Indexes(), Keys({".", "1", "1/2", "3", "4", "4/5"}));
+  EXPECT_EQ(Move("1/2", "3/2", 1), StoreOk);
+  // In the folder tree a key right below "/" names the cell with the empty key, not the root.
+  for (const char* key : {"/a/b", "rel"}) store_.AddCell(kFolderTree, Key(key), Key(""), 0);
+  EXPECT_EQ(store_.MoveCell(kFolderTree, Key("/a/b"), Key(""), 0), StoreIndexExists);
+  EXPECT_EQ(store_.MoveCell(kFolderTree, Key("/a/b"), Key("/b"), 0), StoreOk);
+  EXPECT_STREQ(store_.SearchCell(kFolderTree, Key("/a"))->nextSibling->info->key.Text(), "/a/b");
 }
 
 TEST_F(CellTest, MovedCellIsFoundByWalksAloneAndLeavesItsDescendants) {
@@ -117,5 +124,34 @@ TEST_F(CellTest, MovedCellIsFoundByWalksAloneAndLeavesItsDescendants) {
   EXPECT_EQ(Move("5", "6/5"), StoreOk);
   EXPECT_EQ(Indexes(), Keys({".", "1", "1/2", "6", "5"}));
 }
+
+TEST_F(CellTest, GroupsLeftOutOfOrderByAMoveAreDroppedWhole) {
+  for (const char* key : {"1", "2", "3", "4"}) AddIndex(key);
+  const auto add = [this](const char* image, const char* index) {
+    EXPECT_EQ(store_.AddNode(Key(image), Key(index), Key("/p"), 0), StoreOk);
+  };
+  add("c", "2");
+  add("x", "3");
+  Move("2", "4/2");
+  add("x2", "3");  // ahead of the moved index's group, although its own lies behind that
+  const CellState folder = StateOf(store_).cells[kFolderTree].back();
+  EXPECT_EQ(folder.images, Keys({"x2", "c", "x"}));
+  EXPECT_EQ(folder.groups, folder.images);
+  for (const char* image : {"c", "x2", "x"}) {
+    EXPECT_EQ(store_.RemoveNode(Key(image), 0), StoreOk);
+    EXPECT_EQ(StateOf(store_).cells[kFolderTree].back().groups, StateOf(store_).cells[kFolderTree].back().images);
+  }
+  // A walk that finds no index stands nowhere, even with the state of an earlier one.
+  add("y", "1");
+  SearchHandle handle{};
+  Key index("1"), missing("9"), folderKey("/p");
+  EXPECT_NE(store_.GetFirstNode(&handle, index, folderKey, 1), nullptr);
+  EXPECT_EQ(store_.GetFirstNode(&handle, missing, folderKey, 1), nullptr);
+  EXPECT_EQ(store_.GetNextNode(&handle, 1), nullptr);
+}
+
+static_assert(StoreFailed == 1 && StoreImageExists == 2 && StoreImageNotFound == 3 && StoreIndexExists == 4 &&
+              StoreIndexNotFound == 5 && StoreIndexHasChildren == 6 && StoreInvalidKey == 8 &&
+              StoreMoveProtected == 17 && StoreRemoveProtected == 18 && StoreRenameProtected == 19);
 
 }  // namespace

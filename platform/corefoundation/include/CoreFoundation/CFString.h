@@ -18,6 +18,10 @@ CF_EXPORT CFTypeID CFStringGetTypeID(void);
  */
 CF_EXPORT CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text, CFStringEncoding encoding);
 
+/* The string of a literal of valid UTF-8; the same one for the same text, and never freed. */
+#define CFSTR(literal) __CFStringMakeConstantString("" literal "")
+CF_EXPORT CFStringRef __CFStringMakeConstantString(const char* text);
+
 /* The length in UTF-16 units. */
 CF_EXPORT CFIndex CFStringGetLength(CFStringRef string);
 

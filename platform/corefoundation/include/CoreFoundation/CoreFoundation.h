@@ -9,6 +9,7 @@
 #define CATALOGCORE_COREFOUNDATION_COREFOUNDATION_H_
 
 #include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CFBundle.h>
 #include <CoreFoundation/CFString.h>
 #include <CoreFoundation/CFURL.h>
 
