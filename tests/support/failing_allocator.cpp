@@ -25,10 +25,12 @@ bool FailingAllocation::HasFailed() const { return hasFailed; }
 
 extern "C" {
 void* __real_malloc(std::size_t size);
+void* __real_calloc(std::size_t count, std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
 void* __real__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag);
 
 void* __wrap_malloc(std::size_t size) { return FailsNow() ? nullptr : __real_malloc(size); }
+void* __wrap_calloc(std::size_t count, std::size_t size) { return FailsNow() ? nullptr : __real_calloc(count, size); }
 void* __wrap_realloc(void* block, std::size_t size) { return FailsNow() ? nullptr : __real_realloc(block, size); }
 void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) {
   return FailsNow() ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);

@@ -1,4 +1,4 @@
-// Makes the allocations of the rooms under test fail: malloc, realloc and the non-throwing operator new.
+// Makes the allocations of the rooms under test fail: malloc, calloc, realloc and the non-throwing operator new.
 #ifndef CATALOGCORE_TESTS_SUPPORT_FAILING_ALLOCATOR_H_
 #define CATALOGCORE_TESTS_SUPPORT_FAILING_ALLOCATOR_H_
 

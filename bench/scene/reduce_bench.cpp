@@ -1,0 +1,67 @@
+#include "bench/scene/reduce_bench.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+#include <random>
+
+#include "scene/idx_image.h"
+#include "scene/tone_curve.h"
+
+namespace {
+
+constexpr int kSide = 4096;
+constexpr int kTarget = 75;
+
+// A picture and the places where the others put their results.
+struct Bed {
+  explicit Bed(int bits)
+      : bytesPerPixel(bits / 8), source(kSide, kSide, CV_8UC(bytesPerPixel)), copy(source.size(), source.type()) {
+    std::minstd_rand random(1);
+    for (std::size_t i = 0; i < Size(); ++i) source.data[i] = static_cast<std::uint8_t>(random() >> 8);
+    std::memcpy(curve.data, ka1DLUT.data(), ka1DLUT.size());
+  }
+  std::size_t Size() const { return std::size_t{kSide} * kSide * static_cast<std::size_t>(bytesPerPixel); }
+
+  int bytesPerPixel;
+  cv::Mat source, copy, reduced, curved;
+  cv::Mat curve = cv::Mat(1, 256, CV_8U);
+};
+
+void Reduce(const Bed& bed, int factor) {
+  IDXDSDATA record{};
+  record.width = record.height = kSide;
+  record.bitsPerPixel = 8 * bed.bytesPerPixel;
+  record.rowBytes = kSide * bed.bytesPerPixel;
+  record.resolution = kTarget * factor;
+  CIDXImage image;
+  image.SetImageData(&record);
+  if (image.SetImageBufferWithResolution(bed.source.data, kTarget, 1) != IDX_OK) std::abort();
+}
+
+void ReduceWithOpenCv(Bed& bed, int factor) {
+  cv::resize(bed.source, bed.reduced, {kSide / factor, kSide / factor}, 0, 0, cv::INTER_AREA);
+  cv::LUT(bed.reduced, bed.curve, bed.curved);
+}
+
+void Copy(Bed& bed) { std::memcpy(bed.copy.data, bed.source.data, bed.Size()); }
+
+}  // namespace
+
+std::vector<ReduceRow> ReduceRows() {
+  cv::setNumThreads(1);
+  std::vector<ReduceRow> rows;
+  for (const int bits : {8, 24}) {
+    for (const int factor : {2, 4, 8}) {
+      const auto bed = std::make_shared<Bed>(bits);
+      const std::string name = "reduce_" + std::to_string(factor) + "_" + std::to_string(bits);
+      const auto ours = [bed, factor] { Reduce(*bed, factor); };
+      rows.push_back({name, ours, [bed, factor] { ReduceWithOpenCv(*bed, factor); }});
+      rows.push_back({name + "_memcpy", ours, [bed] { Copy(*bed); }});
+    }
+  }
+  return rows;
+}

@@ -1,0 +1,43 @@
+// The document-type recognizer, as the scene detector calls it. The library builds against these declarations alone:
+// the engine behind them is chosen when the library is built.
+#ifndef CATALOGCORE_SCENE_BRENN_H_
+#define CATALOGCORE_SCENE_BRENN_H_
+
+#include <cstddef>
+#include <cstdint>
+
+inline constexpr std::size_t kBrennRecordSize = 52;
+inline constexpr std::size_t kBrennResultSize = 16;
+
+// Byte offsets of the fields of the image record; integers are in the host's byte order.
+enum BrennRecordOffset : std::size_t {
+  kBrennTag = 0,              // 16 bits: kBrennRecordTag
+  kBrennSamplesPerPixel = 2,  // 16 bits: 1 or 3; 0 for a bit depth that is none of 8, 16, 24, 48
+  kBrennBitsPerSample = 4,    // 16 bits: 8 or 16; 0 likewise
+  kBrennFixedTwo = 6,         // 16 bits: 2
+  kBrennFixedOne = 8,         // 16 bits: 1
+  kBrennWidth = 12,           // 32 bits: pixels per row
+  kBrennStride = 16,          // 32 bits: bytes from one row to the next
+  kBrennHeight = 20,          // 32 bits: rows
+  kBrennResolutionX = 24,     // 32 bits: dots per inch, at least 75
+  kBrennResolutionY = 28,     // 32 bits: the same
+  kBrennMarginX = 32,         // 32 bits: pixels left of the area to look at
+  kBrennMarginY = 36,         // 32 bits: pixels above it
+  kBrennAreaWidth = 40,       // 32 bits: its width in pixels
+  kBrennAreaHeight = 44,      // 32 bits: its height in pixels
+  kBrennFixedSixteenX = 48,   // 16 bits: 16
+  kBrennFixedSixteenY = 50,   // 16 bits: 16
+};
+
+inline constexpr std::uint16_t kBrennRecordTag = 0x1080;
+
+// Decides what a picture is. Returns 0 and writes the result word (16 bits, host order) to the start of `result`
+// (kBrennResultSize bytes); its top four bits are 1 for print or writing on paper, 2 for a document with colour or
+// pictures, 3 for a photograph. Any other return value is a failure code of the engine, 1 to 255.
+// `pixels` holds stride x height bytes. `paramData` is the whole parameter block of `paramSize` bytes, header included.
+// Nothing that is handed in is kept or written to, but for `result`.
+extern "C" std::int32_t DocumentTypeRecognize(std::int32_t reserved, const char* caller, const unsigned char* record,
+                                              const void* pixels, unsigned char* result, std::uint32_t paramSize,
+                                              const void* paramData);
+
+#endif  // CATALOGCORE_SCENE_BRENN_H_

@@ -1,0 +1,71 @@
+// The scene detector: decides what a picture shows from the application's hints, its size, and what the document-type
+// recognizer and the face detector say.
+#ifndef CATALOGCORE_SCENE_DETECT_SCENE_H_
+#define CATALOGCORE_SCENE_DETECT_SCENE_H_
+
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+
+#include "base/critical_region.h"
+#include "catalogcore.h"
+#include "scene/idx_image.h"
+
+// What kind of picture it is.
+enum SceneClass : std::int32_t {
+  kClassUnknown = -1,
+  kClassDocument = 1,
+  kClassPhoto = 3,
+};
+
+// What is known beyond the class: for a document the index of its paper (document_size.cpp), or one of these.
+enum SceneValue : std::int32_t {
+  kValueUnknown = -1,
+  kDocumentFixed = 10,  // the application said so
+  kDocumentOther = 99,  // no paper is of its size
+  kPhotoFaces = 1,
+  kPhotoOfKind3 = 4,
+  kPhotoNoFaces = 5,
+  kPhotoSmall = 99,  // below 50 pixels on a side
+};
+
+// REQUIRES of everything but the constructor, the destructor and Region: the caller holds Region.
+class CDetectScene {
+ public:
+  CDetectScene();
+  ~CDetectScene();
+  CDetectScene(const CDetectScene&) = delete;
+  CDetectScene& operator=(const CDetectScene&) = delete;
+
+  // Reads the recognizer's parameter block, anew if there is one. IDX_OK; IDXERR_DETECTOR without a block, and then
+  // detections that need the recognizer give it too.
+  IDXSTATUS Initialize();
+
+  // Gives the parameter block up.
+  void Uninitialize();
+
+  // Decides class and value; both are -1 where nothing is decided. Statuses are those of IDXDetectScene.
+  IDXSTATUS DetectScene(const IDXDSDATA* data, std::int32_t& sceneClass, std::int32_t& sceneValue) const;
+
+  MPCriticalRegionID* Region() { return &region; }
+
+ private:
+  struct FreeBlock {
+    void operator()(void* block) const { std::free(block); }
+  };
+  using ParameterBlock = std::unique_ptr<unsigned char[], FreeBlock>;
+
+  IDXSTATUS DetectImageType(const CIDXImage& image, std::int32_t& sceneClass) const;
+  IDXSTATUS Recognize(const CIDXImage& reduced, std::int32_t& sceneClass) const;
+  static IDXSTATUS DetectPhotoScene(const CIDXImage& image, std::int32_t& sceneValue);
+  static IDXSTATUS DetectDocumentSize(const CIDXImage& image, std::int32_t& sceneValue);
+
+  std::uint32_t paramSize = 0;  // as the block's header has it; 0 without a block
+  ParameterBlock paramData;
+  MPCriticalRegionID region = nullptr;
+};
+
+// The detector, made when the library is initialised; null before and after.
+extern CDetectScene* dsScene;
+
+#endif  // CATALOGCORE_SCENE_DETECT_SCENE_H_

@@ -1,0 +1,19 @@
+#include "base/exception_guard.h"
+#include "base/region_guard.h"
+#include "scene/detect_scene.h"
+#include "scene/scene_index.h"
+
+CDetectScene* dsScene = nullptr;
+
+IDXSTATUS IDXDetectScene(IDXDSDATA* data) {
+  if (!data) return IDXERR_PARAM;
+  std::int32_t sceneClass = kClassUnknown;
+  std::int32_t sceneValue = kValueUnknown;
+  const IDXSTATUS status = WithoutExceptions([&]() -> IDXSTATUS {
+    if (!dsScene) return IDXERR_FAILED;
+    const RegionGuard region(dsScene->Region());
+    return dsScene->DetectScene(data, sceneClass, sceneValue);
+  });
+  data->presetIndex = status == IDX_OK ? ConvertScenetoIndex(sceneClass, sceneValue) : -1;
+  return status;
+}

@@ -1,0 +1,15 @@
+// The tone curve that prepares a picture for analysis.
+#ifndef CATALOGCORE_SCENE_TONE_CURVE_H_
+#define CATALOGCORE_SCENE_TONE_CURVE_H_
+
+#include <array>
+#include <cstdint>
+
+// What becomes of each of the 256 values of a byte.
+using ToneTable = std::array<std::uint8_t, 256>;
+
+// Gamma 1.8: entry i is 255 * (i / 255)^1.8, rounded to the nearest integer, halves up. It never falls and
+// darkens the middle tones. Computed by the compiler, so it is there before anything runs.
+extern const ToneTable ka1DLUT;
+
+#endif  // CATALOGCORE_SCENE_TONE_CURVE_H_

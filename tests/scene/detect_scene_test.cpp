@@ -1,0 +1,248 @@
+#include "scene/detect_scene.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "base/region_guard.h"
+#include "scene/brenn.h"
+#include "scene/parameter_resource.h"
+#include "scene/scene_index.h"
+#include "scene/tone_curve.h"
+#include "tests/scene/fake_engines.h"
+#include "tests/support/failing_allocator.h"
+
+namespace {
+
+// A picture in grey of 100, or of the given depth.
+struct Picture {
+  Picture(std::int32_t width, std::int32_t height, std::int32_t bits = 24, std::int32_t resolution = 0)
+      : bytes(static_cast<std::size_t>(width * (bits / 8) + 4) * static_cast<std::size_t>(height), 100) {
+    record.pixels = bytes.data();
+    record.width = width;
+    record.height = height;
+    record.rowBytes = width * (bits / 8) + 4;
+    record.bitsPerPixel = bits;
+    record.resolution = resolution;
+    record.presetIndex = 7;
+  }
+  std::vector<std::uint8_t> bytes;
+  IDXDSDATA record{};
+};
+
+class DetectSceneTest : public testing::Test {
+ protected:
+  DetectSceneTest() {
+    fakeEngines = {};
+    dsScene = &detector_;
+    EXPECT_EQ(detector_.Initialize(), IDX_OK);
+  }
+  ~DetectSceneTest() override {
+    EXPECT_EQ(fakeEngines.blocksHeld, 0);
+    dsScene = nullptr;
+  }
+
+  // Detects, and expects this much.
+  static void Expect(IDXDSDATA record, IDXSTATUS status, std::int32_t preset, const char* calls) {
+    fakeEngines.calls.clear();
+    EXPECT_EQ(IDXDetectScene(&record), status);
+    EXPECT_EQ(record.presetIndex, preset);
+    EXPECT_EQ(fakeEngines.calls, calls);
+  }
+
+  CDetectScene detector_;
+};
+
+TEST_F(DetectSceneTest, HintsAndSizesDecideInTheirOrder) {
+  Picture picture(200, 150);
+  const auto with = [&picture](auto change) {
+    IDXDSDATA record = picture.record;
+    change(record);
+    return record;
+  };
+  // Nothing but the hint counts, not even impossible sizes.
+  Expect(with([](IDXDSDATA& r) { r.fixedScene = 1, r.pixels = nullptr, r.width = 5000; }), IDX_OK, 2040000, "");
+  // Too small to tell, before too large and before the hints.
+  Expect(with([](IDXDSDATA& r) { r.width = 49, r.height = 5000, r.typeHint = 1; }), IDX_OK, 1090000, "");
+  Expect(with([](IDXDSDATA& r) { r.width = 4097, r.typeHint = 1; }), IDXERR_IMAGESIZE, -1, "");
+  Expect(with([](IDXDSDATA& r) { r.width = 5000, r.height = 0, r.typeHint = 1; }), IDX_OK, -1, "");
+  Expect(with([](IDXDSDATA& r) { r.typeHint = 1, r.photoHint = 3, r.photoKind = 3; }), IDX_OK, 2030000, "");
+  Expect(with([](IDXDSDATA& r) { r.typeHint = 2, r.photoKind = 1; }), IDX_OK, 1090000, "");
+  Expect(with([](IDXDSDATA& r) { r.photoHint = 3; }), IDX_OK, 1090000, "IBDUFF");
+  Expect(with([](IDXDSDATA& r) { r.photoKind = 2; }), IDX_OK, 1090000, "IBDUFF");
+  Expect(with([](IDXDSDATA& r) { r.photoKind = 3; }), IDX_OK, 1090000, "");
+  // Without pixels, or with sizes that cannot be, only the hints are left.
+  Expect(with([](IDXDSDATA& r) { r.pixels = nullptr; }), IDX_OK, -1, "");
+  Expect(with([](IDXDSDATA& r) { r.rowBytes = 599; }), IDX_OK, -1, "");
+  Expect(with([](IDXDSDATA& r) { r.rowBytes = -604, r.photoHint = 3; }), IDX_OK, -1, "");
+  Expect(with([](IDXDSDATA& r) { r.pixels = nullptr, r.typeHint = 1; }), IDX_OK, 2030000, "");
+  Expect(with([](IDXDSDATA& r) { r.photoKind = 4, r.typeHint = 3, r.photoHint = 1; }), IDX_OK, 1090000, "RIBDUFF");
+}
+
+TEST_F(DetectSceneTest, RecognizerGetsTheReducedCopyAndItsRecord) {
+  Picture picture(830, 626, 24, 300);
+  fakeEngines.recognizeWord = 0x2abc;
+  Expect(picture.record, IDX_OK, 2090000, "R");
+  EXPECT_EQ(fakeEngines.caller, "CatalogCr       ");
+  const auto field = [](std::size_t offset, auto type) {
+    std::memcpy(&type, &fakeEngines.record[offset], sizeof type);
+    return static_cast<int>(type);
+  };
+  const std::uint16_t two = 0;
+  const std::uint32_t four = 0;
+  const int words[] = {0x1080, 3, 8, 2, 1, 0};
+  for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(field(2 * i, two), words[i]) << i;
+  const int fields[] = {207, 624, 156, 75, 75, 14, 14, 179, 128};
+  for (std::size_t i = 0; i < 9; ++i) EXPECT_EQ(field(12 + 4 * i, four), fields[i]) << i;
+  EXPECT_EQ(field(48, two) * field(50, two), 256);
+  EXPECT_EQ(fakeEngines.recognized[620], ka1DLUT[100]);
+  EXPECT_EQ(fakeEngines.recognized[621], 0);  // padding
+  std::uint32_t size = 0;
+  std::free(OpenParamFile(&size));
+  EXPECT_EQ(fakeEngines.block.size(), size);
+  EXPECT_EQ(std::memcmp(fakeEngines.block.data(), "SGIPPDEF", 8), 0);
+
+  const struct {
+    int width, height, bits, resolution;
+    int samples, bitsPerSample, recordResolution, marginX, marginY;
+  } cases[] = {
+      {600, 400, 8, 0, 1, 8, 75, 14, 14},      {600, 400, 16, 100, 1, 16, 100, 19, 19},
+      {600, 400, 48, 149, 3, 16, 149, 29, 29}, {600, 400, 32, 60, 0, 0, 75, 14, 14},
+      {600, 77, 24, 0, 3, 8, 75, 14, 0},       {600, 78, 24, 0, 3, 8, 75, 14, 14},
+      {60, 400, 24, 70, 3, 8, 75, 0, 14},      {400, 400, 24, 2147483647, 3, 8, 2147483647, 0, 0},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << " x " << c.bits << " at " << c.resolution);
+    fakeEngines.recognizeWord = 0x1000;
+    IDXDSDATA record = Picture(c.width, c.height, c.bits, c.resolution).record;
+    Picture pixels(c.width, c.height, c.bits);
+    record.pixels = pixels.bytes.data();
+    EXPECT_EQ(IDXDetectScene(&record), IDX_OK);
+    EXPECT_EQ(field(2, two), c.samples);
+    EXPECT_EQ(field(4, two), c.bitsPerSample);
+    EXPECT_EQ(field(24, four), c.recordResolution);
+    EXPECT_EQ(field(32, four), c.marginX);
+    EXPECT_EQ(field(36, four), c.marginY);
+    EXPECT_EQ(field(40, four), c.width - 2 * c.marginX);
+    EXPECT_EQ(field(44, four), c.height - 2 * c.marginY);
+  }
+}
+
+TEST_F(DetectSceneTest, RecognizersWordAndFailureDecide) {
+  const Picture picture(200, 150);
+  for (const auto& [word, preset] :
+       {std::pair{0x1000, 2030000}, {0x2fff, 2030000}, {0x3000, 1090000}, {0, 1090000}, {0xF000, 1090000}}) {
+    fakeEngines.recognizeWord = static_cast<std::uint16_t>(word);
+    Expect(picture.record, IDX_OK, preset, preset == 2030000 ? "R" : "RIBDUFF");
+  }
+  fakeEngines.recognizeResult = 5;
+  Expect(picture.record, 261, -1, "R");
+  detector_.Uninitialize();
+  Expect(picture.record, IDXERR_DETECTOR, -1, "");
+}
+
+TEST_F(DetectSceneTest, FaceDetectorGetsTheFullCopyAndIsReleasedOnEveryPath) {
+  Picture picture(200, 150, 48, 300);
+  picture.bytes[5] = 3;
+  picture.record.typeHint = 2;
+  fakeEngines.faces = 2;
+  Expect(picture.record, IDX_OK, 1010000, "IBDUFF");
+  EXPECT_EQ(fakeEngines.bitmap, picture.bytes);
+  EXPECT_EQ(fakeEngines.bitsPerPixel, 48);
+  EXPECT_EQ(fakeEngines.width, 200);
+  EXPECT_EQ(fakeEngines.height, 150);
+  EXPECT_EQ(fakeEngines.negatedStride, -1204);
+  fakeEngines.detectResult = 9;
+  Expect(picture.record, 521, -1, "IBDFF");
+  fakeEngines.setBitmapResult = 8;
+  Expect(picture.record, 520, -1, "IBF");
+  fakeEngines.setBitmapResult = 0;
+  fakeEngines.throws = true;
+  Expect(picture.record, IDXERR_MEMORY, -1, "IBDFF");
+  std::thread([this] { const RegionGuard free(detector_.Region()); }).join();  // or this would wait for ever
+}
+
+TEST_F(DetectSceneTest, WithoutMemoryOrDetectorOrRecord) {
+  const Picture picture(200, 150, 24, 300);
+  for (const int failing : {0, 1}) {  // the copy of the pixels, and the reduced one
+    const FailingAllocation noMemory(failing);
+    IDXDSDATA record = picture.record;
+    EXPECT_EQ(IDXDetectScene(&record), IDXERR_MEMORY);
+    EXPECT_EQ(record.presetIndex, -1);
+  }
+  EXPECT_EQ(IDXDetectScene(nullptr), IDXERR_PARAM);
+  dsScene = nullptr;
+  Expect(picture.record, IDXERR_FAILED, -1, "");
+  EXPECT_EQ(IDXDetectScene(nullptr), IDXERR_PARAM);
+}
+
+TEST_F(DetectSceneTest, PaperIsToldBySizeOrProportions) {
+  const struct {
+    int width, height, resolution, preset;
+  } cases[] = {
+      {2480, 3508, 300, 2030000},  // A4
+      {3508, 2480, 300, 2030000},
+      {650, 1075, 300, 2010000},   // card
+      {1181, 1748, 300, 2020000},  // postcard
+      {1000, 1000, 100, 2030000},  // as far from Letter as may be
+      {1000, 1000, 300, 2090000},
+      {1200, 1800, 0, 2020000},  // 4 x 6 by its ratio
+      {1654, 1000, -1, 2010000},
+      {1000, 1453, 0, 2020000},  // between B5, A5 and postcard, by its ratio nearest to the last
+      {1000, 1000, 0, 2090000},
+  };
+  for (const auto& [width, height, resolution, preset] : cases) {
+    IDXDSDATA record{};
+    record.width = width;
+    record.height = height;
+    record.resolution = resolution;
+    record.typeHint = 1;
+    EXPECT_EQ(IDXDetectScene(&record), IDX_OK);
+    EXPECT_EQ(record.presetIndex, preset) << width << " x " << height << " at " << resolution;
+  }
+  for (const auto& [value, preset] :
+       {std::pair{-2, 2090000}, {3, 2030000}, {7, 2030000}, {8, 2090000}, {11, 2090000}}) {
+    EXPECT_EQ(ConvertScenetoIndex(1, value), preset) << value;
+  }
+  EXPECT_EQ(ConvertScenetoIndex(2, 1), -1);
+  EXPECT_EQ(ConvertScenetoIndex(3, 99), 1090000);
+}
+
+TEST(ParameterResource, TakesWhatHasTheTagAtTheSizeItStates) {
+  const std::string path = std::filesystem::temp_directory_path() / ("brennparam_" + std::to_string(getpid()));
+  const auto read = [&path](const std::string& content, std::uint32_t expectedSize) {
+    std::ofstream(path, std::ios::binary) << content;
+    std::uint32_t size = 99;
+    unsigned char* const block = ReadParamFile(path.c_str(), &size);
+    EXPECT_EQ(size, expectedSize);
+    const std::string bytes = block ? std::string(block, block + size) : "none";
+    std::free(block);
+    return bytes;
+  };
+  const std::string header("SGIPPDEF....\x14\0\0\0", 16);
+  EXPECT_EQ(read(header + "data and more", 20), header + "data");
+  EXPECT_EQ(read(header + "da", 20), header + std::string("da\0\0", 4));
+  EXPECT_EQ(read("SGIPPDEX" + header.substr(8), 0), "none");
+  EXPECT_EQ(read("SGIPP", 0), "none");
+  EXPECT_EQ(read("", 0), "none");
+  {
+    std::ofstream(path, std::ios::binary) << header;
+    const FailingAllocation noMemory(1);  // the first is the file's own buffer
+    std::uint32_t size = 0;
+    unsigned char* const block = ReadParamFile(path.c_str(), &size);
+    std::free(block);
+    EXPECT_EQ(size, 20u);
+  }
+  std::filesystem::remove(path);
+  std::uint32_t size = 99;
+  EXPECT_EQ(ReadParamFile(path.c_str(), &size), nullptr);
+  EXPECT_EQ(size, 0u);
+}
+
+}  // namespace

@@ -1,0 +1,75 @@
+#include "tests/scene/fake_engines.h"
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "scene/brenn.h"
+#include "scene/orlo.h"
+
+FakeEngines fakeEngines;
+
+namespace {
+
+std::vector<std::uint8_t> Copy(const void* bytes, std::size_t count) {
+  const auto* const first = static_cast<const std::uint8_t*>(bytes);
+  return {first, first + count};
+}
+
+void* HandOut() {
+  ++fakeEngines.blocksHeld;
+  return std::malloc(1);
+}
+
+}  // namespace
+
+std::int32_t DocumentTypeRecognize(std::int32_t, const char* caller, const unsigned char* record, const void* pixels,
+                                   unsigned char* result, std::uint32_t paramSize, const void* paramData) {
+  fakeEngines.calls += 'R';
+  fakeEngines.caller = caller;
+  fakeEngines.record = Copy(record, kBrennRecordSize);
+  std::uint32_t stride = 0, height = 0;
+  std::memcpy(&stride, record + kBrennStride, sizeof stride);
+  std::memcpy(&height, record + kBrennHeight, sizeof height);
+  fakeEngines.recognized = Copy(pixels, std::size_t{stride} * height);
+  fakeEngines.block = Copy(paramData, paramSize);
+  std::memcpy(result, &fakeEngines.recognizeWord, sizeof fakeEngines.recognizeWord);
+  return fakeEngines.recognizeResult;
+}
+
+std::int32_t Orlo_Initialize() {
+  fakeEngines.calls += 'I';
+  return 0;
+}
+
+std::int32_t Orlo_SetBitmap(OrloContext* context, std::int32_t bitsPerPixel, std::int32_t width, std::int32_t height,
+                            std::int32_t negatedStride, const void* pixels) {
+  fakeEngines.calls += 'B';
+  context->memory = HandOut();
+  fakeEngines.bitsPerPixel = bitsPerPixel;
+  fakeEngines.width = width;
+  fakeEngines.height = height;
+  fakeEngines.negatedStride = negatedStride;
+  fakeEngines.bitmap = Copy(pixels, static_cast<std::size_t>(-negatedStride) * static_cast<std::size_t>(height));
+  return fakeEngines.setBitmapResult;
+}
+
+std::int32_t Orlo_DetectFacePosition(OrloContext*, OrloFaceList* list) {
+  fakeEngines.calls += 'D';
+  list->faces = HandOut();
+  list->count = fakeEngines.faces;
+  if (fakeEngines.throws) throw std::bad_alloc();
+  return fakeEngines.detectResult;
+}
+
+std::int32_t Orlo_Uninitialize() {
+  fakeEngines.calls += 'U';
+  return 0;
+}
+
+void OrloFree(void* memory) {
+  if (!memory) return;
+  fakeEngines.calls += 'F';
+  --fakeEngines.blocksHeld;
+  std::free(memory);
+}

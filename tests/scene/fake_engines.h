@@ -1,0 +1,29 @@
+// Engines that record what reaches them and answer what the test wants.
+#ifndef CATALOGCORE_TESTS_SCENE_FAKE_ENGINES_H_
+#define CATALOGCORE_TESTS_SCENE_FAKE_ENGINES_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct FakeEngines {
+  // Answers.
+  std::int32_t recognizeResult = 0;
+  std::uint16_t recognizeWord = 0;
+  std::int32_t setBitmapResult = 0;
+  std::int32_t detectResult = 0;
+  std::uintptr_t faces = 0;
+  bool throws = false;  // Orlo_DetectFacePosition runs out of memory
+
+  // What came in.
+  std::string calls;  // a letter for each: R recognize, I initialize, B bitmap, D detect, U uninitialize, F free
+  std::string caller;
+  std::vector<std::uint8_t> record, recognized, bitmap;  // the record; the pixels of both engines
+  std::vector<std::uint8_t> block;
+  std::int32_t bitsPerPixel = 0, width = 0, height = 0, negatedStride = 0;
+  int blocksHeld = 0;  // handed out and not freed
+};
+
+extern FakeEngines fakeEngines;
+
+#endif  // CATALOGCORE_TESTS_SCENE_FAKE_ENGINES_H_

@@ -1,0 +1,256 @@
+#include "scene/idx_image.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstdlib>
+#include <limits>
+#include <random>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "scene/block_average.h"
+#include "scene/tone_curve.h"
+#include "tests/support/failing_allocator.h"
+
+namespace {
+
+// Bytes that end where memory ends: reading one more is a crash.
+class GuardedBytes {
+ public:
+  explicit GuardedBytes(std::size_t size, unsigned seed = 1) : page_(static_cast<std::size_t>(sysconf(_SC_PAGESIZE))) {
+    room_ = (size + page_ - 1) / page_ * page_;
+    base_ = static_cast<std::uint8_t*>(
+        mmap(nullptr, room_ + page_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    if (base_ == MAP_FAILED || mprotect(base_ + room_, page_, PROT_NONE) != 0) std::abort();
+    first_ = base_ + (room_ - size);
+    std::minstd_rand random(seed);
+    for (std::size_t i = 0; i < size; ++i) first_[i] = static_cast<std::uint8_t>(random() >> 8);
+  }
+  GuardedBytes(const GuardedBytes&) = delete;
+  GuardedBytes& operator=(const GuardedBytes&) = delete;
+  ~GuardedBytes() { munmap(base_, room_ + page_); }
+
+  std::uint8_t* data() const { return first_; }
+
+ private:
+  std::size_t page_, room_;
+  std::uint8_t *base_, *first_;
+};
+
+IDXDSDATA Record(std::int32_t width, std::int32_t height, std::int32_t rowBytes, std::int32_t bits,
+                 std::int32_t resolution = 0) {
+  return {nullptr, width, height, rowBytes, bits, resolution, 1, 2, 3, 4, 0};
+}
+
+CIDXImage Described(const IDXDSDATA& record) {
+  CIDXImage image;
+  EXPECT_EQ(image.SetImageData(&record), IDX_OK);
+  return image;
+}
+
+std::vector<std::uint8_t> PixelsOf(const CIDXImage& image) {
+  return {image.pixels.get(), image.pixels.get() + image.bufferSize};
+}
+
+std::size_t Size(std::int32_t size) { return static_cast<std::size_t>(size); }
+
+// The reduction, one byte after the other.
+std::vector<std::uint8_t> PlainReduction(const std::uint8_t* source, const IDXDSDATA& of, int factor, bool curved) {
+  const int width = of.width / factor, height = of.height / factor, bytes = of.bitsPerPixel / 8;
+  const int rowBytes = (width * of.bitsPerPixel + 31) / 32 * 4;
+  std::vector<std::uint8_t> reduced(Size(rowBytes * height));
+  for (int y = 0; y < height; ++y) {
+    for (int x = 0; x < width; ++x) {
+      for (int b = 0; b < bytes; ++b) {
+        int sum = 0;
+        for (int dy = 0; dy < factor; ++dy) {
+          for (int dx = 0; dx < factor; ++dx) {
+            sum += source[(y * factor + dy) * of.rowBytes + (x * factor + dx) * bytes + b];
+          }
+        }
+        const auto average = static_cast<std::uint8_t>(sum / (factor * factor));
+        reduced[Size(y * rowBytes + x * bytes + b)] = curved ? ka1DLUT[average] : average;
+      }
+    }
+  }
+  return reduced;
+}
+
+// The tone-curved copy: three bytes for every pixel of a row, running on into the next.
+std::vector<std::uint8_t> PlainCurvedCopy(const std::uint8_t* source, const IDXDSDATA& of) {
+  std::vector<std::uint8_t> copy(Size(of.rowBytes * of.height));
+  for (int y = 0; y < of.height; ++y) {
+    for (int i = 0; i < 3 * of.width; ++i) {
+      const std::size_t at = Size(y * of.rowBytes + i);
+      if (at < copy.size()) copy[at] = ka1DLUT[source[at]];
+    }
+  }
+  return copy;
+}
+
+TEST(ToneCurve, IsGammaOnePointEightRounded) {
+  for (std::size_t i = 0; i < 256; ++i) {
+    EXPECT_EQ(ka1DLUT[i], std::floor(255 * std::pow(static_cast<double>(i) / 255, 1.8) + 0.5)) << i;
+  }
+  using Entry = std::pair<std::size_t, int>;
+  for (const auto& [i, value] : {Entry{7, 0}, {8, 1}, {14, 1}, {15, 2}, {64, 21}, {128, 74}, {192, 153}, {255, 255}}) {
+    EXPECT_EQ(ka1DLUT[i], value) << i;
+  }
+}
+
+TEST(CIDXImage, TakesOverTheDescriptionAndCopiesItWithoutPixels) {
+  const GuardedBytes source(15000);
+  CIDXImage image = Described(Record(100, 50, 300, 24, 72));
+  EXPECT_EQ(image.SetImageBuffer(source.data()), IDX_OK);
+  const CIDXImage copy = image;
+  EXPECT_EQ(copy.pixels, nullptr);
+  EXPECT_EQ(std::tie(copy.width, copy.height, copy.rowBytes, copy.bitsPerPixel, copy.resolution),
+            std::make_tuple(100, 50, 300, 24, 72));
+  EXPECT_EQ(std::tie(copy.fixedScene, copy.typeHint, copy.photoHint, copy.photoKind), std::make_tuple(1, 2, 3, 4));
+  EXPECT_EQ(std::tie(copy.bufferSize, copy.bytesPerPixel), std::make_tuple(15000, 3));
+  EXPECT_EQ(Described(Record(1, 65536, 65537, -15)).bufferSize, 65536);  // wrapped
+  EXPECT_EQ(Described(Record(1, 1, 1, -15)).bytesPerPixel, -1);
+}
+
+TEST(CIDXImage, CopiesOfEveryDepth) {
+  for (const int bits : {0, 1, 8, 12, 16, 24, 32, 48}) {
+    for (const int padding : {0, 1, 5, 300}) {
+      const IDXDSDATA record = Record(67, 9, 67 * (bits / 8) + padding + (bits < 8), bits);
+      const std::size_t size = Size(record.rowBytes * record.height);
+      const GuardedBytes source(size);
+      CIDXImage plain = Described(record), curved = plain;
+      ASSERT_EQ(plain.SetImageBuffer(source.data()), IDX_OK);
+      ASSERT_EQ(curved.SetImageBufferWithGammaTransfer(source.data()), IDX_OK);
+      EXPECT_EQ(PixelsOf(plain), std::vector(source.data(), source.data() + size)) << bits << ' ' << padding;
+      EXPECT_EQ(PixelsOf(curved), PlainCurvedCopy(source.data(), record)) << bits << ' ' << padding;
+    }
+  }
+}
+
+TEST(CIDXImage, ReducesAsTheBytewiseAverageDoes) {
+  std::minstd_rand random(7);
+  const auto below = [&](unsigned n) { return static_cast<int>((random() >> 4) % n); };
+  for (const int bits : {4, 8, 12, 16, 24, 32, 40, 48}) {
+    for (const int factor : {2, 3, 4, 5, 6, 7, 8, 9, 13, 17}) {
+      const int width = factor * (50 + below(90)) + below(static_cast<unsigned>(factor));
+      const int height = factor * (50 + below(4)) + below(static_cast<unsigned>(factor));
+      const IDXDSDATA record = Record(width, height, width * (bits / 8) + 1 + below(40), bits, 75 * factor + below(75));
+      const GuardedBytes source(Size(record.rowBytes * height), static_cast<unsigned>(bits * factor));
+      for (const int gamma : {0, 1, 2}) {
+        SCOPED_TRACE(testing::Message() << bits << " bits by " << factor << ", gamma " << gamma);
+        CIDXImage image = Described(record);
+        ASSERT_EQ(image.SetImageBufferWithResolution(source.data(), 75, gamma), IDX_OK);
+        ASSERT_EQ(PixelsOf(image), PlainReduction(source.data(), record, factor, gamma == 1));
+        EXPECT_EQ(std::tie(image.width, image.height, image.resolution, image.bytesPerPixel),
+                  std::make_tuple(width / factor, height / factor, record.resolution / factor, bits / 8));
+      }
+    }
+  }
+}
+
+// Blocks that a picture of at least 50 x 50 of them would make too large for a test.
+TEST(AverageBlocks, HugeBlocksAndPixels) {
+  using Case = std::tuple<int, int>;
+  for (const auto& [factor, bytes] :
+       {Case{257, 1}, {257, 3}, {258, 1}, {400, 3}, {926, 1}, {2, 512}, {2, 513}, {5, 999}}) {
+    const IDXDSDATA record = Record(3 * factor, 2 * factor, 3 * factor * bytes, 8 * bytes);
+    const GuardedBytes source(Size(record.rowBytes * record.height));
+    std::fill_n(source.data(), Size(factor) * Size(record.rowBytes), std::uint8_t{255});
+    const std::int32_t rowBytes = (3 * bytes + 3) / 4 * 4;
+    std::vector<std::uint8_t> target(Size(2 * rowBytes), 1);
+    AverageBlocks({source.data(), record.height, record.rowBytes}, {3, factor, bytes}, ka1DLUT,
+                  {target.data(), 2, rowBytes});
+    EXPECT_EQ(target, PlainReduction(source.data(), record, factor, true)) << factor << ' ' << bytes;
+  }
+}
+
+TEST(CIDXImage, ReducesTowardsTheTargetDownTo50Pixels) {
+  struct Case {
+    int width, height, resolution, target;  // handed in
+    int newWidth, newHeight, newRowBytes, newResolution;
+  };
+  constexpr int kMost = std::numeric_limits<int>::max();
+  for (const Case& c : {Case{2480, 351, 300, 75, 620, 87, 1860, 75},
+                        {400, 400, 200, 75, 200, 200, 600, 100},
+                        {1242, 100, 150, 75, 621, 50, 1864, 75},
+                        {200, 200, 300, 75, 50, 50, 152, 75},
+                        {199, 400, 300, 75, 199, 400, 597, 300},
+                        {400, 199, 300, 75, 400, 199, 1200, 300},
+                        {400, 400, 149, 75, 400, 400, 1200, 149},
+                        {400, 400, 0, 75, 400, 400, 1200, 0},
+                        {400, 400, -300, 75, 400, 400, 1200, -300},
+                        {400, 400, 300, 0, 400, 400, 1200, 300},
+                        {400, 400, 300, -75, 400, 400, 1200, 300},
+                        {400, 400, kMost, 1, 400, 400, 1200, kMost}}) {
+    SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << " at " << c.resolution);
+    const IDXDSDATA record = Record(c.width, c.height, 3 * c.width, 24, c.resolution);
+    const GuardedBytes source(Size(record.rowBytes * record.height));
+    CIDXImage image = Described(record), plain = image;
+    ASSERT_EQ(image.SetImageBufferWithResolution(source.data(), c.target, 1), IDX_OK);
+    EXPECT_EQ(std::tie(image.width, image.height, image.rowBytes, image.resolution, image.bufferSize),
+              std::make_tuple(c.newWidth, c.newHeight, c.newRowBytes, c.newResolution, c.newRowBytes * c.newHeight));
+    if (c.newWidth != c.width) continue;
+    EXPECT_EQ(PixelsOf(image), PlainCurvedCopy(source.data(), record));
+    ASSERT_EQ(plain.SetImageBufferWithResolution(source.data(), c.target, 0), IDX_OK);
+    EXPECT_EQ(PixelsOf(plain), std::vector(source.data(), source.data() + Size(record.rowBytes * record.height)));
+  }
+}
+
+TEST(CIDXImage, RefusesWhatCannotBeWithoutReadingIt) {
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  const GuardedBytes none(0);
+  for (const IDXDSDATA& record :
+       {Record(-400, 400, 1200, 24, 300), Record(400, -400, 1200, 24, 300), Record(400, 400, -1200, 24, 300),
+        Record(400, -400, -1200, 24, 300), Record(400, 400, 1199, 24, 300), Record(400, 400, 399, 8, 300),
+        Record(400, 0, 1200, 24, 300), Record(0, 400, 0, 24, 300), Record(400, 65536, 65537, 24, 300),
+        Record(400, 1 << 20, 1 << 11, 24, 300), Record(400, kMost, kMost, 24, 300), Record(kMost, 400, 1200, 24, 300),
+        Record(400, 400, 1200, kMost, 300)}) {
+    CIDXImage image = Described(record);
+    const std::int32_t bufferSize = image.bufferSize;
+    EXPECT_EQ(image.SetImageBuffer(none.data()), IDXERR_PARAM);
+    EXPECT_EQ(image.SetImageBufferWithGammaTransfer(none.data()), IDXERR_PARAM);
+    EXPECT_EQ(image.SetImageBufferWithResolution(none.data(), 75, 1), IDXERR_PARAM);
+    EXPECT_EQ(image.pixels, nullptr);
+    EXPECT_EQ(std::tie(image.width, image.bufferSize), std::tie(record.width, bufferSize));
+  }
+  CIDXImage image = Described(Record(400, 400, 1200, 24, 300));
+  EXPECT_EQ(image.SetImageBuffer(nullptr), IDXERR_PARAM);
+  EXPECT_EQ(image.SetImageBufferWithGammaTransfer(nullptr), IDXERR_PARAM);
+  EXPECT_EQ(image.SetImageBufferWithResolution(nullptr, 75, 1), IDXERR_PARAM);
+  // Depths below a byte describe bytes that can be, but reduced pictures that cannot.
+  for (const auto& record : {Record(400, 400, 1, -1, 300), Record(kMost, kMost, 1, 7, 150)}) {
+    EXPECT_EQ(Described(record).SetImageBufferWithResolution(none.data(), 75, 1), IDXERR_PARAM);
+  }
+}
+
+TEST(CIDXImage, FilledAgainItReleasesItsOwnPixels) {
+  const IDXDSDATA record = Record(120, 110, 360, 24, 150);
+  const GuardedBytes source(Size(record.rowBytes * record.height));
+  CIDXImage image = Described(record);
+  ASSERT_EQ(image.SetImageBuffer(source.data()), IDX_OK);
+  ASSERT_EQ(image.SetImageBuffer(image.pixels.get()), IDX_OK);
+  ASSERT_EQ(image.SetImageBufferWithResolution(image.pixels.get(), 75, 0), IDX_OK);
+  EXPECT_EQ(PixelsOf(image), PlainReduction(source.data(), record, 2, false));
+}
+
+TEST(CIDXImage, WithoutMemoryHoldsNoPixelsAndKeepsItsDescription) {
+  const GuardedBytes source(300 * 900);
+  CIDXImage image = Described(Record(300, 300, 900, 24, 150));
+  using Fill = IDXSTATUS (*)(CIDXImage&, const void*);
+  for (const Fill fill : {Fill([](CIDXImage&i, const void*s) { return i.SetImageBuffer(s); }),
+                          Fill([](CIDXImage&i, const void*s) { return i.SetImageBufferWithGammaTransfer(s); }),
+                          Fill([](CIDXImage&i, const void*s) { return i.SetImageBufferWithResolution(s, 75, 1); })}) {
+    const FailingAllocation noMemory(0);
+    EXPECT_EQ(fill(image, source.data()), IDXERR_MEMORY);
+    EXPECT_EQ(image.pixels, nullptr);
+    EXPECT_EQ(std::tie(image.width, image.height, image.resolution), std::make_tuple(300, 300, 150));
+  }
+}
+
+}  // namespace
