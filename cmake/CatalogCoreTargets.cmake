@@ -14,6 +14,10 @@ add_library(catalogcore_options INTERFACE)
 target_compile_options(catalogcore_options INTERFACE
   -Wall -Wextra -Wpedantic -Werror -Wconversion -Wsign-conversion -Wshadow -Wcast-align -Wformat=2
   $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # GCC 12 takes some additions of std::string for overlapping copies when it optimises (its bug 105651).
+  target_compile_options(catalogcore_options INTERFACE -Wno-restrict)
+endif()
 if(CATALOGCORE_UNSIGNED_CHAR)
   target_compile_options(catalogcore_options INTERFACE -funsigned-char)
 endif()

@@ -1,6 +1,7 @@
 #include "scene/detect_scene.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "scene/parameter_resource.h"
 
@@ -19,6 +20,11 @@ IDXSTATUS CDetectScene::Initialize() {
   Uninitialize();
   paramData.reset(OpenParamFile(&paramSize));
   return paramData ? IDX_OK : IDXERR_DETECTOR;
+}
+
+void CDetectScene::InitializeWith(ParameterBlock block, std::uint32_t size) {
+  paramData = std::move(block);
+  paramSize = size;
 }
 
 void CDetectScene::Uninitialize() { paramData.reset(); }

@@ -41,6 +41,14 @@ class CDetectScene {
   // detections that need the recognizer give it too.
   IDXSTATUS Initialize();
 
+  struct FreeBlock {
+    void operator()(void* block) const { std::free(block); }
+  };
+  using ParameterBlock = std::unique_ptr<unsigned char[], FreeBlock>;  // from malloc
+
+  // Takes this parameter block of `size` bytes in place of the bundle's; for tools that measure blocks.
+  void InitializeWith(ParameterBlock block, std::uint32_t size);
+
   // Gives the parameter block up.
   void Uninitialize();
 
@@ -50,11 +58,6 @@ class CDetectScene {
   MPCriticalRegionID* Region() { return &region; }
 
  private:
-  struct FreeBlock {
-    void operator()(void* block) const { std::free(block); }
-  };
-  using ParameterBlock = std::unique_ptr<unsigned char[], FreeBlock>;
-
   IDXSTATUS DetectImageType(const CIDXImage& image, std::int32_t& sceneClass) const;
   IDXSTATUS Recognize(const CIDXImage& reduced, std::int32_t& sceneClass) const;
   static IDXSTATUS DetectPhotoScene(const CIDXImage& image, std::int32_t& sceneValue);

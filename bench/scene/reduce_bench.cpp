@@ -7,7 +7,9 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 #include <random>
+#include <string>
 
+#include "bench/support/ratios.h"
 #include "scene/idx_image.h"
 #include "scene/tone_curve.h"
 
@@ -51,17 +53,21 @@ void Copy(Bed& bed) { std::memcpy(bed.copy.data, bed.source.data, bed.Size()); }
 
 }  // namespace
 
-std::vector<ReduceRow> ReduceRows() {
+void AddReduceRows() {
   cv::setNumThreads(1);
-  std::vector<ReduceRow> rows;
   for (const int bits : {8, 24}) {
     for (const int factor : {2, 4, 8}) {
-      const auto bed = std::make_shared<Bed>(bits);
+      const auto bed = std::make_shared<std::unique_ptr<Bed>>();  // made on first use: a filter may leave it out
+      const auto round = [bed, bits](auto work) -> Round {
+        return [bed, bits, work] {
+          if (!*bed) *bed = std::make_unique<Bed>(bits);
+          return Time(1, [&] { work(**bed); });
+        };
+      };
       const std::string name = "reduce_" + std::to_string(factor) + "_" + std::to_string(bits);
-      const auto ours = [bed, factor] { Reduce(*bed, factor); };
-      rows.push_back({name, ours, [bed, factor] { ReduceWithOpenCv(*bed, factor); }});
-      rows.push_back({name + "_memcpy", ours, [bed] { Copy(*bed); }});
+      const Round ours = round([factor](const Bed& picture) { Reduce(picture, factor); });
+      AddRow(name, ours, "OpenCV area, LUT", round([factor](Bed& picture) { ReduceWithOpenCv(picture, factor); }), 15);
+      AddRow(name + "_memcpy", ours, "memcpy of source", round([](Bed& picture) { Copy(picture); }), 15);
     }
   }
-  return rows;
 }

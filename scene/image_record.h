@@ -1,0 +1,33 @@
+// The record that describes the reduced picture to the recognizer.
+#ifndef CATALOGCORE_SCENE_IMAGE_RECORD_H_
+#define CATALOGCORE_SCENE_IMAGE_RECORD_H_
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+
+#include "scene/brenn.h"
+#include "scene/idx_image.h"
+
+// Dots per inch toward which a picture is reduced for the recognizer.
+inline constexpr int kRecognizerResolution = 75;
+
+class ImageRecord {
+ public:
+  // REQUIRES: the picture is not empty.
+  explicit ImageRecord(const CIDXImage& reduced);
+
+  // kBrennRecordSize bytes, as scene/brenn.h lays them out.
+  const unsigned char* Bytes() const { return bytes_.data(); }
+
+ private:
+  template <typename Field>
+  void Put(BrennRecordOffset offset, std::int32_t value) {
+    const auto field = static_cast<Field>(value);
+    std::memcpy(&bytes_[offset], &field, sizeof field);
+  }
+
+  std::array<unsigned char, kBrennRecordSize> bytes_{};
+};
+
+#endif  // CATALOGCORE_SCENE_IMAGE_RECORD_H_

@@ -1,0 +1,243 @@
+// The recognizer through its one operation, with the parameter block that is shipped.
+#include "scene/brenn.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <random>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "engines/brenn/fault.h"
+#include "engines/brenn/parameter_block.h"
+#include "tools/picture_preparation.h"
+
+namespace catalogcore::brenn {
+namespace {
+
+using tools::PreparedPicture;
+using tools::SourcePicture;
+using Block = std::vector<std::uint8_t>;
+
+constexpr std::uint16_t kDocument = 1;
+constexpr std::uint16_t kDocumentWithPictures = 2;
+constexpr std::uint16_t kPhotograph = 3;
+
+const Block& ShippedBlock() {
+  static const Block block = [] {
+    std::ifstream file(BRENN_PARAMETER_FILE, std::ios::binary);
+    return Block(std::istreambuf_iterator<char>(file), {});
+  }();
+  return block;
+}
+
+// The result word; the code is checked to be `expected`.
+std::uint16_t Recognize(const PreparedPicture& picture, Fault expected = Fault::kNone,
+                        const Block& block = ShippedBlock()) {
+  std::array<unsigned char, kBrennResultSize> result{};
+  const std::int32_t code =
+      DocumentTypeRecognize(0, "CatalogCr       ", picture.record.data(), picture.pixels.data(), result.data(),
+                            static_cast<std::uint32_t>(block.size()), block.data());
+  EXPECT_EQ(code, static_cast<std::int32_t>(expected));
+  std::uint16_t word = 0;
+  std::memcpy(&word, result.data(), sizeof word);
+  return word;
+}
+
+std::uint16_t Kind(const SourcePicture& picture) { return Recognize(tools::PreparePicture(picture)) >> 12U; }
+
+using Colour = std::array<double, 3>;
+
+// `paint(x, y)` gives the colour of a pixel, 0 to 255. Grey takes the second sample. Bytes beyond a row are noise.
+template <typename Paint>
+SourcePicture Painted(std::int32_t width, std::int32_t height, std::int32_t bitsPerPixel, Paint paint) {
+  SourcePicture picture{width, height, width * bitsPerPixel / 8 + 7, bitsPerPixel, 0, {}};
+  std::mt19937 noise(1);
+  const bool wide = bitsPerPixel == 16 || bitsPerPixel == 48;
+  for (std::int32_t y = 0; y < height; ++y) {
+    for (std::int32_t x = 0; x < width; ++x) {
+      const Colour colour = paint(x, y);
+      for (std::size_t s = bitsPerPixel < 24 ? 1 : 0; s < (bitsPerPixel < 24 ? 2U : 3U); ++s) {
+        const auto sample = static_cast<std::uint8_t>(std::clamp(colour[s], 0.0, 255.0));
+        picture.pixels.insert(picture.pixels.end(), wide ? 2 : 1, sample);
+      }
+    }
+    for (int i = 0; i < 7; ++i) picture.pixels.push_back(static_cast<std::uint8_t>(noise()));
+  }
+  return picture;
+}
+
+// Lines of words of upright strokes on `paper`.
+SourcePicture Page(std::int32_t bitsPerPixel, Colour paper = {250, 250, 250}) {
+  return Painted(600, 840, bitsPerPixel, [&paper](int x, int y) {
+    const int line = y / 14;
+    const bool written = x > 60 && x < 540 && y > 60 && y < 760 && y % 14 < 8 && (x / 6 + line * 5) % 7 != 0;
+    const bool ink = written && ((x * 7 + line * 3) % 5 < 2 || (y % 14 == 3 && x % 11 < 6));
+    return ink ? Colour{35, 30, 40} : paper;
+  });
+}
+
+// Hills of several sizes and colours under a grain.
+SourcePicture Landscape(std::int32_t bitsPerPixel, std::int32_t width = 640, std::int32_t height = 480) {
+  std::mt19937 grain(2);
+  return Painted(width, height, bitsPerPixel, [&grain](int x, int y) {
+    double tone = 120 - 0.1 * y;
+    for (double size = 90; size > 2; size *= 0.6) {
+      tone += size * 0.5 * std::sin(x / size + 3 * size) * std::cos(y / size * 1.3 + std::sin(x / size / 2));
+    }
+    tone += static_cast<double>(grain() % 12);
+    return Colour{tone * 0.7, tone, tone * 0.5 + 40};
+  });
+}
+
+SourcePicture OuterSamplesExchanged(SourcePicture picture) {
+  const std::size_t sampleBytes = picture.bitsPerPixel == 48 ? 2 : 1;
+  for (std::int32_t y = 0; y < picture.height; ++y) {
+    auto* pixel = &picture.pixels[static_cast<std::size_t>(y * picture.rowBytes)];
+    for (std::int32_t x = 0; x < picture.width; ++x, pixel += 3 * sampleBytes) {
+      std::swap_ranges(pixel, pixel + sampleBytes, pixel + 2 * sampleBytes);
+    }
+  }
+  return picture;
+}
+
+TEST(Brenn, DecidesPagesAndPhotographsAtEveryDepth) {
+  for (const std::int32_t bits : {8, 16, 24, 48}) {
+    for (const std::int32_t resolution : {0, 150}) {
+      SCOPED_TRACE(std::to_string(bits) + " bits, " + std::to_string(resolution) + " dpi");
+      SourcePicture page = Page(bits);
+      SourcePicture photograph = Landscape(bits);
+      page.resolution = photograph.resolution = resolution;
+      EXPECT_EQ(Kind(page), kDocument);
+      EXPECT_EQ(Kind(photograph), kPhotograph);
+    }
+  }
+}
+
+TEST(Brenn, TellsColourOnPaper) {
+  SourcePicture page = Page(24);
+  for (std::int32_t y = 300; y < 500; ++y) {
+    for (std::int32_t x = 100; x < 400; ++x) page.pixels[static_cast<std::size_t>(y * page.rowBytes + x * 3)] = 20;
+  }
+  EXPECT_EQ(Kind(page), kDocumentWithPictures);
+}
+
+TEST(Brenn, DoesNotMindTheOrderOfSamples) {
+  const Colour yellowed = {230, 215, 160};
+  // An odd width lets the tone curve's reach end within a pixel of the 48-bit copy.
+  for (const SourcePicture& picture : {Page(24, yellowed), Page(48, yellowed), Landscape(24), Landscape(48, 641)}) {
+    EXPECT_EQ(Recognize(tools::PreparePicture(picture)),
+              Recognize(tools::PreparePicture(OuterSamplesExchanged(picture))));
+  }
+}
+
+template <typename Integer>
+PreparedPicture With(PreparedPicture picture, BrennRecordOffset offset, Integer value) {
+  std::memcpy(picture.record.data() + offset, &value, sizeof value);
+  return picture;
+}
+
+TEST(Brenn, RefusesABadRecord) {
+  const PreparedPicture good = tools::PreparePicture(Page(24));
+  const auto word = [&good](BrennRecordOffset offset, std::uint16_t value) { return With(good, offset, value); };
+  const auto number = [&good](BrennRecordOffset offset, std::uint32_t value) { return With(good, offset, value); };
+  constexpr std::uint32_t kHuge = std::numeric_limits<std::uint32_t>::max();
+
+  EXPECT_EQ(Recognize(word(kBrennTag, 0x1081), Fault::kRecordTag), 0);  // and the result is left alone
+  Recognize(word(kBrennSamplesPerPixel, 0), Fault::kSamplesPerPixel);
+  Recognize(word(kBrennBitsPerSample, 0), Fault::kBitsPerSample);
+  Recognize(word(kBrennFixedSixteenY, 15), Fault::kRecordConstants);
+  Recognize(number(kBrennWidth, 0), Fault::kPictureSize);
+  Recognize(number(kBrennHeight, kHuge), Fault::kPictureSize);
+  Recognize(number(kBrennStride, 0x80000000U), Fault::kPictureSize);  // a negative stride
+  Recognize(number(kBrennStride, 600 * 3 - 1), Fault::kStride);
+  Recognize(number(kBrennWidth, 0x55555556U), Fault::kPictureSize);  // x 3 is 2 in 32 bits
+  Recognize(word(kBrennBitsPerSample, 16), Fault::kStride);
+  Recognize(number(kBrennResolutionX, 74), Fault::kResolution);
+  Recognize(number(kBrennResolutionY, 76), Fault::kResolution);
+  Recognize(number(kBrennMarginX, kHuge), Fault::kArea);
+  Recognize(number(kBrennMarginY, 29), Fault::kArea);
+  Recognize(number(kBrennAreaWidth, kHuge), Fault::kArea);
+  Recognize(number(kBrennAreaHeight, 15), Fault::kArea);
+}
+
+TEST(Brenn, RefusesNullPointers) {
+  const PreparedPicture picture = tools::PreparePicture(Page(8));
+  const auto call = [](const unsigned char* record, const void* pixels, unsigned char* result, const void* block) {
+    return static_cast<Fault>(DocumentTypeRecognize(0, nullptr, record, pixels, result, 16, block));
+  };
+  std::array<unsigned char, kBrennResultSize> result{};
+  const void* const block = ShippedBlock().data();
+  EXPECT_EQ(call(nullptr, picture.pixels.data(), result.data(), block), Fault::kNullRecord);
+  EXPECT_EQ(call(picture.record.data(), nullptr, result.data(), block), Fault::kNullPixels);
+  EXPECT_EQ(call(picture.record.data(), picture.pixels.data(), nullptr, block), Fault::kNullResult);
+  EXPECT_EQ(call(picture.record.data(), picture.pixels.data(), result.data(), nullptr), Fault::kNullParameters);
+}
+
+void Seal(Block& block) {
+  const std::uint32_t sum = CheckSum(std::span<const std::uint8_t>(block).subspan(20));
+  for (std::size_t i = 0; i < 4; ++i) block[16 + i] = static_cast<std::uint8_t>(sum >> (8 * i));
+}
+
+Block Changed(std::size_t at, std::uint8_t value) {
+  Block block = ShippedBlock();
+  block[at] = value;
+  return block;
+}
+
+TEST(Brenn, RefusesABadBlock) {
+  const std::vector<std::uint8_t> digits = {'1', '2', '3', '4', '5', '6', '7', '8', '9'};
+  EXPECT_EQ(CheckSum(digits), 0xCBF43926U);  // the published check value of this CRC
+
+  const PreparedPicture picture = tools::PreparePicture(Page(8));
+  const Block& good = ShippedBlock();
+  Recognize(picture, Fault::kBlockTooShort, Block(good.begin(), good.begin() + 31));
+  Recognize(picture, Fault::kBlockTag, Changed(0, 'X'));
+  Recognize(picture, Fault::kBlockSize, Block(good.begin(), good.end() - 1));
+  Recognize(picture, Fault::kBlockVersion, Changed(8, 2));
+  Recognize(picture, Fault::kBlockChecksum, Changed(good.size() - 1, static_cast<std::uint8_t>(~good.back())));
+
+  const auto sealed = [](std::size_t at, std::uint8_t value) {
+    Block block = Changed(at, value);
+    Seal(block);
+    return block;
+  };
+  Recognize(picture, Fault::kBlockCounts, sealed(20, kFeatureCount + 1));
+  Recognize(picture, Fault::kBlockCounts, sealed(23, 0xFF));
+  const std::size_t firstTerm = 32 + kFeatureCount * 8;
+  Recognize(picture, Fault::kBlockCounts, sealed(firstTerm + 1, 0x7F));  // a feature that there is not
+  Block zeroScale = good;
+  std::fill_n(zeroScale.begin() + 36, 4, std::uint8_t{0});
+  Seal(zeroScale);
+  Recognize(picture, Fault::kBlockNumber, zeroScale);
+  Block notANumber = good;
+  std::fill_n(notANumber.begin() + 28, 4, std::uint8_t{0xFF});
+  Seal(notANumber);
+  Recognize(picture, Fault::kBlockNumber, notANumber);
+}
+
+// Every picture sits at the end of its memory, so that a read beyond it is seen by the address sanitizer.
+TEST(Brenn, ReadsNothingOutsideThePicture) {
+  for (const std::int32_t bits : {8, 16, 24, 48}) {
+    for (const auto& [width, height] : {std::pair{50, 50}, {51, 901}, {4001, 16}, {16, 3000}, {1801, 77}}) {
+      const SourcePicture whole = Landscape(bits, width, height);
+      PreparedPicture picture = tools::PreparePicture(whole);
+      picture.pixels.resize(static_cast<std::size_t>(whole.rowBytes) * static_cast<std::size_t>(height));
+      picture.pixels.shrink_to_fit();
+      Recognize(picture);
+      std::fill(picture.pixels.begin(), picture.pixels.end(), std::uint8_t{0});
+      Recognize(picture);
+    }
+  }
+}
+
+}  // namespace
+}  // namespace catalogcore::brenn

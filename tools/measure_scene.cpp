@@ -1,0 +1,204 @@
+// measure_scene DOCUMENTS PHOTOS [--cross-validate] [--faces FACES.csv]: how well IDXDetectScene tells documents from
+// photographs, and photographs with faces from those without.
+#include <vips/vips.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <exception>
+#include <fstream>
+#include <map>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "engines/brenn/parameter_block.h"
+#include "scene/detect_scene.h"
+#include "tools/model_training.h"
+#include "tools/picture_variants.h"
+#include "tools/training_data.h"
+
+namespace catalogcore::tools {
+namespace {
+
+struct Options {
+  std::string documents, photographs, faces;
+  bool crossValidate = false;
+};
+
+std::int32_t Preset(const SourcePicture& picture) {
+  IDXDSDATA record = RecordOf(picture);
+  const IDXSTATUS status = IDXDetectScene(&record);
+  if (status != IDX_OK) throw std::runtime_error("IDXDetectScene gives " + std::to_string(status));
+  return record.presetIndex;
+}
+
+bool IsDocumentPreset(std::int32_t preset) { return preset / 1000000 == 2; }
+
+struct Misfiled {
+  int documents = 0;
+  int photographs = 0;
+};
+
+class Table {
+ public:
+  explicit Table(const std::vector<LabelledPicture>& pictures) : pictures_(pictures) {
+    for (const LabelledPicture& picture : pictures) ++(picture.isDocument ? total_.documents : total_.photographs);
+  }
+
+  // Runs one picture under every condition.
+  void Add(const LabelledPicture& picture) {
+    const Raster raster = ReadRaster(picture.path);
+    std::map<std::int32_t, Raster> pages;  // by resolution
+    for (const Condition& condition : AllConditions()) {
+      const bool isPage = condition.resolution > 0 && (picture.isDocument || condition.prints);
+      if (isPage && pages.count(condition.resolution) == 0) {
+        pages[condition.resolution] = ScaledTo(raster, kPageLength * condition.resolution);
+      }
+      const Raster& seen = isPage ? pages[condition.resolution] : raster;
+      const bool asDocument = IsDocumentPreset(Preset(ToSource(seen, condition.depth, condition.resolution)));
+      if (asDocument == picture.isDocument) continue;
+      Misfiled& misfiled = misfiled_[condition.Name()];
+      ++(picture.isDocument ? misfiled.documents : misfiled.photographs);
+      names_[picture.name].push_back(condition.Name());
+    }
+    if (++done_ % 50 == 0) std::fprintf(stderr, "%zu of %zu pictures\n", done_, pictures_.size());
+  }
+
+  void Print() {
+    std::printf("%d documents, %d photographs\n\n", total_.documents, total_.photographs);
+    std::printf("| condition | documents as photographs | photographs as documents | balanced accuracy |\n");
+    std::printf("|---|---|---|---|\n");
+    for (const Condition& condition : AllConditions()) {
+      const Misfiled& misfiled = misfiled_[condition.Name()];
+      const double balanced = 1 - (static_cast<double>(misfiled.documents) / total_.documents +
+                                   static_cast<double>(misfiled.photographs) / total_.photographs) /
+                                      2;
+      std::printf("| %s | %d | %d | %.4f |\n", condition.Name().c_str(), misfiled.documents, misfiled.photographs,
+                  balanced);
+    }
+    std::printf("\nMisfiled:\n");
+    for (const auto& [name, conditions] : names_) {
+      std::printf("- %s:", name.c_str());
+      for (const std::string& condition : conditions) std::printf(" %s;", condition.c_str());
+      std::printf("\n");
+    }
+  }
+
+ private:
+  const std::vector<LabelledPicture>& pictures_;
+  Misfiled total_;
+  std::map<std::string, Misfiled> misfiled_;
+  std::map<std::string, std::vector<std::string>> names_;
+  std::size_t done_ = 0;
+};
+
+// For each picture the name of the part that it is held out with: its source; of the two large sources of documents,
+// sroie and pages, one of five parts that whole documents are dealt to, in the order of their names.
+std::vector<std::string> Parts(const std::vector<LabelledPicture>& pictures) {
+  constexpr std::size_t kPartsOfASource = 5;
+  std::set<std::string> documents;
+  for (const LabelledPicture& picture : pictures) documents.insert(picture.document);
+  std::vector<std::string> parts;
+  for (const LabelledPicture& picture : pictures) {
+    const bool isDealt = picture.source == "sroie" || picture.source == "pages";
+    const auto place = static_cast<std::size_t>(std::distance(documents.begin(), documents.find(picture.document)));
+    parts.push_back(isDealt ? "documents " + std::to_string(place % kPartsOfASource) : picture.source);
+  }
+  return parts;
+}
+
+void SetBlock(CDetectScene& detector, const std::vector<std::uint8_t>& bytes) {
+  CDetectScene::ParameterBlock block(static_cast<unsigned char*>(std::malloc(bytes.size())));
+  if (!block) throw std::bad_alloc();
+  std::memcpy(block.get(), bytes.data(), bytes.size());
+  detector.InitializeWith(std::move(block), static_cast<std::uint32_t>(bytes.size()));
+}
+
+// Each part is decided by a recognizer that was trained on the others.
+void CrossValidate(CDetectScene& detector, const std::vector<LabelledPicture>& pictures, Table& table) {
+  const unsigned threads = std::max(1U, std::thread::hardware_concurrency());
+  const auto variants = MeasureVariants(pictures, kVariants, threads);
+  const std::vector<std::string> parts = Parts(pictures);
+  for (const std::string& part : std::set<std::string>(parts.begin(), parts.end())) {
+    std::vector<bool> isHeldOut;
+    for (const std::string& other : parts) isHeldOut.push_back(other == part);
+    SetBlock(detector, brenn::MakeParameterBlock(TrainModel(TrainingExamples(pictures, variants, isHeldOut))));
+    for (std::size_t i = 0; i < pictures.size(); ++i) {
+      if (isHeldOut[i]) table.Add(pictures[i]);
+    }
+  }
+}
+
+// FACES.csv: a line "file,1" or "file,0" for each photograph that is labelled.
+void MeasureFaces(const Options& options) {
+  std::ifstream labels(options.faces);
+  if (!labels) throw std::runtime_error("cannot read " + options.faces);
+  int count[2] = {}, found[2] = {};
+  for (std::string line; std::getline(labels, line);) {
+    const std::size_t comma = line.find(',');
+    if (comma == std::string::npos || (line[comma + 1] != '0' && line[comma + 1] != '1')) continue;
+    const int label = line[comma + 1] - '0';
+    const SourcePicture picture =
+        ToSource(ReadRaster(options.photographs + "/" + line.substr(0, comma)), {true, false}, 0);
+    IDXDSDATA record = RecordOf(picture);
+    record.typeHint = 2;  // photographs all: the face detector alone is measured
+    if (IDXDetectScene(&record) != IDX_OK) throw std::runtime_error("IDXDetectScene fails on " + line);
+    const bool isFound = record.presetIndex == IDXPRESET_PHOTO_FACES;
+    ++count[label];
+    if (isFound) ++found[label];
+    if (isFound != (label == 1))
+      std::printf("- %s: %s\n", line.c_str(), isFound ? "a face is found" : "no face is found");
+  }
+  std::printf("\nfaces found in %d of %d photographs with faces (%.3f), and in %d of %d without\n", found[1], count[1],
+              static_cast<double>(found[1]) / count[1], found[0], count[0]);
+}
+
+void Run(const Options& options) {
+  CDetectScene detector;
+  if (detector.Initialize() != IDX_OK && !options.crossValidate) throw std::runtime_error("no parameter resource");
+  dsScene = &detector;
+  if (!options.faces.empty()) return MeasureFaces(options);
+  const std::vector<LabelledPicture> pictures = ListPictures(options.documents, options.photographs);
+  Table table(pictures);
+  if (options.crossValidate) {
+    CrossValidate(detector, pictures, table);
+  } else {
+    for (const LabelledPicture& picture : pictures) table.Add(picture);
+  }
+  table.Print();
+}
+
+int RunTool(int argc, char** argv) {
+  Options options;
+  CLI::App app("Measures how well IDXDetectScene decides labelled pictures.");
+  app.add_option("DOCUMENTS", options.documents, "folder of documents")->required()->check(CLI::ExistingDirectory);
+  app.add_option("PHOTOS", options.photographs, "folder of photographs")->required()->check(CLI::ExistingDirectory);
+  app.add_flag("--cross-validate", options.crossValidate,
+               "decide each picture by a recognizer trained without its source, not by the library's own");
+  app.add_option("--faces", options.faces, "measure the face detector on the photographs that this file labels")
+      ->check(CLI::ExistingFile);
+  CLI11_PARSE(app, argc, argv);
+  if (VIPS_INIT(argv[0]) != 0) throw std::runtime_error(std::string("libvips does not start: ") + vips_error_buffer());
+  vips_concurrency_set(1);
+  Run(options);
+  vips_shutdown();
+  return 0;
+}
+
+}  // namespace
+}  // namespace catalogcore::tools
+
+int main(int argc, char** argv) {
+  try {
+    return catalogcore::tools::RunTool(argc, argv);
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "measure_scene: %s\n", failure.what());
+  } catch (...) {
+    std::fprintf(stderr, "measure_scene: failed\n");
+  }
+  return 1;
+}

@@ -1,0 +1,72 @@
+// train_recognizer DOCUMENTS PHOTOS -o brennparam.dat: makes the recognizer's parameter block from two folders of
+// pictures. The same folders give the same bytes.
+#include <vips/vips.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "engines/brenn/parameter_block.h"
+#include "tools/model_training.h"
+#include "tools/training_data.h"
+
+namespace catalogcore::tools {
+namespace {
+
+struct Options {
+  std::string documents, photographs, output;
+  std::size_t variants = kVariants;
+  unsigned threads = std::max(1U, std::thread::hardware_concurrency());
+};
+
+void WriteBlock(const std::vector<Example>& examples, const std::string& path) {
+  const std::vector<std::uint8_t> block = brenn::MakeParameterBlock(TrainModel(examples));
+  std::ofstream file(path, std::ios::binary);
+  for (const std::uint8_t byte : block) file.put(static_cast<char>(byte));
+  file.close();
+  if (!file) throw std::runtime_error("cannot write " + path);
+  std::printf("%s: %zu bytes from %zu examples\n", path.c_str(), block.size(), examples.size());
+}
+
+void Run(const Options& options) {
+  const std::vector<LabelledPicture> pictures = ListPictures(options.documents, options.photographs);
+  WriteBlock(TrainingExamples(pictures, MeasureVariants(pictures, options.variants, options.threads)), options.output);
+}
+
+int RunTool(int argc, char** argv) {
+  Options options;
+  CLI::App app("Trains the document-type recognizer from a folder of documents and one of photographs.");
+  app.add_option("DOCUMENTS", options.documents, "folder of documents")->required()->check(CLI::ExistingDirectory);
+  app.add_option("PHOTOS", options.photographs, "folder of photographs")->required()->check(CLI::ExistingDirectory);
+  app.add_option("-o,--output", options.output, "parameter block to write")->required();
+  app.add_option("--variants", options.variants, "variants of each picture to train on")->check(CLI::Range(1, 1000));
+  app.add_option("--threads", options.threads, "threads; the result does not depend on them")
+      ->check(CLI::Range(1, 256));
+  CLI11_PARSE(app, argc, argv);
+
+  if (VIPS_INIT(argv[0]) != 0) throw std::runtime_error(std::string("libvips does not start: ") + vips_error_buffer());
+  vips_concurrency_set(1);  // pictures, not parts of one, are measured side by side
+  Run(options);
+  vips_shutdown();
+  return 0;
+}
+
+}  // namespace
+}  // namespace catalogcore::tools
+
+int main(int argc, char** argv) {
+  try {
+    return catalogcore::tools::RunTool(argc, argv);
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "train_recognizer: %s\n", failure.what());
+  } catch (...) {
+    std::fprintf(stderr, "train_recognizer: failed\n");
+  }
+  return 1;
+}
