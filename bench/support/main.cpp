@@ -1,6 +1,8 @@
 // catalogcore_bench RATIOS.json [Google Benchmark's arguments]
 #include <cstdio>
 
+#include "bench/engines/engines_bench.h"
+#include "bench/scene/reduce_bench.h"
 #include "bench/store/store_bench.h"
 #include "bench/support/ratios.h"
 
@@ -10,6 +12,9 @@ int main(int argc, char** argv) {
     return 2;
   }
   AddStoreRows();
+  AddReduceRows();
+  AddRecognizerRows();
+  AddFaceRows();
   const char* const file = argv[1];
   argv[1] = argv[0];
   return RunRows(argc - 1, argv + 1, file);
