@@ -17,12 +17,12 @@ typedef CFStringRef* IDXSTR;
 typedef uint32_t IDXSTATUS;
 
 enum {
-  IDX_OK = 0,             /* success */
-  IDXERR_FAILED = 1,      /* the library is not initialised; a string cannot be converted, a file not read or written */
-  IDXERR_PARAM = 2,       /* an argument is missing, or is none that can be */
-  IDXERR_MEMORY = 12,     /* memory could not be allocated; also an empty string handed in */
-  IDXERR_DETECTOR = 16,   /* the scene detector's parameter resource could not be opened */
-  IDXERR_IMAGESIZE = 18,  /* the picture is too large for scene detection */
+  IDX_OK = 0,            /* success */
+  IDXERR_FAILED = 1,     /* the library is not initialised; a string cannot be converted, a file not read or written */
+  IDXERR_PARAM = 2,      /* an argument is missing, or is none that can be */
+  IDXERR_MEMORY = 12,    /* memory could not be allocated; also an empty string handed in */
+  IDXERR_DETECTOR = 16,  /* the scene detector's parameter resource could not be opened */
+  IDXERR_IMAGESIZE = 18, /* the picture is too large for scene detection */
   IDXERR_RECOGNIZER = 256, /* this much is added to a failure code of the document-type recognizer, 1 to 255 */
   IDXERR_FACES = 512       /* this much is added to a failure code of the face detector */
 };
@@ -36,13 +36,13 @@ enum {
 
 /* The numbers of the preset indexes that a scene is filed under. */
 enum {
-  IDXPRESET_PHOTO_FACES = 1010000,      /* a photograph that shows faces */
-  IDXPRESET_PHOTO_OTHER = 1090000,      /* any other photograph */
-  IDXPRESET_DOCUMENT_CARD = 2010000,    /* a document of a card's size */
-  IDXPRESET_DOCUMENT_POST = 2020000,    /* of a postcard's, or 4 x 6 inches */
-  IDXPRESET_DOCUMENT_PAGE = 2030000,    /* A5, B5, A4, Letter or Legal */
-  IDXPRESET_DOCUMENT_FIXED = 2040000,   /* as the application said (fixedScene) */
-  IDXPRESET_DOCUMENT_OTHER = 2090000    /* a document of any other size */
+  IDXPRESET_PHOTO_FACES = 1010000,    /* a photograph that shows faces */
+  IDXPRESET_PHOTO_OTHER = 1090000,    /* any other photograph */
+  IDXPRESET_DOCUMENT_CARD = 2010000,  /* a document of a card's size */
+  IDXPRESET_DOCUMENT_POST = 2020000,  /* of a postcard's, or 4 x 6 inches */
+  IDXPRESET_DOCUMENT_PAGE = 2030000,  /* A5, B5, A4, Letter or Legal */
+  IDXPRESET_DOCUMENT_FIXED = 2040000, /* as the application said (fixedScene) */
+  IDXPRESET_DOCUMENT_OTHER = 2090000  /* a document of any other size */
 };
 
 /*

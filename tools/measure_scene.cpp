@@ -1,24 +1,25 @@
 // measure_scene DOCUMENTS PHOTOS [--cross-validate] [--faces FACES.csv]: how well IDXDetectScene tells documents from
 // photographs, and photographs with faces from those without.
-#include <vips/vips.h>
-
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
-#include <exception>
 #include <fstream>
+#include <iterator>
 #include <map>
+#include <new>
 #include <set>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "engines/brenn/parameter_block.h"
 #include "scene/detect_scene.h"
 #include "tools/model_training.h"
 #include "tools/picture_variants.h"
+#include "tools/tool_main.h"
 #include "tools/training_data.h"
 
 namespace catalogcore::tools {
@@ -172,7 +173,11 @@ void Run(const Options& options) {
   table.Print();
 }
 
-int RunTool(int argc, char** argv) {
+}  // namespace
+}  // namespace catalogcore::tools
+
+int main(int argc, char** argv) {
+  using namespace catalogcore::tools;
   Options options;
   CLI::App app("Measures how well IDXDetectScene decides labelled pictures.");
   app.add_option("DOCUMENTS", options.documents, "folder of documents")->required()->check(CLI::ExistingDirectory);
@@ -181,24 +186,5 @@ int RunTool(int argc, char** argv) {
                "decide each picture by a recognizer trained without its source, not by the library's own");
   app.add_option("--faces", options.faces, "measure the face detector on the photographs that this file labels")
       ->check(CLI::ExistingFile);
-  CLI11_PARSE(app, argc, argv);
-  if (VIPS_INIT(argv[0]) != 0) throw std::runtime_error(std::string("libvips does not start: ") + vips_error_buffer());
-  vips_concurrency_set(1);
-  Run(options);
-  vips_shutdown();
-  return 0;
-}
-
-}  // namespace
-}  // namespace catalogcore::tools
-
-int main(int argc, char** argv) {
-  try {
-    return catalogcore::tools::RunTool(argc, argv);
-  } catch (const std::exception& failure) {
-    std::fprintf(stderr, "measure_scene: %s\n", failure.what());
-  } catch (...) {
-    std::fprintf(stderr, "measure_scene: failed\n");
-  }
-  return 1;
+  return RunTool(app, argc, argv, [&options] { Run(options); });
 }

@@ -1,11 +1,7 @@
 // train_recognizer DOCUMENTS PHOTOS -o brennparam.dat: makes the recognizer's parameter block from two folders of
 // pictures. The same folders give the same bytes.
-#include <vips/vips.h>
-
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
-#include <exception>
 #include <fstream>
 #include <stdexcept>
 #include <string>
@@ -14,6 +10,7 @@
 
 #include "engines/brenn/parameter_block.h"
 #include "tools/model_training.h"
+#include "tools/tool_main.h"
 #include "tools/training_data.h"
 
 namespace catalogcore::tools {
@@ -39,7 +36,11 @@ void Run(const Options& options) {
   WriteBlock(TrainingExamples(pictures, MeasureVariants(pictures, options.variants, options.threads)), options.output);
 }
 
-int RunTool(int argc, char** argv) {
+}  // namespace
+}  // namespace catalogcore::tools
+
+int main(int argc, char** argv) {
+  using namespace catalogcore::tools;
   Options options;
   CLI::App app("Trains the document-type recognizer from a folder of documents and one of photographs.");
   app.add_option("DOCUMENTS", options.documents, "folder of documents")->required()->check(CLI::ExistingDirectory);
@@ -48,25 +49,5 @@ int RunTool(int argc, char** argv) {
   app.add_option("--variants", options.variants, "variants of each picture to train on")->check(CLI::Range(1, 1000));
   app.add_option("--threads", options.threads, "threads; the result does not depend on them")
       ->check(CLI::Range(1, 256));
-  CLI11_PARSE(app, argc, argv);
-
-  if (VIPS_INIT(argv[0]) != 0) throw std::runtime_error(std::string("libvips does not start: ") + vips_error_buffer());
-  vips_concurrency_set(1);  // pictures, not parts of one, are measured side by side
-  Run(options);
-  vips_shutdown();
-  return 0;
-}
-
-}  // namespace
-}  // namespace catalogcore::tools
-
-int main(int argc, char** argv) {
-  try {
-    return catalogcore::tools::RunTool(argc, argv);
-  } catch (const std::exception& failure) {
-    std::fprintf(stderr, "train_recognizer: %s\n", failure.what());
-  } catch (...) {
-    std::fprintf(stderr, "train_recognizer: failed\n");
-  }
-  return 1;
+  return RunTool(app, argc, argv, [&options] { Run(options); });
 }

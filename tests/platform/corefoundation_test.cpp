@@ -96,4 +96,22 @@ TEST(CFURL, KeepsPathsAndResolvesRelativeOnes) {
   CFRelease(relative);
 }
 
+TEST(CFBundle, IsAFolderBesideTheLibraryAndNeverFreed) {
+  for (const char* identifier : {"org.catalogcore.missing", "", ".", "..", "../share/org.catalogcore.library"}) {
+    const CFStringRef name = Make(identifier);
+    EXPECT_EQ(CFBundleGetBundleWithIdentifier(name), nullptr) << identifier;
+    CFRelease(name);
+  }
+  const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(CFSTR("org.catalogcore.library"));
+  ASSERT_NE(bundle, nullptr);
+  for (int i = 0; i < 3; ++i) CFRelease(bundle);
+  EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("org.catalogcore.library")), bundle);
+  const CFURLRef url = CFBundleCopyResourceURL(bundle, CFSTR("brennparam"), CFSTR("dat"), nullptr);
+  ASSERT_NE(url, nullptr);
+  CFRelease(url);
+  EXPECT_EQ(CFBundleCopyResourceURL(bundle, CFSTR("brennparam"), nullptr, nullptr), nullptr);
+  EXPECT_EQ(CFBundleCopyResourceURL(bundle, CFSTR("brennparam"), CFSTR("dat"), CFSTR("sub")), nullptr);
+  EXPECT_EQ(CFSTR("a"), CFSTR("a"));
+}
+
 }  // namespace
