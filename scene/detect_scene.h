@@ -29,7 +29,7 @@ enum SceneValue : std::int32_t {
   kPhotoSmall = 99,  // below 50 pixels on a side
 };
 
-// REQUIRES of everything but the constructor, the destructor and Region: the caller holds Region.
+// REQUIRES: DetectScene's caller holds Region; no other thread uses the detector while one of the rest runs.
 class CDetectScene {
  public:
   CDetectScene();

@@ -70,8 +70,8 @@ IDXSTATUS CIDXImage::SetImageData(const IDXDSDATA* data) {
 // Whether rowBytes x height bytes can be, and hold every byte of every pixel. The depth itself may be
 // anything.
 bool CIDXImage::DescribesBytes() const {
-  return width >= 0 && height > 0 && rowBytes > 0 && std::int64_t{rowBytes} * height == bufferSize &&
-         std::int64_t{width} * bytesPerPixel <= rowBytes;
+  return width >= 0 && height > 0 && rowBytes > 0 && bitsPerPixel >= 0 &&
+         std::int64_t{rowBytes} * height == bufferSize && std::int64_t{width} * bytesPerPixel <= rowBytes;
 }
 
 IDXSTATUS CIDXImage::SetImageBuffer(const void* source) {

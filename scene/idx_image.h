@@ -26,12 +26,14 @@ class CIDXImage {
   // Takes over the description of a picture, not its pixels; the pixels held stay. Returns IDX_OK.
   IDXSTATUS SetImageData(const IDXDSDATA* data);
 
-  // The operations below fill the image from `source`, the rowBytes x height bytes that the description speaks of. They
-  // return IDX_OK         the image holds its own pixels; IDXERR_PARAM   `source` is null, or the described bytes
-  // cannot be: width, height or rowBytes is negative, a row is shorter than its pixels, there is no byte at all, or
-  // there are more than 2^31 - 1. Nothing changed; IDXERR_MEMORY  no memory; the image holds no pixels and its
-  // description is unchanged. REQUIRES: the image holds no pixels. (If it does, they are released and replaced;
-  // `source` may even be they.)
+  // The operations below fill the image from `source`, the rowBytes x height bytes that the description speaks of:
+  // - IDX_OK: the image holds its own pixels.
+  // - IDXERR_PARAM: `source` is null, or the described bytes cannot be (width, height, rowBytes or depth is negative, a
+  //   row is shorter than its pixels, there is no byte at all, or there are more than 2^31 - 1, also of the reduced
+  //   picture). Nothing changed.
+  // - IDXERR_MEMORY: no memory. The image holds no pixels and its description is unchanged.
+  //
+  // REQUIRES: the image holds no pixels. (If it does, they are released and replaced; `source` may even be they.)
 
   // The bytes as they are.
   IDXSTATUS SetImageBuffer(const void* source);

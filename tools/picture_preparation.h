@@ -31,8 +31,7 @@ struct PreparedPicture {
 IDXDSDATA RecordOf(const SourcePicture& source);
 
 // Reduced toward 75 dots per inch where the resolution allows, through the tone curve, with the record filled.
-// Throws std::bad_alloc, or
-// std::runtime_error when the sizes contradict each other.
+// Throws std::bad_alloc, or std::runtime_error when the sizes contradict each other.
 PreparedPicture PreparePicture(const SourcePicture& source);
 
 }  // namespace catalogcore::tools

@@ -30,7 +30,7 @@ enum class Fault : std::int32_t {
   kBlockTag = 21,       // does not start with "SGIPPDEF"
   kBlockSize = 22,      // its own size is not the size handed in
   kBlockVersion = 23,   // a version of the layout that this engine does not know
-  kBlockCounts = 24,    // made for other features, or the counts do not give the size
+  kBlockCounts = 24,    // made for other features, or names one that there is not, or the counts do not give the size
   kBlockChecksum = 25,  // damaged
   kBlockNumber = 26,    // holds a number that is not finite, or a scale that is not positive
 

@@ -1,5 +1,5 @@
 // The numbers that describe a picture to the model. All but the size are shares, ratios or bounded means, so that
-// pictures of any size compare; none depends on the order of the three samples or on how the picture lies on the page.
+// pictures of any size compare; none depends on the order of the three samples, and hardly any on a turn of the page by a quarter.
 #ifndef CATALOGCORE_ENGINES_BRENN_FEATURES_H_
 #define CATALOGCORE_ENGINES_BRENN_FEATURES_H_
 

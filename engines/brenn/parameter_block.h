@@ -1,11 +1,19 @@
 // The parameter block: the model as bytes. All numbers are stored least significant byte first, floating-point ones as
 // IEEE 754 single precision.
 //
-// bytes      content 0..7       "SGIPPDEF" 8..11      version of this layout, kBlockVersion 12..15     size of the
-// whole block in bytes 16..19     check sum of bytes 20 to the end: CRC-32 as of IEEE 802.3 20..21     number of
-// features F, which is kFeatureCount 22..23     number of terms T 24..25     number of limits L 26..27     0 28..31
-// bias then       F x (mean, scale) then       T x (first feature, second feature or 0xFFFF, weight): 2 + 2 + 4 bytes
-// then       L x (feature, 0, limit): 2 + 2 + 4 bytes
+// bytes    content
+// 0..7     "SGIPPDEF"
+// 8..11    version of this layout, kBlockVersion
+// 12..15   size of the whole block in bytes
+// 16..19   check sum of bytes 20 to the end: CRC-32 as of IEEE 802.3
+// 20..21   number of features F, which is kFeatureCount
+// 22..23   number of terms T
+// 24..25   number of limits L
+// 26..27   0
+// 28..31   bias
+// then     F x (mean, scale)
+// then     T x (first feature, second feature or 0xFFFF, weight): 2 + 2 + 4 bytes
+// then     L x (feature, 0, limit): 2 + 2 + 4 bytes
 #ifndef CATALOGCORE_ENGINES_BRENN_PARAMETER_BLOCK_H_
 #define CATALOGCORE_ENGINES_BRENN_PARAMETER_BLOCK_H_
 

@@ -22,7 +22,7 @@ struct __CFBundle final : catalogcore::cf::Object {
 namespace {
 
 // From where this very library lies, so that an installation may be moved. Empty if that cannot be told.
-fs::path DataFolder() {
+fs::path FindDataFolder() {
   Dl_info library{};
   if (!dladdr(reinterpret_cast<const void*>(&CFBundleGetBundleWithIdentifier), &library)) return {};
   std::error_code error;
@@ -37,7 +37,8 @@ bool IsFolderName(const std::string& name) {
 CFBundleRef FindBundle(const std::string& identifier) {
   static std::mutex mutex;
   static auto& bundles = *new std::map<std::string, CFBundleRef>;  // lasts as long as what it holds
-  const fs::path folder = DataFolder() / identifier;
+  static const fs::path dataFolder = FindDataFolder();             // once: the current folder may change
+  const fs::path folder = dataFolder / identifier;
   std::error_code error;
   if (!fs::is_directory(folder, error)) return nullptr;
   const std::lock_guard lock(mutex);

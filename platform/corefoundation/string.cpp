@@ -3,6 +3,7 @@
 #include <limits>
 #include <map>
 #include <mutex>
+#include <new>
 
 #include "platform/corefoundation/string_object.h"
 #include "platform/corefoundation/utf8.h"
@@ -44,6 +45,15 @@ Position Advance(std::string_view text, Position from, CFIndex unit, std::size_t
   return from;
 }
 
+CFStringRef ConstantString(const char* text) {
+  static std::mutex mutex;
+  static auto& strings = *new std::map<std::string, CFStringRef>;  // lasts as long as what it holds
+  const std::lock_guard lock(mutex);
+  CFStringRef& string = strings[text];
+  if (!string) string = catalogcore::cf::CreateString(text, catalogcore::cf::Lifetime::kForever);
+  return string;
+}
+
 }  // namespace
 
 CFTypeID CFStringGetTypeID() { return static_cast<CFTypeID>(catalogcore::cf::Kind::kString); }
@@ -54,12 +64,11 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFString
 }
 
 CFStringRef __CFStringMakeConstantString(const char* text) {
-  static std::mutex mutex;
-  static auto& strings = *new std::map<std::string, CFStringRef, std::less<>>;  // lasts as long as what it holds
-  const std::lock_guard lock(mutex);
-  const auto found = strings.find(std::string_view(text));
-  if (found != strings.end()) return found->second;
-  return strings.emplace(text, catalogcore::cf::CreateString(text, catalogcore::cf::Lifetime::kForever)).first->second;
+  try {
+    return ConstantString(text);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }
 
 CFIndex CFStringGetLength(CFStringRef string) { return string->utf16Length; }

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
 
 namespace {
 
@@ -66,34 +65,6 @@ TEST(CFString, ConvertsRangesOfUTF16UnitsByWholeCharacters) {
   EXPECT_STREQ(text, "?");
   EXPECT_TRUE(CFStringGetCString(string, text, 9, kCFStringEncodingUTF8));
   CFRelease(string);
-}
-
-TEST(CFBase, CountsReferencesFromEveryThread) {
-  const CFStringRef string = Make("shared");
-  std::thread threads[4];
-  for (std::thread& thread : threads) {
-    thread = std::thread([string] {
-      for (int n = 0; n < 10000; ++n) CFRelease(CFRetain(string));
-      CFRetain(string);
-    });
-  }
-  for (std::thread& thread : threads) thread.join();
-  EXPECT_EQ(CFGetRetainCount(string), 5);
-  for (int i = 0; i < 5; ++i) CFRelease(string);
-}
-
-TEST(CFURL, KeepsPathsAndResolvesRelativeOnes) {
-  const CFStringRef relative = Make("pictures/a.jpg/");
-  const CFURLRef url = CFURLCreateWithFileSystemPath(nullptr, relative, kCFURLPOSIXPathStyle, false);
-  UInt8 path[4096];
-  ASSERT_TRUE(CFURLGetFileSystemRepresentation(url, true, path, sizeof path));
-  EXPECT_EQ(path[0], '/');
-  EXPECT_FALSE(CFURLGetFileSystemRepresentation(url, false, path, 15));
-  const CFStringRef copied = CFURLCopyFileSystemPath(url, kCFURLPOSIXPathStyle);
-  EXPECT_EQ(CFStringGetLength(copied), 14);
-  CFRelease(copied);
-  CFRelease(url);
-  CFRelease(relative);
 }
 
 TEST(CFBundle, IsAFolderBesideTheLibraryAndNeverFreed) {

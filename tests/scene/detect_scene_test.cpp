@@ -3,6 +3,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <chrono>
+#include <cmath>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -45,6 +49,7 @@ class DetectSceneTest : public testing::Test {
   }
   ~DetectSceneTest() override {
     EXPECT_EQ(fakeEngines.blocksHeld, 0);
+    EXPECT_TRUE(fakeEngines.zeroed);
     dsScene = nullptr;
   }
 
@@ -75,11 +80,17 @@ TEST_F(DetectSceneTest, HintsAndSizesDecideInTheirOrder) {
   Expect(with([](IDXDSDATA& r) { r.typeHint = 1, r.photoHint = 3, r.photoKind = 3; }), IDX_OK, 2030000, "");
   Expect(with([](IDXDSDATA& r) { r.typeHint = 2, r.photoKind = 1; }), IDX_OK, 1090000, "");
   Expect(with([](IDXDSDATA& r) { r.photoHint = 3; }), IDX_OK, 1090000, "IBDUFF");
+  Expect(with([](IDXDSDATA& r) { r.photoKind = 1; }), IDX_OK, 1090000, "");
   Expect(with([](IDXDSDATA& r) { r.photoKind = 2; }), IDX_OK, 1090000, "IBDUFF");
   Expect(with([](IDXDSDATA& r) { r.photoKind = 3; }), IDX_OK, 1090000, "");
   // Without pixels, or with sizes that cannot be, only the hints are left.
   Expect(with([](IDXDSDATA& r) { r.pixels = nullptr; }), IDX_OK, -1, "");
   Expect(with([](IDXDSDATA& r) { r.rowBytes = 599; }), IDX_OK, -1, "");
+  Expect(with([](IDXDSDATA& r) { r.bitsPerPixel = -24, r.resolution = 300; }), IDX_OK, -1, "");
+  // The smallest and the largest side that are looked at.
+  IDXDSDATA edge = Picture(50, 4096).record;
+  edge.pixels = nullptr;
+  Expect(edge, IDX_OK, -1, "");
   Expect(with([](IDXDSDATA& r) { r.rowBytes = -604, r.photoHint = 3; }), IDX_OK, -1, "");
   Expect(with([](IDXDSDATA& r) { r.pixels = nullptr, r.typeHint = 1; }), IDX_OK, 2030000, "");
   Expect(with([](IDXDSDATA& r) { r.photoKind = 4, r.typeHint = 3, r.photoHint = 1; }), IDX_OK, 1090000, "RIBDUFF");
@@ -100,7 +111,8 @@ TEST_F(DetectSceneTest, RecognizerGetsTheReducedCopyAndItsRecord) {
   for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(field(2 * i, two), words[i]) << i;
   const int fields[] = {207, 624, 156, 75, 75, 14, 14, 179, 128};
   for (std::size_t i = 0; i < 9; ++i) EXPECT_EQ(field(12 + 4 * i, four), fields[i]) << i;
-  EXPECT_EQ(field(48, two) * field(50, two), 256);
+  EXPECT_EQ(field(48, two), 16);
+  EXPECT_EQ(field(50, two), 16);
   EXPECT_EQ(fakeEngines.recognized[620], ka1DLUT[100]);
   EXPECT_EQ(fakeEngines.recognized[621], 0);  // padding
   std::uint32_t size = 0;
@@ -141,8 +153,14 @@ TEST_F(DetectSceneTest, RecognizersWordAndFailureDecide) {
     fakeEngines.recognizeWord = static_cast<std::uint16_t>(word);
     Expect(picture.record, IDX_OK, preset, preset == 2030000 ? "R" : "RIBDUFF");
   }
+  fakeEngines.writesWord = false;
+  Expect(picture.record, IDX_OK, 1090000, "RIBDUFF");
   fakeEngines.recognizeResult = 5;
   Expect(picture.record, 261, -1, "R");
+  fakeEngines.recognizeResult = -3;
+  Expect(picture.record, 253, -1, "R");
+  detector_.InitializeWith(CDetectScene::ParameterBlock(static_cast<unsigned char*>(std::malloc(1))), 0);
+  Expect(picture.record, IDXERR_DETECTOR, -1, "");
   detector_.Uninitialize();
   Expect(picture.record, IDXERR_DETECTOR, -1, "");
 }
@@ -168,6 +186,22 @@ TEST_F(DetectSceneTest, FaceDetectorGetsTheFullCopyAndIsReleasedOnEveryPath) {
   std::thread([this] { const RegionGuard free(detector_.Region()); }).join();  // or this would wait for ever
 }
 
+TEST_F(DetectSceneTest, OneDetectionAtATime) {
+  const Picture picture(200, 150);
+  std::atomic<bool> hasEntered = false;
+  std::thread other;
+  fakeEngines.recognizing = [&] {
+    other = std::thread([&] {
+      const RegionGuard region(detector_.Region());
+      hasEntered = true;
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_FALSE(hasEntered);
+  };
+  Expect(picture.record, IDX_OK, 1090000, "RIBDUFF");
+  other.join();
+}
+
 TEST_F(DetectSceneTest, WithoutMemoryOrDetectorOrRecord) {
   const Picture picture(200, 150, 24, 300);
   for (const int failing : {0, 1}) {  // the copy of the pixels, and the reduced one
@@ -183,29 +217,32 @@ TEST_F(DetectSceneTest, WithoutMemoryOrDetectorOrRecord) {
 }
 
 TEST_F(DetectSceneTest, PaperIsToldBySizeOrProportions) {
-  const struct {
-    int width, height, resolution, preset;
-  } cases[] = {
-      {2480, 3508, 300, 2030000},  // A4
-      {3508, 2480, 300, 2030000},
-      {650, 1075, 300, 2010000},   // card
-      {1181, 1748, 300, 2020000},  // postcard
-      {1000, 1000, 100, 2030000},  // as far from Letter as may be
-      {1000, 1000, 300, 2090000},
-      {1200, 1800, 0, 2020000},  // 4 x 6 by its ratio
-      {1654, 1000, -1, 2010000},
-      {1000, 1453, 0, 2020000},  // between B5, A5 and postcard, by its ratio nearest to the last
-      {1000, 1000, 0, 2090000},
-  };
-  for (const auto& [width, height, resolution, preset] : cases) {
+  const auto paper = [this](int width, int height, int resolution) {
     IDXDSDATA record{};
     record.width = width;
     record.height = height;
     record.resolution = resolution;
     record.typeHint = 1;
-    EXPECT_EQ(IDXDetectScene(&record), IDX_OK);
-    EXPECT_EQ(record.presetIndex, preset) << width << " x " << height << " at " << resolution;
+    std::int32_t sceneClass = 0, value = 0;
+    EXPECT_EQ(detector_.DetectScene(&record, sceneClass, value), IDX_OK);
+    EXPECT_EQ(sceneClass, 1);
+    return value;
+  };
+  const double inches[][2] = {{2.16, 3.58},  {3.93, 5.82},  {4, 6},    {5.82, 8.26},
+                              {7.16, 10.11}, {8.26, 11.69}, {8.5, 11}, {8.5, 14}};
+  const double ratios[] = {1.654, 1.48, 1.5, 1.419, 1.412, 1.415, 1.294, 1.647};
+  for (int i = 0; i < 8; ++i) {
+    const auto pixels = [](double length) { return static_cast<int>(std::lround(length)); };
+    const int shortSide = pixels(inches[i][0] * 250), longSide = pixels(inches[i][1] * 250);
+    EXPECT_EQ(paper(shortSide, longSide, 250), i);
+    EXPECT_EQ(paper(longSide, shortSide, 250), i);
+    EXPECT_EQ(paper(1000, pixels(ratios[i] * 1000), i - 7), i);  // no resolution is above 0
   }
+  EXPECT_EQ(paper(1000, 1000, 100), 6);  // as far from Letter as may be
+  EXPECT_EQ(paper(1000, 1000, 300), 99);
+  EXPECT_EQ(paper(1000, 1000, 0), 99);
+  EXPECT_EQ(paper(1000, 1860, 0), 99);
+  EXPECT_EQ(paper(-1000, 1414, 0), -1);
   for (const auto& [value, preset] :
        {std::pair{-2, 2090000}, {3, 2030000}, {7, 2030000}, {8, 2090000}, {11, 2090000}}) {
     EXPECT_EQ(ConvertScenetoIndex(1, value), preset) << value;
@@ -233,11 +270,10 @@ TEST(ParameterResource, TakesWhatHasTheTagAtTheSizeItStates) {
   EXPECT_EQ(read("", 0), "none");
   {
     std::ofstream(path, std::ios::binary) << header;
-    const FailingAllocation noMemory(1);  // the first is the file's own buffer
+    const FailingAllocation noMemory(0);
     std::uint32_t size = 0;
-    unsigned char* const block = ReadParamFile(path.c_str(), &size);
-    std::free(block);
-    EXPECT_EQ(size, 20u);
+    EXPECT_EQ(ReadParamFile(path.c_str(), &size), nullptr);
+    EXPECT_EQ(size, 20u);  // as the header has it
   }
   std::filesystem::remove(path);
   std::uint32_t size = 99;

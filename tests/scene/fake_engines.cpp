@@ -1,5 +1,6 @@
 #include "tests/scene/fake_engines.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -16,6 +17,11 @@ std::vector<std::uint8_t> Copy(const void* bytes, std::size_t count) {
   return {first, first + count};
 }
 
+void ExpectZero(const void* bytes, std::size_t count) {
+  const std::vector<std::uint8_t> given = Copy(bytes, count);
+  fakeEngines.zeroed &= std::count(given.begin(), given.end(), 0) == static_cast<std::ptrdiff_t>(count);
+}
+
 void* HandOut() {
   ++fakeEngines.blocksHeld;
   return std::malloc(1);
@@ -23,8 +29,9 @@ void* HandOut() {
 
 }  // namespace
 
-std::int32_t DocumentTypeRecognize(std::int32_t, const char* caller, const unsigned char* record, const void* pixels,
-                                   unsigned char* result, std::uint32_t paramSize, const void* paramData) {
+std::int32_t DocumentTypeRecognize(std::int32_t reserved, const char* caller, const unsigned char* record,
+                                   const void* pixels, unsigned char* result, std::uint32_t paramSize,
+                                   const void* paramData) {
   fakeEngines.calls += 'R';
   fakeEngines.caller = caller;
   fakeEngines.record = Copy(record, kBrennRecordSize);
@@ -33,7 +40,10 @@ std::int32_t DocumentTypeRecognize(std::int32_t, const char* caller, const unsig
   std::memcpy(&height, record + kBrennHeight, sizeof height);
   fakeEngines.recognized = Copy(pixels, std::size_t{stride} * height);
   fakeEngines.block = Copy(paramData, paramSize);
-  std::memcpy(result, &fakeEngines.recognizeWord, sizeof fakeEngines.recognizeWord);
+  fakeEngines.zeroed &= reserved == 0;
+  ExpectZero(result, sizeof(std::uint16_t));
+  if (fakeEngines.writesWord) std::memcpy(result, &fakeEngines.recognizeWord, sizeof fakeEngines.recognizeWord);
+  if (fakeEngines.recognizing) fakeEngines.recognizing();
   return fakeEngines.recognizeResult;
 }
 
@@ -45,6 +55,7 @@ std::int32_t Orlo_Initialize() {
 std::int32_t Orlo_SetBitmap(OrloContext* context, std::int32_t bitsPerPixel, std::int32_t width, std::int32_t height,
                             std::int32_t negatedStride, const void* pixels) {
   fakeEngines.calls += 'B';
+  ExpectZero(context, sizeof *context);
   context->memory = HandOut();
   fakeEngines.bitsPerPixel = bitsPerPixel;
   fakeEngines.width = width;
@@ -56,6 +67,7 @@ std::int32_t Orlo_SetBitmap(OrloContext* context, std::int32_t bitsPerPixel, std
 
 std::int32_t Orlo_DetectFacePosition(OrloContext*, OrloFaceList* list) {
   fakeEngines.calls += 'D';
+  ExpectZero(list, sizeof *list);
   list->faces = HandOut();
   list->count = fakeEngines.faces;
   if (fakeEngines.throws) throw std::bad_alloc();

@@ -1,8 +1,6 @@
 #include "scene/idx_image.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -20,27 +18,18 @@
 
 namespace {
 
-// Bytes that end where memory ends: reading one more is a crash.
-class GuardedBytes {
+// Random bytes; the sanitized build sees every read beyond them.
+class RandomBytes {
  public:
-  explicit GuardedBytes(std::size_t size, unsigned seed = 1) : page_(static_cast<std::size_t>(sysconf(_SC_PAGESIZE))) {
-    room_ = (size + page_ - 1) / page_ * page_;
-    base_ = static_cast<std::uint8_t*>(
-        mmap(nullptr, room_ + page_, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
-    if (base_ == MAP_FAILED || mprotect(base_ + room_, page_, PROT_NONE) != 0) std::abort();
-    first_ = base_ + (room_ - size);
+  explicit RandomBytes(std::size_t size, unsigned seed = 1) : bytes_(size) {
     std::minstd_rand random(seed);
-    for (std::size_t i = 0; i < size; ++i) first_[i] = static_cast<std::uint8_t>(random() >> 8);
+    for (std::uint8_t& byte : bytes_) byte = static_cast<std::uint8_t>(random() >> 8);
   }
-  GuardedBytes(const GuardedBytes&) = delete;
-  GuardedBytes& operator=(const GuardedBytes&) = delete;
-  ~GuardedBytes() { munmap(base_, room_ + page_); }
-
-  std::uint8_t* data() const { return first_; }
+  const std::uint8_t* data() const { return bytes_.data(); }
+  std::uint8_t* data() { return bytes_.data(); }
 
  private:
-  std::size_t page_, room_;
-  std::uint8_t *base_, *first_;
+  std::vector<std::uint8_t> bytes_;
 };
 
 IDXDSDATA Record(std::int32_t width, std::int32_t height, std::int32_t rowBytes, std::int32_t bits,
@@ -98,14 +87,10 @@ TEST(ToneCurve, IsGammaOnePointEightRounded) {
   for (std::size_t i = 0; i < 256; ++i) {
     EXPECT_EQ(ka1DLUT[i], std::floor(255 * std::pow(static_cast<double>(i) / 255, 1.8) + 0.5)) << i;
   }
-  using Entry = std::pair<std::size_t, int>;
-  for (const auto& [i, value] : {Entry{7, 0}, {8, 1}, {14, 1}, {15, 2}, {64, 21}, {128, 74}, {192, 153}, {255, 255}}) {
-    EXPECT_EQ(ka1DLUT[i], value) << i;
-  }
 }
 
 TEST(CIDXImage, TakesOverTheDescriptionAndCopiesItWithoutPixels) {
-  const GuardedBytes source(15000);
+  const RandomBytes source(15000);
   CIDXImage image = Described(Record(100, 50, 300, 24, 72));
   EXPECT_EQ(image.SetImageBuffer(source.data()), IDX_OK);
   const CIDXImage copy = image;
@@ -123,7 +108,7 @@ TEST(CIDXImage, CopiesOfEveryDepth) {
     for (const int padding : {0, 1, 5, 300}) {
       const IDXDSDATA record = Record(67, 9, 67 * (bits / 8) + padding + (bits < 8), bits);
       const std::size_t size = Size(record.rowBytes * record.height);
-      const GuardedBytes source(size);
+      const RandomBytes source(size);
       CIDXImage plain = Described(record), curved = plain;
       ASSERT_EQ(plain.SetImageBuffer(source.data()), IDX_OK);
       ASSERT_EQ(curved.SetImageBufferWithGammaTransfer(source.data()), IDX_OK);
@@ -141,7 +126,7 @@ TEST(CIDXImage, ReducesAsTheBytewiseAverageDoes) {
       const int width = factor * (50 + below(90)) + below(static_cast<unsigned>(factor));
       const int height = factor * (50 + below(4)) + below(static_cast<unsigned>(factor));
       const IDXDSDATA record = Record(width, height, width * (bits / 8) + 1 + below(40), bits, 75 * factor + below(75));
-      const GuardedBytes source(Size(record.rowBytes * height), static_cast<unsigned>(bits * factor));
+      const RandomBytes source(Size(record.rowBytes * height), static_cast<unsigned>(bits * factor));
       for (const int gamma : {0, 1, 2}) {
         SCOPED_TRACE(testing::Message() << bits << " bits by " << factor << ", gamma " << gamma);
         CIDXImage image = Described(record);
@@ -160,7 +145,7 @@ TEST(AverageBlocks, HugeBlocksAndPixels) {
   for (const auto& [factor, bytes] :
        {Case{257, 1}, {257, 3}, {258, 1}, {400, 3}, {926, 1}, {2, 512}, {2, 513}, {5, 999}}) {
     const IDXDSDATA record = Record(3 * factor, 2 * factor, 3 * factor * bytes, 8 * bytes);
-    const GuardedBytes source(Size(record.rowBytes * record.height));
+    RandomBytes source(Size(record.rowBytes * record.height));
     std::fill_n(source.data(), Size(factor) * Size(record.rowBytes), std::uint8_t{255});
     const std::int32_t rowBytes = (3 * bytes + 3) / 4 * 4;
     std::vector<std::uint8_t> target(Size(2 * rowBytes), 1);
@@ -190,7 +175,7 @@ TEST(CIDXImage, ReducesTowardsTheTargetDownTo50Pixels) {
                         {400, 400, kMost, 1, 400, 400, 1200, kMost}}) {
     SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << " at " << c.resolution);
     const IDXDSDATA record = Record(c.width, c.height, 3 * c.width, 24, c.resolution);
-    const GuardedBytes source(Size(record.rowBytes * record.height));
+    const RandomBytes source(Size(record.rowBytes * record.height));
     CIDXImage image = Described(record), plain = image;
     ASSERT_EQ(image.SetImageBufferWithResolution(source.data(), c.target, 1), IDX_OK);
     EXPECT_EQ(std::tie(image.width, image.height, image.rowBytes, image.resolution, image.bufferSize),
@@ -204,7 +189,7 @@ TEST(CIDXImage, ReducesTowardsTheTargetDownTo50Pixels) {
 
 TEST(CIDXImage, RefusesWhatCannotBeWithoutReadingIt) {
   constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-  const GuardedBytes none(0);
+  const RandomBytes none(1);
   for (const IDXDSDATA& record :
        {Record(-400, 400, 1200, 24, 300), Record(400, -400, 1200, 24, 300), Record(400, 400, -1200, 24, 300),
         Record(400, -400, -1200, 24, 300), Record(400, 400, 1199, 24, 300), Record(400, 400, 399, 8, 300),
@@ -231,7 +216,7 @@ TEST(CIDXImage, RefusesWhatCannotBeWithoutReadingIt) {
 
 TEST(CIDXImage, FilledAgainItReleasesItsOwnPixels) {
   const IDXDSDATA record = Record(120, 110, 360, 24, 150);
-  const GuardedBytes source(Size(record.rowBytes * record.height));
+  const RandomBytes source(Size(record.rowBytes * record.height));
   CIDXImage image = Described(record);
   ASSERT_EQ(image.SetImageBuffer(source.data()), IDX_OK);
   ASSERT_EQ(image.SetImageBuffer(image.pixels.get()), IDX_OK);
@@ -240,7 +225,7 @@ TEST(CIDXImage, FilledAgainItReleasesItsOwnPixels) {
 }
 
 TEST(CIDXImage, WithoutMemoryHoldsNoPixelsAndKeepsItsDescription) {
-  const GuardedBytes source(300 * 900);
+  const RandomBytes source(300 * 900);
   CIDXImage image = Described(Record(300, 300, 900, 24, 150));
   using Fill = IDXSTATUS (*)(CIDXImage&, const void*);
   for (const Fill fill : {Fill([](CIDXImage&i, const void*s) { return i.SetImageBuffer(s); }),
