@@ -1,0 +1,30 @@
+// Index numbers and the paths of the cells that they stand for: 1100000 is 1/10.
+//
+// A number packs the groups of a path from the top down, `digits` decimal digits for each group but the first, for four
+// levels; levels that the path lacks are 0. -1 is the root ".".
+#ifndef CATALOGCORE_API_INDEX_NUMBER_H_
+#define CATALOGCORE_API_INDEX_NUMBER_H_
+
+#include "base/idx_string.h"
+
+inline constexpr int kIndexLevels = 4;
+inline constexpr int kIndexDigits = 2;
+inline constexpr int kRootNumber = -1;
+inline constexpr int kFirstIndexNumber = 1000000;  // and below kEndIndexNumber
+inline constexpr int kEndIndexNumber = 100000000;
+
+// Whether a number stands for an index other than the root.
+constexpr bool IsIndexNumber(int number) { return number >= kFirstIndexNumber && number < kEndIndexNumber; }
+
+// The path of a number; a group of 0 ends it, whatever follows. Negative when the number is out of range (`path` is
+// then unchanged) or there is no memory.
+int ConvertINTtoPath(CIDXString& path, int number, int digits);
+
+// The number of a path. What is no number counts as 0, and groups are not checked for their range, so that the result
+// may lie outside that of index numbers; it wraps in 32 bits. Returns the last group's value.
+int ConvertPathtoINT(int& number, const CIDXString& path, int levels, int digits);
+
+// The number behind the last "/", or of the whole text.
+int GetLastIndexTag(const char* path);
+
+#endif  // CATALOGCORE_API_INDEX_NUMBER_H_
