@@ -2,17 +2,12 @@
 #ifndef CATALOGCORE_API_FIND_H_
 #define CATALOGCORE_API_FIND_H_
 
-#include <cstdlib>
-#include <memory>
-
 #include "api/catalogue.h"
+#include "base/heap_block.h"
 #include "base/region_guard.h"
 #include "store/search_handle.h"
 
-struct FreeHandle {
-  void operator()(SearchHandle* handle) const { std::free(handle); }
-};
-using OwnedHandle = std::unique_ptr<SearchHandle, FreeHandle>;
+using OwnedHandle = HeapBlock<SearchHandle>;
 
 // A handle of zeros; null without memory.
 inline OwnedHandle NewHandle() { return OwnedHandle(static_cast<SearchHandle*>(std::calloc(1, sizeof(SearchHandle)))); }

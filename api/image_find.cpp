@@ -44,6 +44,6 @@ IDXSTATUS IDXFindNextImage(IDXFIND find, IDXITEM* item) {
 }
 
 IDXSTATUS IDXCloseFind(IDXFIND find) {
-  FreeHandle()(find);
+  std::free(find);
   return IDX_OK;
 }

@@ -1,22 +1,15 @@
 #include "base/string_conversion.h"
 
 #include <cstdlib>
-#include <memory>
 
-namespace {
-
-struct FreeBlock {
-  void operator()(void* block) const { std::free(block); }
-};
-
-}  // namespace
+#include "base/heap_block.h"
 
 std::int32_t CopyIDXSTRtoCIDXString(CIDXString& target, IDXSTR source) {
   if (!source || !*source) return IDXERR_FAILED;
   const CFRange all = CFRangeMake(0, CFStringGetLength(*source));
   CFIndex size = 0;
   CFStringGetBytes(*source, all, kCFStringEncodingUTF8, 0, false, nullptr, 0, &size);
-  const std::unique_ptr<char, FreeBlock> text(static_cast<char*>(std::malloc(static_cast<std::size_t>(size) + 1)));
+  const HeapBlock<char> text(static_cast<char*>(std::malloc(static_cast<std::size_t>(size) + 1)));
   if (!text) return IDXERR_FAILED;
   if (!CFStringGetCString(*source, text.get(), size + 1, kCFStringEncodingUTF8)) return IDXERR_FAILED;
   return target.CopyString(text.get(), -1) > 0 ? IDX_OK : IDXERR_MEMORY;

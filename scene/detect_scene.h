@@ -4,10 +4,9 @@
 #define CATALOGCORE_SCENE_DETECT_SCENE_H_
 
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 #include "base/critical_region.h"
+#include "base/heap_block.h"
 #include "catalogcore.h"
 #include "scene/idx_image.h"
 
@@ -41,10 +40,7 @@ class CDetectScene {
   // detections that need the recognizer give it too.
   IDXSTATUS Initialize();
 
-  struct FreeBlock {
-    void operator()(void* block) const { std::free(block); }
-  };
-  using ParameterBlock = std::unique_ptr<unsigned char[], FreeBlock>;  // from malloc
+  using ParameterBlock = HeapBlock<unsigned char[]>;
 
   // Takes this parameter block of `size` bytes in place of the bundle's; for tools that measure blocks.
   void InitializeWith(ParameterBlock block, std::uint32_t size);

@@ -6,17 +6,13 @@
 #define CATALOGCORE_SCENE_IDX_IMAGE_H_
 
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
+#include "base/heap_block.h"
 #include "catalogcore.h"
 
 class CIDXImage {
  public:
-  struct FreeBlock {
-    void operator()(void* block) const { std::free(block); }
-  };
-  using PixelBlock = std::unique_ptr<std::uint8_t[], FreeBlock>;
+  using PixelBlock = HeapBlock<std::uint8_t[]>;
 
   CIDXImage() = default;
   // Takes over the description alone: the copy holds no pixels.

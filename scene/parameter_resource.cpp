@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "base/cf_reference.h"
+#include "base/heap_block.h"
 
 namespace {
 
@@ -18,10 +19,6 @@ constexpr std::size_t kHeaderSize = 16;
 
 struct CloseFile {
   void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
-struct FreeBlock {
-  void operator()(void* block) const { std::free(block); }
 };
 
 // Least significant byte first, whatever the machine.
@@ -61,7 +58,7 @@ unsigned char* OpenParamFile(std::uint32_t* size) {
   const CFReference<CFStringRef> path(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle));
   if (!path) return nullptr;
   const CFIndex room = CFStringGetMaximumSizeForEncoding(CFStringGetLength(path.get()), kCFStringEncodingUTF8) + 1;
-  const std::unique_ptr<char, FreeBlock> text(static_cast<char*>(std::calloc(static_cast<std::size_t>(room), 1)));
+  const HeapBlock<char> text(static_cast<char*>(std::calloc(static_cast<std::size_t>(room), 1)));
   if (!text) return nullptr;
   CFStringGetCString(path.get(), text.get(), room, kCFStringEncodingUTF8);
   return ReadParamFile(text.get(), size);

@@ -2,9 +2,9 @@
 #include <array>
 #include <cstdint>
 #include <cstdlib>
-#include <memory>
 #include <vector>
 
+#include "base/heap_block.h"
 #include "bench/engines/engines_bench.h"
 #include "bench/support/ratios.h"
 #include "scene/brenn.h"
@@ -42,7 +42,7 @@ struct Scan {
   IDXDSDATA record{};
   std::vector<std::uint8_t> pixels;
   CIDXImage reduced;
-  std::unique_ptr<unsigned char[], CIDXImage::FreeBlock> parameters;
+  HeapBlock<unsigned char[]> parameters;
   std::uint32_t parameterSize = 0;
 };
 
