@@ -1,0 +1,236 @@
+// What the random calls beside (random_calls_test.cpp) do not reach: the codec, odd arguments, and what is written where.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <thread>
+
+#include "api/catalogue.h"
+#include "api/file_path.h"
+#include "api/index_number.h"
+#include "api/internal_calls.h"
+#include "api/preset_index.h"
+#include "api/store_status.h"
+#include "tests/api/item.h"
+#include "tests/support/store_inspector.h"
+
+namespace {
+
+class CallsTest : public testing::Test {
+ protected:
+  CallsTest() { EXPECT_EQ(IDXInitialize(), IDX_OK); }
+  ~CallsTest() override { IDXUninitialize(); }
+
+  static IDXSTATUS AddImage(const char* name, std::int32_t index) {
+    return IDXAddImage(&Item().Name(name).Index(index));
+  }
+};
+
+TEST(IndexNumber, StandsForAPathAndBack) {
+  const struct {
+    int number;
+    const char* path;
+    int back;
+  } cases[] = {{1000000, "1", 1000000},
+               {1100000, "1/10", 1100000},
+               {29101010, "29/10/10/10", 29101010},
+               {1000100, "1", 1000000},
+               {-1, ".", -1},
+               {99999999, "99/99/99/99", 99999999},
+               {10000001, "10", 10000000}};
+  for (const auto& [number, path, back] : cases) {
+    CIDXString text;
+    int result = 0;
+    EXPECT_GE(ConvertINTtoPath(text, number, 2), 0);
+    EXPECT_STREQ(text.Text(), path);
+    ConvertPathtoINT(result, text, 4, 2);
+    EXPECT_EQ(result, back);
+  }
+  Key unchanged("x");
+  for (const int number : {0, 999999, 100000000, -2, INT_MIN, INT_MAX})
+    EXPECT_EQ(ConvertINTtoPath(unchanged, number, 2), -1);
+  EXPECT_STREQ(unchanged.Text(), "x");
+  int number = 0;
+  EXPECT_EQ(ConvertPathtoINT(number, Key("1/1/2/3/4"), 4, 2), 4);
+  EXPECT_EQ(number, 101020304);
+  EXPECT_EQ(ConvertPathtoINT(number, Key("1/x"), 4, 2), 0);
+  EXPECT_EQ(number, 1000000);
+  EXPECT_EQ(ConvertPathtoINT(number, Key("99999999999/1/1/1/1/1/1/1/1"), 4, 2), 1);  // wraps
+  EXPECT_EQ(GetLastIndexTag("1/12"), 12);
+  EXPECT_EQ(GetLastIndexTag("15"), 15);
+  EXPECT_EQ(GetLastIndexTag("."), 0);
+}
+
+TEST(StoreStatus, MapsEveryCode) {
+  const std::pair<int, IDXSTATUS> cases[] = {{0, 0},  {1, 12}, {2, 9}, {3, 7},   {4, 10},  {5, 8},   {6, 13},
+                                             {7, 13}, {8, 2},  {9, 1}, {17, 14}, {18, 14}, {19, 14}, {20, 1}};
+  for (const auto& [code, status] : cases) EXPECT_EQ(ConvertErrorCode(code, 0x1000), status) << code;
+  EXPECT_EQ(ConvertErrorCode(0, 100), 0u);
+  EXPECT_EQ(ConvertErrorCode(5, 100), 105u);
+}
+
+TEST(FilePath, IsCutAtItsLastSlash) {
+  CIDXString folder;
+  EXPECT_EQ(ExtractFilePath(folder, Key("/a/b.jpg")), 1);
+  EXPECT_STREQ(folder.Text(), "/a");
+  EXPECT_EQ(ExtractFilePath(folder, Key("b.jpg")), 0);
+  EXPECT_STREQ(folder.Text(), "/a");
+  EXPECT_EQ(ExtractFilePath(folder, Key("/b.jpg")), 1);
+  EXPECT_EQ(folder.Length(), 0);
+  for (const auto& [key, norm] : {std::pair{"//x", "s:x"}, {"//", "s:"}, {"/x", "/x"}, {"/", "/"}, {"", ""}}) {
+    Key text(key);
+    EXPECT_EQ(NormFilePathKey(text), 1);
+    EXPECT_STREQ(text.Text(), norm);
+  }
+}
+
+TEST(Lifecycle, NothingWorksBeforeAndEverythingIsGoneAfter) {
+  Item item;
+  item.Name("/a/b").Index(1010000);
+  IDXSTATUS status = 99;
+  for (IDXSTATUS (*const call)(IDXITEM*) : {IDXAddImage, IDXChangeImage, IDXRemoveImage, IDXSearchImage, IDXAddIndex,
+                                            IDXChangeIndex, IDXRemoveIndex, IDXSearchIndex}) {
+    EXPECT_EQ(call(&item), IDXERR_FAILED);
+    EXPECT_EQ(call(nullptr), IDXERR_PARAM);
+  }
+  for (IDXFIND (*const call)(IDXITEM*, IDXSTATUS*) : {IDXFindFirstImage, IDXFindFirstIndex}) {
+    EXPECT_EQ(call(&item, &status), nullptr);
+    EXPECT_EQ(status, IDXERR_FAILED);
+    EXPECT_EQ(call(nullptr, &status), nullptr);
+    EXPECT_EQ(status, IDXERR_PARAM);
+  }
+  for (IDXSTATUS (*const call)(IDXFIND, IDXITEM*) : {IDXFindNextImage, IDXFindNextIndex})
+    EXPECT_EQ(call(nullptr, &item), IDXERR_PARAM);
+  EXPECT_EQ(IDXUninitialize() + IDXUninitialize() + IDXCloseFind(nullptr), 0u);
+  EXPECT_EQ(IDXSetPresetIndexName(nullptr, nullptr, 0), IDXERR_FAILED);
+
+  ASSERT_EQ(IDXInitialize(), IDX_OK);
+  EXPECT_EQ(IDXAddImage(&item), IDX_OK);
+  CFStringRef folder = Item::Make("/tmp/");
+  EXPECT_EQ(IDXSetFilePath(&folder), IDX_OK);
+  EXPECT_STREQ(g_strFilePath.Text(), "/tmp//");
+  EXPECT_EQ(IDXSetFilePath(nullptr), IDXERR_PARAM);
+  CFRelease(folder);
+  EXPECT_EQ(MakePresetIndex(), 0);  // they are there
+  ASSERT_EQ(IDXInitialize(), IDX_OK);
+  EXPECT_STREQ(g_strFilePath.Text(), "");
+  EXPECT_EQ(IDXSearchImage(&item), IDXERR_NOIMAGE);
+  IDXUninitialize();
+}
+
+TEST_F(CallsTest, ResultsAreWrittenWhereTheyAreWanted) {
+  ASSERT_EQ(AddImage("/a/b", 1010000), IDX_OK);
+  Item item;
+  item.Name("/a/b");
+  item.index = 5;
+  EXPECT_EQ(IDXSearchImage(&item), IDX_OK);
+  EXPECT_EQ(item.index, 5);
+  EXPECT_EQ(IDXSearchImage(&item.Index(0)), IDX_OK);
+  EXPECT_EQ(item.index, 1010000);
+  // An index of -1 removes, marked or not.
+  Item change;
+  change.Name("/a/b");
+  change.index = -1;
+  EXPECT_EQ(IDXChangeImage(&change), IDX_OK);
+  EXPECT_EQ(IDXSearchImage(&item), IDXERR_NOIMAGE);
+  // A change of what is not there adds it; a move stays although the second step comes to nothing.
+  EXPECT_EQ(IDXChangeImage(&Item().Name("/a/c").Index(1090000).Attribute(1)), IDX_OK);
+  EXPECT_EQ(IDXChangeImage(&Item().Name("/a/c").Index(1010000)), IDXERR_PROTECTED);
+  EXPECT_EQ(IDXChangeImage(&Item().Name("/a/c").Index(1010000).Force(true)), IDX_OK);
+  EXPECT_EQ(IDXChangeImage(&Item().Name("/a/d").Attribute(1)), IDXERR_NOIMAGE);
+
+  Item found;
+  IDXSTATUS status = 99;
+  const IDXFIND find = IDXFindFirstIndex(&found.Wanted(), &status);
+  EXPECT_EQ(status, IDX_OK);
+  EXPECT_EQ(found.NameText(), "idx1000000");
+  EXPECT_EQ(found.attribute, 7);
+  int count = 1;
+  while (IDXFindNextIndex(find, &found) == IDX_OK) ++count;
+  EXPECT_EQ(count, 10);
+  EXPECT_EQ(IDXFindNextIndex(find, &found), IDXERR_NOINDEX);
+  IDXCloseFind(find);
+  Item root;
+  root.Wanted().Operation(IDXOP_GETINFO | IDXOP_CONDITION);
+  root.index = -1;
+  IDXCloseFind(IDXFindFirstIndex(&root, nullptr));
+  EXPECT_EQ(root.NameText(), ".");
+  EXPECT_EQ(root.index, -1);
+}
+
+TEST_F(CallsTest, AddedIndexesTakeTheLowestFreeNumber) {
+  const auto add = [](std::int32_t parent, const std::string& name, IDXSTATUS expected) {
+    Item item;
+    EXPECT_EQ(IDXAddIndex(&item.Index(parent).Name(name).Operation(IDXOP_GETINFO)), expected) << name;
+    return item.index;
+  };
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(add(1000000, "n" + std::to_string(i), IDX_OK), 1100000 + i * 10000);
+  EXPECT_EQ(add(1000000, "one more", IDXERR_INDEXFULL), 1000000);
+  EXPECT_EQ(add(1000000, "n3", IDXERR_INDEXEXISTS), 1130000);
+  EXPECT_EQ(add(1000000, "N3", IDXERR_INDEXFULL), 1000000);
+  EXPECT_EQ(IDXRemoveIndex(&Item().Index(1130000)), IDX_OK);
+  EXPECT_EQ(add(1000000, "N3", IDX_OK), 1130000);
+  EXPECT_EQ(add(-1, "top", IDX_OK), 10000000);
+  EXPECT_EQ(add(3000000, "x", IDXERR_NOINDEX), 3000000);
+  EXPECT_EQ(add(add(add(10000000, "2", IDX_OK), "3", IDX_OK), "4", IDX_OK), 10101010);
+  EXPECT_EQ(add(10101010, "5", IDXERR_PARAM), 10101010);
+  // A failed renaming is forgotten when the attribute is changed after it.
+  EXPECT_EQ(IDXChangeIndex(&Item().Index(1000000).Name("x")), IDXERR_PROTECTED);
+  EXPECT_EQ(IDXChangeIndex(&Item().Index(1000000).Name("x").Attribute(7)), IDX_OK);
+  Item seen;
+  EXPECT_EQ(IDXSearchIndex(&seen.Index(1000000).Name("?").Attribute(0)), IDX_OK);
+  EXPECT_EQ(seen.NameText(), "idx1000000");
+}
+
+TEST_F(CallsTest, PresetNamesCarryOverToTheNextEntry) {
+  CFStringRef names[] = {Item::Make("Root"), Item::Make("Photos"), Item::Make(""), nullptr, Item::Make("Docs")};
+  const IDXSTR variables[] = {&names[0], &names[1], &names[2], &names[3], &names[4]};
+  const std::int32_t numbers[] = {5, 1000000, 99, 2000000, 3000000};
+  EXPECT_EQ(IDXSetPresetIndexName(variables, numbers, 5), IDXERR_PARAM);  // 3000000 is not there
+  const auto nameOf = [](std::int32_t number) {
+    Item item;
+    IDXSearchIndex(&item.Index(number).Name("?"));
+    return item.NameText();
+  };
+  EXPECT_EQ(nameOf(-1), "Root");
+  EXPECT_EQ(nameOf(1000000), "");  // the third entry: the number of the second, and an empty name
+  EXPECT_EQ(nameOf(2000000), "");
+  EXPECT_EQ(IDXSetPresetIndexName(variables, numbers, 0), IDX_OK);
+  EXPECT_EQ(IDXSetPresetIndexName(nullptr, numbers, 1), IDXERR_PARAM);
+  for (CFStringRef name : names) CFRelease(name);
+}
+
+TEST_F(CallsTest, FoldersAndBucketsAreWalkedInside) {
+  ASSERT_EQ(AddImage("/Volumes/card/a", 1010000), IDX_OK);
+  ASSERT_EQ(AddImage("/p/b", 1010000), IDX_OK);
+  const auto walk = [](Item& item) {
+    std::vector<std::string> folders;
+    IDXSTATUS status = 99;
+    const IDXFIND find = IDXFindFirstPath(&item.Operation(IDXOP_GETINFO | IDXOP_CONDITION), &status);
+    EXPECT_EQ(status, find ? IDX_OK : IDXERR_NOINDEX);
+    if (find) do
+        folders.push_back(item.PathText());
+      while (IDXFindNextPath(find, &item) == IDX_OK);
+    IDXCloseFind(find);
+    return folders;
+  };
+  using Folders = std::vector<std::string>;
+  Item everything, unmounted, card, missing;
+  EXPECT_EQ(walk(unmounted.Path("/")), Folders({"", "/p"}));
+  EXPECT_EQ(walk(card.Path("/Volumes/card")), Folders({"/Volumes/card"}));
+  EXPECT_EQ(walk(missing.Path("/q")), Folders());
+  std::thread([] { AddImage("/p/c", 1010000); }).join();  // the region is free after the missing one
+  everything.mask = 0;
+  EXPECT_EQ(walk(everything).size(), 4u);
+
+  CFStringRef out = nullptr;
+  EXPECT_EQ(IDXFindFirstHash(1987, &out) + IDXFindFirstHash(-1, &out), 0);
+  EXPECT_EQ(out, nullptr);
+  EXPECT_EQ(IDXFindFirstHash(static_cast<std::int32_t>(Key("/p/b").GetHashKey()), &out), 1);
+  EXPECT_EQ(Item::Text(out), "/p/b");
+  CFRelease(out);
+  EXPECT_EQ(IDXFindFirstHash(static_cast<std::int32_t>(Key("/p/zz").GetHashKey()), &out), 1);
+  EXPECT_EQ(Item::Text(out), "");
+  CFRelease(out);
+}
+
+}  // namespace

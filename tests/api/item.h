@@ -1,0 +1,56 @@
+// A record with the strings that it points to.
+#ifndef CATALOGCORE_TESTS_API_ITEM_H_
+#define CATALOGCORE_TESTS_API_ITEM_H_
+
+#include <optional>
+#include <string>
+
+#include "base/cf_reference.h"
+#include "catalogcore.h"
+
+class Item : public IDXITEM {
+ public:
+  Item() : IDXITEM{} {
+    name = &nameVariable_;
+    path = &pathVariable_;
+  }
+  ~Item() {
+    CFRelease(nameVariable_);
+    CFRelease(pathVariable_);
+  }
+  Item(const Item&) = delete;
+  Item& operator=(const Item&) = delete;
+
+  Item& Name(const std::string& text) { return Mark(IDXMASK_NAME), Set(nameVariable_, text), *this; }
+  Item& Path(const std::string& text) { return Mark(IDXMASK_PATH), Set(pathVariable_, text), *this; }
+  Item& Index(std::int32_t number) { return Mark(IDXMASK_INDEX), index = number, *this; }
+  Item& Attribute(int value) { return Mark(IDXMASK_ATTRIBUTE), attribute = static_cast<std::uint8_t>(value), *this; }
+  Item& Operation(int bits) { return operation = static_cast<std::uint8_t>(bits), *this; }
+  Item& Force(bool forces) { return state = forces ? IDXSTATE_FORCE : 0, *this; }
+  // Marks everything and wants it filled.
+  Item& Wanted() { return mask = 15, operation |= IDXOP_GETINFO, *this; }
+
+  std::string NameText() const { return Text(nameVariable_); }
+  std::string PathText() const { return Text(pathVariable_); }
+
+  static CFStringRef Make(const std::string& text) {
+    return CFStringCreateWithCString(nullptr, text.c_str(), kCFStringEncodingUTF8);
+  }
+  static std::string Text(CFStringRef string) {
+    if (!string) return "(none)";
+    std::string text(static_cast<std::size_t>(CFStringGetLength(string)) * 3 + 1, 0);
+    CFStringGetCString(string, text.data(), static_cast<CFIndex>(text.size()), kCFStringEncodingUTF8);
+    return text.c_str();
+  }
+
+ private:
+  void Mark(std::uint32_t field) { mask |= field; }
+  static void Set(CFStringRef& variable, const std::string& text) {
+    CFRelease(variable);
+    variable = Make(text);
+  }
+  CFStringRef nameVariable_ = nullptr;
+  CFStringRef pathVariable_ = nullptr;
+};
+
+#endif  // CATALOGCORE_TESTS_API_ITEM_H_
