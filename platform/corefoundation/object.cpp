@@ -1,14 +1,27 @@
 #include "platform/corefoundation/object.h"
 
-using catalogcore::cf::Object;
+namespace catalogcore::cf {
+
+void Object::Free() const {
+  static_assert(sizeof(CFIndex) == sizeof(const Object*));
+  thread_local const Object* waiting = nullptr;
+  thread_local bool isFreeing = false;
+  references_.store(reinterpret_cast<CFIndex>(waiting), std::memory_order_relaxed);
+  waiting = this;
+  if (isFreeing) return;  // called by a destructor that runs below
+  isFreeing = true;
+  while (const Object* object = waiting) {
+    waiting = reinterpret_cast<const Object*>(object->references());
+    delete object;
+  }
+  isFreeing = false;
+}
+
+}  // namespace catalogcore::cf
+
+using catalogcore::cf::AsObject;
 
 const CFAllocatorRef kCFAllocatorDefault = nullptr;
-
-namespace {
-
-const Object* AsObject(CFTypeRef object) { return static_cast<const Object*>(object); }
-
-}  // namespace
 
 CFTypeRef CFRetain(CFTypeRef object) {
   if (object) AsObject(object)->Retain();

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <new>
 
+#include "platform/corefoundation/data_object.h"
 #include "platform/corefoundation/string_object.h"
 #include "platform/corefoundation/utf8.h"
 
@@ -60,6 +61,14 @@ CFTypeID CFStringGetTypeID() { return static_cast<CFTypeID>(catalogcore::cf::Kin
 
 CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFStringEncoding encoding) {
   if (!text || encoding != kCFStringEncodingUTF8) return nullptr;
+  return catalogcore::cf::CreateString(text);
+}
+
+CFStringRef CFStringCreateFromExternalRepresentation(CFAllocatorRef, CFDataRef data, CFStringEncoding encoding) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (!data || encoding != kCFStringEncodingUTF8) return nullptr;
+  std::string_view text = data->bytes.view();
+  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   return catalogcore::cf::CreateString(text);
 }
 

@@ -27,6 +27,7 @@ typedef SInt32 OSStatus;
 
 typedef long CFIndex;
 typedef unsigned long CFTypeID;
+typedef unsigned long CFOptionFlags;
 typedef const void* CFTypeRef;
 
 /* Allocators are accepted and ignored: memory comes from the heap. */

@@ -3,6 +3,7 @@
 #define CATALOGCORE_COREFOUNDATION_CFSTRING_H_
 
 #include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CFData.h>
 
 typedef const struct __CFString* CFStringRef;
 
@@ -17,6 +18,10 @@ CF_EXPORT CFTypeID CFStringGetTypeID(void);
  * surrogates and values above U+10FFFF are invalid), or when there is no memory.
  */
 CF_EXPORT CFStringRef CFStringCreateWithCString(CFAllocatorRef allocator, const char* text, CFStringEncoding encoding);
+
+/* A string of the bytes, less a byte-order mark ahead of them. Null when they are not valid UTF-8, or without memory. */
+CF_EXPORT CFStringRef CFStringCreateFromExternalRepresentation(CFAllocatorRef allocator, CFDataRef data,
+                                                               CFStringEncoding encoding);
 
 /* The string of a literal of valid UTF-8; the same one for the same text, and never freed. */
 #define CFSTR(literal) __CFStringMakeConstantString("" literal "")

@@ -3,7 +3,10 @@
 #ifndef CATALOGCORE_COREFOUNDATION_CFURL_H_
 #define CATALOGCORE_COREFOUNDATION_CFURL_H_
 
+#include <CoreFoundation/CFArray.h>
 #include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CFData.h>
+#include <CoreFoundation/CFDictionary.h>
 #include <CoreFoundation/CFString.h>
 
 typedef const struct __CFURL* CFURLRef;
@@ -29,5 +32,22 @@ CF_EXPORT CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style
  * hold it. */
 CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase, UInt8* buffer,
                                                    CFIndex capacity);
+
+enum {
+  kCFURLUnknownError = -10,
+  kCFURLResourceNotFoundError = -12,
+  kCFURLResourceAccessViolationError = -13,
+  kCFURLImproperArgumentsError = -15
+};
+
+/*
+ * Reads the whole file into `*data`, which the caller releases. False, with null in `*data`, when that fails; `*error`
+ * (may be null) then says why: there is no such file (NotFound), it may not be read or is no regular file
+ * (AccessViolation), `url` or `data` is null (ImproperArguments), or anything else, such as memory (Unknown); after
+ * success it is 0. There are no properties: `*properties` (may be null) gets null, and `desired` is ignored.
+ */
+CF_EXPORT Boolean CFURLCreateDataAndPropertiesFromResource(CFAllocatorRef allocator, CFURLRef url, CFDataRef* data,
+                                                           CFDictionaryRef* properties, CFArrayRef desired,
+                                                           SInt32* error);
 
 #endif /* CATALOGCORE_COREFOUNDATION_CFURL_H_ */

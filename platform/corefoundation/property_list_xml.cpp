@@ -1,0 +1,163 @@
+// The XML of property lists, as expat parses it.
+#include <CoreFoundation/CFPropertyList.h>
+#include <expat.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <new>
+#include <string>
+#include <string_view>
+#include <type_traits>
+
+#include "platform/corefoundation/data_object.h"
+#include "platform/corefoundation/property_list_reader.h"
+
+using catalogcore::cf::Object;
+using catalogcore::cf::PropertyListReader;
+using catalogcore::cf::Ref;
+using catalogcore::cf::Refusal;
+
+namespace {
+
+// UTF-16 announces itself by a byte-order mark, or by the zero byte in the first character, which is ASCII.
+bool IsUtf16(std::string_view xml) {
+  if (xml.size() < 2) return false;
+  return xml.starts_with("\xFF\xFE") || xml.starts_with("\xFE\xFF") || xml[0] == '\0' || xml[1] == '\0';
+}
+
+std::string_view WithoutFinalZero(std::string_view xml) {
+  if (!xml.ends_with('\0')) return xml;
+  if (IsUtf16(xml) && xml.size() % 2 == 0) return xml;  // half of the last character
+  return xml.substr(0, xml.size() - 1);
+}
+
+// expat lets a leading surrogate be followed by anything.
+bool HasLoneSurrogate(std::string_view utf16) {
+  const std::size_t high = utf16.starts_with("\xFE\xFF") || utf16[0] == '\0' ? 0 : 1;
+  bool isOpen = false;  // after a leading surrogate
+  for (std::size_t at = high; at < utf16.size(); at += 2) {
+    const unsigned char byte = static_cast<unsigned char>(utf16[at]);
+    if (isOpen != (byte >= 0xDC && byte <= 0xDF)) return true;
+    isOpen = byte >= 0xD8 && byte <= 0xDB;
+  }
+  return isOpen;
+}
+
+// Feeds a reader from XML. No exception passes through expat: what the reader throws is kept until expat has returned.
+class Parser {
+ public:
+  // Throws std::bad_alloc.
+  explicit Parser(PropertyListReader& reader)
+      : reader_(reader), expat_(XML_ParserCreate_MM(nullptr, &kMemory, nullptr)) {
+    if (!expat_) throw std::bad_alloc();
+    XML_SetUserData(expat_.get(), this);
+    XML_SetElementHandler(expat_.get(), &StartElement, &EndElement);
+    XML_SetCharacterDataHandler(expat_.get(), &Text);
+    XML_SetEntityDeclHandler(expat_.get(), &EntityDeclared);
+    // Called for an entity that only the document type, which is not fetched, might declare.
+    XML_SetSkippedEntityHandler(expat_.get(), &EntitySkipped);
+  }
+
+  // Throws Refusal or std::bad_alloc.
+  void Parse(std::string_view xml) {
+    std::size_t piece = kPiece;
+    for (std::size_t at = 0; at < xml.size();) {
+      const std::string_view next = xml.substr(at, piece);
+      Feed(next, false);
+      at += next.size();
+      // expat looks at an unfinished comment or tag from its start each time. Pieces as long as what is unfinished
+      // keep that linear.
+      const auto unfinished =
+          at - static_cast<std::size_t>(std::max<XML_Index>(XML_GetCurrentByteIndex(expat_.get()), 0));
+      piece = std::clamp(unfinished, kPiece, kMaxPiece);
+    }
+    Feed({}, true);
+  }
+
+  std::size_t line() const { return static_cast<std::size_t>(XML_GetCurrentLineNumber(expat_.get())); }
+
+ private:
+  static constexpr std::size_t kPiece = std::size_t{1} << 16;
+  static constexpr std::size_t kMaxPiece = std::size_t{1} << 30;  // what expat takes at once fits an int
+  static constexpr XML_Memory_Handling_Suite kMemory = {std::malloc, std::realloc, std::free};
+
+  void Feed(std::string_view piece, bool isLast) {
+    if (XML_Parse(expat_.get(), piece.data(), static_cast<int>(piece.size()), isLast) == XML_STATUS_OK) return;
+    if (refusal_) throw Refusal{refusal_};
+    const XML_Error error = XML_GetErrorCode(expat_.get());
+    if (error == XML_ERROR_NO_MEMORY || error == XML_ERROR_ABORTED) throw std::bad_alloc();
+    throw Refusal{XML_ErrorString(error)};
+  }
+
+  // Runs a step of the reader; after a failure expat is stopped, and what it still reports is ignored.
+  template <typename Step>
+  static void Run(void* self, Step step) {
+    Parser& parser = *static_cast<Parser*>(self);
+    if (parser.hasFailed_) return;
+    try {
+      step(parser.reader_);
+      return;
+    } catch (const Refusal& refusal) {
+      parser.refusal_ = refusal.reason;
+    } catch (const std::bad_alloc&) {
+      parser.refusal_ = nullptr;
+    }
+    parser.hasFailed_ = true;
+    XML_StopParser(parser.expat_.get(), XML_FALSE);
+  }
+
+  static void StartElement(void* self, const XML_Char* name, const XML_Char** attributes) {
+    Run(self, [=](PropertyListReader& reader) { reader.StartElement(name, attributes); });
+  }
+  static void EndElement(void* self, const XML_Char* name) {
+    Run(self, [=](PropertyListReader& reader) { reader.EndElement(name); });
+  }
+  static void Text(void* self, const XML_Char* text, int length) {
+    Run(self, [=](PropertyListReader& reader) { reader.Text({text, static_cast<std::size_t>(length)}); });
+  }
+  static void EntityDeclared(void* self, const XML_Char*, int, const XML_Char*, int, const XML_Char*, const XML_Char*,
+                             const XML_Char*, const XML_Char*) {
+    Run(self, [](PropertyListReader&) { throw Refusal{"an entity declaration"}; });
+  }
+  static void EntitySkipped(void* self, const XML_Char*, int) {
+    Run(self, [](PropertyListReader&) { throw Refusal{"an undefined entity"}; });
+  }
+
+  struct Deleter {
+    void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
+  };
+
+  PropertyListReader& reader_;
+  const std::unique_ptr<std::remove_pointer_t<XML_Parser>, Deleter> expat_;
+  bool hasFailed_ = false;
+  const char* refusal_ = nullptr;  // after a failure: its reason, or null when it was memory
+};
+
+// Sets `*error` after a refusal. Throws std::bad_alloc.
+Ref<Object> ReadXml(std::string_view xml, bool mutableDictionaries, CFStringRef* error) {
+  PropertyListReader reader(mutableDictionaries);
+  Parser parser(reader);
+  try {
+    if (IsUtf16(xml) && HasLoneSurrogate(xml)) throw Refusal{"a surrogate without its pair"};
+    parser.Parse(xml);
+    return reader.TakeResult();
+  } catch (const Refusal& refusal) {
+    const std::string message = "line " + std::to_string(parser.line()) + ": " + refusal.reason;
+    if (error) *error = catalogcore::cf::CreateString(message);
+    return nullptr;
+  }
+}
+
+}  // namespace
+
+CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef, CFDataRef xml, CFOptionFlags mutability,
+                                                  CFStringRef* error) {
+  if (error) *error = nullptr;
+  if (!xml) return nullptr;
+  try {
+    return ReadXml(WithoutFinalZero(xml->bytes.view()), mutability != kCFPropertyListImmutable, error).release();
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+}

@@ -1,0 +1,310 @@
+#include <CoreFoundation/CoreFoundation.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "tests/platform/property_list_samples.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+struct Releaser {
+  void operator()(const void* object) const { CFRelease(object); }
+};
+template <typename T>
+using Held = std::unique_ptr<const T, Releaser>;
+
+Held<void> Read(std::string_view xml, std::string* error = nullptr,
+                CFOptionFlags mutability = kCFPropertyListImmutable) {
+  const Held<void> data(
+      CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(xml.data()), static_cast<CFIndex>(xml.size())));
+  CFStringRef reason = nullptr;
+  Held<void> list(CFPropertyListCreateFromXMLData(nullptr, static_cast<CFDataRef>(data.get()), mutability, &reason));
+  EXPECT_EQ(list == nullptr, reason != nullptr);
+  char text[200] = "";
+  if (reason) CFStringGetCString(reason, text, sizeof text, kCFStringEncodingUTF8);
+  if (error) *error = text;
+  CFRelease(reason);
+  return list;
+}
+
+std::string BytesOf(CFTypeRef data) {
+  const auto bytes = static_cast<CFDataRef>(data);
+  return {reinterpret_cast<const char*>(CFDataGetBytePtr(bytes)), static_cast<std::size_t>(CFDataGetLength(bytes))};
+}
+
+// The XML of the list, or "" when it is none.
+std::string Write(CFTypeRef list) {
+  const Held<void> xml(CFPropertyListCreateXMLData(nullptr, list));
+  return xml ? BytesOf(xml.get()) : "";
+}
+
+const std::string kHeader =
+    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" \"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n";
+
+std::string Document(const std::string& value) { return kHeader + "<plist version=\"1.0\">\n" + value + "</plist>\n"; }
+std::string Plist(const std::string& value) { return "<plist>" + value + "</plist>"; }
+std::string InDict(const std::string& content) { return Plist("<dict>" + content + "</dict>"); }
+std::string Repeat(const std::string& text, std::size_t count) {
+  std::string repeated;
+  for (std::size_t i = 0; i < count; ++i) repeated += text;
+  return repeated;
+}
+std::string Arrays(std::size_t levels) { return Plist(Repeat("<array>", levels) + Repeat("</array>", levels)); }
+
+// Characters up to U+00FF as UTF-16, with a byte-order mark.
+std::string Utf16(const std::string& latin1, bool isBigEndian) {
+  std::string text = isBigEndian ? "\xFE\xFF"s : "\xFF\xFE"s;
+  for (const char c : latin1) text += isBigEndian ? std::string{'\0', c} : std::string{c, '\0'};
+  return text;
+}
+
+TEST(PropertyList, EveryKindComesThroughAReadAndAWriteUnchanged) {
+  const std::string document = Document(kEveryKind);
+  const Held<void> list = Read(document);
+  ASSERT_NE(list, nullptr);
+  EXPECT_EQ(CFGetTypeID(list.get()), CFDictionaryGetTypeID());
+  EXPECT_EQ(Write(list.get()), document);
+
+  const auto dictionary = static_cast<CFDictionaryRef>(list.get());
+  EXPECT_EQ(CFDictionaryGetCount(dictionary), 9);
+  const struct {
+    CFStringRef key;
+    CFTypeID kind;
+  } kinds[] = {
+      {CFSTR("z text"), CFStringGetTypeID()},  {CFSTR("data"), CFDataGetTypeID()},   {CFSTR("none"), CFDataGetTypeID()},
+      {CFSTR("integer"), CFNumberGetTypeID()}, {CFSTR("real"), CFNumberGetTypeID()}, {CFSTR("date"), CFDateGetTypeID()},
+      {CFSTR("true"), CFBooleanGetTypeID()},   {CFSTR("a <&>"), CFArrayGetTypeID()},
+  };
+  for (const auto& [key, kind] : kinds) EXPECT_EQ(CFGetTypeID(CFDictionaryGetValue(dictionary, key)), kind);
+  EXPECT_EQ(BytesOf(CFDictionaryGetValue(dictionary, CFSTR("data"))), Repeat("\xFF\xFE", 26) + "!");
+}
+
+TEST(PropertyList, TakesAnyConformingLayout) {
+  const std::string latin1 = "<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xE9</string></plist>";
+  const std::string utf16 = "<plist><string>\xE9</string></plist>";
+  const struct {
+    std::string xml, value;
+  } cases[] = {
+      {Plist("<string>\xC3\xA9</string>"), "<string>\xC3\xA9</string>"},
+      {"\xEF\xBB\xBF" + Plist("<true></true>"), "<true/>"},
+      {Plist("<false/>") + "\0"s, "<false/>"},
+      {Plist("<false/>") + "\r\n <!-- end -->\n", "<false/>"},
+      {"<?xml version=\"1.0\"?><!DOCTYPE plist SYSTEM 'file://nowhere'><plist version='0.9'><dict/></plist>",
+       "<dict/>"},
+      {"<!DOCTYPE plist [<!ELEMENT plist ANY><!ATTLIST plist version CDATA '1.0'>]>" + Plist("<array />"), "<array/>"},
+      {"<?go?><!--<plist>--><plist\n>\t<!-- - -->\r\n<?stop?><dict><!----><key>k</key> <!-- --> <true/></dict></plist>",
+       "<dict>\n\t<key>k</key>\n\t<true/>\n</dict>"},
+      {Plist("<string> a<![CDATA[<b>&amp;]]>&#x63;&#100;&quot;&apos;<!-- - -->]] <?p?>\r\n\r&#13;</string>"),
+       "<string> a&lt;b&gt;&amp;amp;cd\"']] \n\n&#13;</string>"},
+      {Plist("<data>\n\tQ\tU <![CDATA[I=]]>&#10;</data>"), "<data>\nQUI=\n</data>"},
+      {Plist("<integer>\n+007 </integer>"), "<integer>+007</integer>"},
+      {latin1, "<string>\xC3\xA9</string>"},
+      {Utf16(utf16, true), "<string>\xC3\xA9</string>"},
+      {Utf16(utf16, false), "<string>\xC3\xA9</string>"},
+      {Utf16(utf16, false) + "\0"s, "<string>\xC3\xA9</string>"},
+      {Utf16("<plist><string>", true) + "\xD8\x3D\xDC\xF7"s + Utf16("</string></plist>", true).substr(2),
+       "<string>\xF0\x9F\x93\xB7</string>"},
+  };
+  for (const auto& [xml, value] : cases) {
+    std::string error;
+    EXPECT_EQ(Write(Read(xml, &error).get()), Document(value + "\n")) << xml << error;
+  }
+}
+
+TEST(PropertyList, RefusesWhatIsNoPropertyList) {
+  const std::string whole = Document(kEveryKind);
+  for (std::size_t size = 0; size < whole.find("</plist>") + 8; ++size) {
+    EXPECT_EQ(Read(whole.substr(0, size)), nullptr) << size << " bytes of it";
+  }
+  const std::string bomb = "<!DOCTYPE plist [<!ENTITY a 'aaaaaaaaaa'><!ENTITY b '&a;&a;&a;&a;&a;&a;&a;&a;'>]>";
+  const struct {
+    std::string xml, reason;
+  } cases[] = {
+      {Plist("<true/>") + "\0\0"s, "not well-formed"},
+      {Plist("<true/>") + "x", "junk after document element"},
+      {"\n<?xml version='1.0'?>" + Plist("<true/>"), "XML or text declaration"},
+      {"<?xml version='1.0' encoding='EBCDIC'?>" + Plist("<true/>"), "unknown encoding"},
+      {"bplist00", "syntax error"},
+      {"<dict/>", "the outermost element is not plist"},
+      {"<html><plist/></html>", "unknown element"},
+      {Plist(""), "no value in plist"},
+      {Plist("<true/><true/>"), "more than one value"},
+      {Plist("<plist><true/></plist>"), "plist within plist"},
+      {Plist("<set/>"), "unknown element"},
+      {Plist("<Dict/>"), "unknown element"},
+      {Plist("<string><true/></string>"), "an element within text"},
+      {Plist("<true>1</true>"), "text where none may be"},
+      {Plist("text<true/>"), "text where none may be"},
+      {Plist("<array>&#160;</array>"), "text where none may be"},
+      {"<plist size='1'><true/></plist>", "unknown attribute"},
+      {Plist("<true version='1'/>"), "unknown attribute"},
+      {Plist("<key>k</key>"), "a key outside a dictionary"},
+      {Plist("<array><key>k</key></array>"), "a key outside a dictionary"},
+      {InDict("<key>k</key>"), "a key without a value"},
+      {InDict("<key>k</key><key>l</key><true/>"), "a key without a value"},
+      {InDict("<true/>"), "a value without a key"},
+      {InDict("<key>k</key><dict/><true/>"), "a value without a key"},
+      {InDict("<key>k</key><true/>\n<key>l</key><true/>\n<key>k</key><true/>"),
+       "line 3: a key that its dictionary has"},
+      {bomb + Plist("<string>&b;</string>"), "an entity declaration"},
+      {"<!DOCTYPE plist [<!ENTITY % p SYSTEM 'file:///etc/passwd'>%p;]>" + Plist("<true/>"), "an entity declaration"},
+      {"<!DOCTYPE plist [<!ENTITY a SYSTEM 'file:///etc/passwd'>]>" + Plist("<string>&a;</string>"), "an entity"},
+      {"<!DOCTYPE plist SYSTEM 'x'>" + Plist("<string>&b;</string>"), "an undefined entity"},
+      {Plist("<string>&b;</string>"), "undefined entity"},
+      {Plist("<string>\xC3(</string>"), "not well-formed"},
+      {Plist("<string>\xED\xA0\x80</string>"), "not well-formed"},
+      {Plist("<string>\x01</string>"), "not well-formed"},
+      {Plist("<string>&#0;</string>"), "invalid character number"},
+      {Plist("<string>&#xD800;</string>"), "invalid character number"},
+      {Utf16("<plist><string>", true) + "\xD8\x3D"s + Utf16("a</string></plist>", true).substr(2), "surrogate"},
+      {Utf16("<plist><string>", false) + "\x3D\xDC"s + Utf16("a</string></plist>", false).substr(2), "surrogate"},
+      {Arrays(513), "too many levels"},
+  };
+  for (const auto& [xml, reason] : cases) {
+    std::string error;
+    EXPECT_EQ(Read(xml, &error), nullptr) << xml;
+    EXPECT_NE(error.find(reason), std::string::npos) << xml << ": " << error;
+  }
+}
+
+TEST(PropertyList, RefusesValuesThatAreWrittenWrong) {
+  const struct {
+    const char* element;
+    std::initializer_list<const char*> good, bad;
+  } cases[] = {
+      {"integer",
+       {"0", "-12", "+3", "340282366920938463463374607431768211456"},
+       {"", " ", "-", "1 2", "0x1F", "1.0", "--1"}},
+      {"real",
+       {"0", "-1.", "+2.50", "1e9", "3.25E-07", "nan", "-Infinity", "inf"},
+       {"", ".5", "1,5", "1e", "1.5.", "e9", "0x1p3", "infinit", "1 e5"}},
+      {"date",
+       {"2004Z", "2004-02Z", "2004-02-29Z", "2004-02-29T23Z", "2004-02-29T23:59Z", "2016-12-31T23:59:60Z"},
+       {"", "Z", "2004", "04Z", "2003-02-29Z", "2004-13-01Z", "2004-1-01Z", "2004-01-01T24:00:00Z", "2004-01-01T1:00Z",
+        "2004-01-01T10:00:00", "2004-01-01T10:00:00.5Z", "2004-01-01 10:00:00Z", "2004-01-01T10:60Z"}},
+      {"data",
+       {"", "QQ==", "QUI=", "QUJD", "+/+/"},
+       {"Q", "QQ", "QQ=", "QQ===", "=", "QUI", "QUJ", "====", "QQ==QQ==", "QR==", "QUJ=", "QU-_", "QU*D",
+        "Q=Q=", "QUI=="}},
+  };
+  for (const auto& [element, good, bad] : cases) {
+    const auto plist = [name = std::string(element)](const char* text) {
+      return Plist("<" + name + ">" + text + "</" + name + ">");
+    };
+    for (const char* text : good) EXPECT_NE(Read(plist(text)), nullptr) << element << ' ' << text;
+    for (const char* text : bad) EXPECT_EQ(Read(plist(text)), nullptr) << element << ' ' << text;
+  }
+}
+
+TEST(PropertyList, NestsTo512LevelsAndNeverRecurses) {
+  const std::string document = Write(Read(Arrays(512)).get());
+  ASSERT_NE(document, "");
+  EXPECT_EQ(Write(Read(document).get()), document);
+  EXPECT_EQ(Read(Plist(Repeat("<array>", 1 << 17))), nullptr);
+
+  CFMutableDictionaryRef nested = nullptr;
+  for (int level = 0; level < 1000000; ++level) {
+    const CFMutableDictionaryRef outer =
+        CFDictionaryCreateMutable(nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+    CFDictionarySetValue(outer, CFSTR("k"), nested);
+    CFRelease(nested);
+    nested = outer;
+    if (level == 511) {
+      EXPECT_NE(Write(nested), "");
+    }
+    if (level == 512) {
+      EXPECT_EQ(Write(nested), "");
+    }
+  }
+  EXPECT_EQ(Write(nested), "");
+  CFRelease(nested);
+}
+
+// A quadratic step would take minutes here.
+TEST(PropertyList, TakesTimeInProportionToTheFile) {
+  constexpr std::size_t kSize = std::size_t{24} << 20;
+  const std::string filler(kSize, 'A');
+  EXPECT_NE(Read(Plist("<!--" + filler + "--><true/>")), nullptr);
+  EXPECT_NE(Read("<plist version='" + filler + "'><true/></plist>"), nullptr);
+  const Held<void> list = Read(Plist("<data>" + filler + "</data>"));
+  EXPECT_EQ(CFDataGetLength(static_cast<CFDataRef>(list.get())), static_cast<CFIndex>(kSize / 4 * 3));
+  const Held<void> again = Read(Write(list.get()));
+  EXPECT_EQ(BytesOf(again.get()), BytesOf(list.get()));
+  std::string keys;
+  for (int i = 0; i < 200000; ++i) keys += "<key>" + std::to_string(i) + "</key><true/>";
+  EXPECT_EQ(CFDictionaryGetCount(static_cast<CFDictionaryRef>(Read(InDict(keys)).get())), 200000);
+}
+
+TEST(PropertyList, IsNotWrittenWithWhatXmlDoesNotHave) {
+  for (const char* text : {"\x01", "a\x1F", "\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
+    EXPECT_EQ(Write(Held<void>(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8)).get()), "");
+  }
+  EXPECT_EQ(Write(Held<void>(CFURLCreateWithFileSystemPath(nullptr, CFSTR("/a"), kCFURLPOSIXPathStyle, false)).get()),
+            "");
+  EXPECT_EQ(Write(nullptr), "");
+}
+
+TEST(Dictionary, KeepsTheOrderOfKeysWhileItIsChanged) {
+  const std::string xml = InDict("<key>c</key><true/><key>a</key><false/><key>b</key><data/>");
+  const auto fixed = Read(xml);
+  const auto changed = Read(xml, nullptr, kCFPropertyListMutableContainers);
+  for (const auto& list : {fixed.get(), changed.get()}) {
+    const auto dictionary = const_cast<CFMutableDictionaryRef>(static_cast<CFDictionaryRef>(list));
+    CFDictionarySetValue(dictionary, CFSTR("a"), CFSTR("new"));
+    CFDictionarySetValue(dictionary, CFSTR("0"), CFSTR("last"));
+    CFDictionaryRemoveValue(dictionary, CFSTR("c"));
+    CFDictionaryRemoveValue(dictionary, CFSTR("missing"));
+    CFDictionarySetValue(dictionary, CFSTR("null"), nullptr);
+    CFDictionarySetValue(dictionary, dictionary, CFSTR("no string as key"));
+  }
+  EXPECT_EQ(Write(fixed.get()), Write(Read(xml).get()));
+  EXPECT_EQ(Write(changed.get()), Write(Read(InDict("<key>a</key><string>new</string><key>b</key><data/>"
+                                                    "<key>0</key><string>last</string>"))
+                                            .get()));
+
+  const CFMutableDictionaryRef copy =
+      CFDictionaryCreateMutableCopy(nullptr, 0, static_cast<CFDictionaryRef>(fixed.get()));
+  CFDictionaryRemoveValue(copy, CFSTR("a"));
+  EXPECT_FALSE(CFDictionaryContainsKey(copy, CFSTR("a")));
+  EXPECT_TRUE(CFDictionaryContainsKey(copy, CFSTR("b")));
+  EXPECT_TRUE(CFDictionaryContainsKey(static_cast<CFDictionaryRef>(fixed.get()), CFSTR("a")));
+  CFRelease(copy);
+  const CFDictionaryKeyCallBacks own = {0};
+  EXPECT_EQ(CFDictionaryCreateMutable(nullptr, 0, &own, &kCFTypeDictionaryValueCallBacks), nullptr);
+}
+
+TEST(URL, ReadsFilesWhole) {
+  const std::string path = testing::TempDir() + "catalogcore_url_read";
+  const std::string content = "a\0b"s + std::string(3 << 20, 'x');
+  std::ofstream(path, std::ios::binary) << content;
+  const struct {
+    std::string path;
+    SInt32 error;
+  } cases[] = {
+      {path, 0},
+      {path + ".missing", kCFURLResourceNotFoundError},
+      {path + "/below", kCFURLResourceNotFoundError},
+      {testing::TempDir(), kCFURLResourceAccessViolationError},
+      {"/dev/zero", kCFURLResourceAccessViolationError},
+  };
+  for (const auto& [name, expected] : cases) {
+    const CFURLRef url = CFURLCreateFromFileSystemRepresentation(nullptr, reinterpret_cast<const UInt8*>(name.data()),
+                                                                 static_cast<CFIndex>(name.size()), false);
+    CFDataRef data = nullptr;
+    SInt32 error = 1;
+    EXPECT_EQ(CFURLCreateDataAndPropertiesFromResource(nullptr, url, &data, nullptr, nullptr, &error), expected == 0);
+    EXPECT_EQ(error, expected) << name;
+    EXPECT_EQ(data ? BytesOf(data) : "", expected == 0 ? content : "");
+    CFRelease(data);
+    CFRelease(url);
+  }
+  std::remove(path.c_str());
+}
+
+}  // namespace
