@@ -231,6 +231,37 @@ IDXSTATUS IDXFindNextIndex(IDXFIND find, IDXITEM* item);
  */
 IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int32_t count);
 
+/*
+ * ---- Files
+ *
+ * Each call takes the name of a file in the base directory: an XML property list that holds the indexes, the images, or
+ * both, each as a text of one record a line, and whatever other entries an application puts there.
+ */
+
+/*
+ * Adds the indexes of the file to the catalogue; those that are there already are left as they are. To be called before
+ * IDXLoadImageFile. IDX_OK; IDXERR_FAILED: the file cannot be read, or is none of this kind; IDXERR_PARAM: null;
+ * IDXERR_NODATA: no such file, or it holds no indexes; IDXERR_EMPTY; IDXERR_VERSION; IDXERR_MEMORY.
+ */
+IDXSTATUS IDXLoadIndexFile(IDXSTR name);
+
+/*
+ * Adds the images of the file to the catalogue, but for those whose file does not exist (any more), whose index is not in
+ * the catalogue, or which are there already. Statuses as IDXLoadIndexFile, but IDXERR_VERSION in place of IDXERR_EMPTY.
+ */
+IDXSTATUS IDXLoadImageFile(IDXSTR name);
+
+/*
+ * Writes the indexes to the file, which is made or, its other entries kept, replaced: it is the old or the new one, whole,
+ * whatever fails. Indexes with all three protections are left out, as the presets are. A name with a line feed does not
+ * come back whole. IDX_OK; IDXERR_FAILED: the file is there and none of this kind, or cannot be written; IDXERR_PARAM:
+ * null; IDXERR_MEMORY.
+ */
+IDXSTATUS IDXWriteIndexFile(IDXSTR name);
+
+/* Writes the images in the same way. A path with a line feed does not come back. */
+IDXSTATUS IDXWriteImageFile(IDXSTR name);
+
 /* ---- Scenes */
 
 /*

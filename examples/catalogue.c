@@ -1,0 +1,80 @@
+/*
+ * Files three pictures, walks them, writes the catalogue and loads it again: catalogue DIRECTORY. The directory must exist;
+ * the pictures are made in it.
+ */
+#include <catalogcore.h>
+#include <stdio.h>
+#include <string.h>
+
+static CFStringRef text(const char* utf8) {
+  return CFStringCreateWithCString(kCFAllocatorDefault, utf8, kCFStringEncodingUTF8);
+}
+
+/* Prints what went wrong, if anything did, and returns whether nothing did. */
+static int succeeds(const char* call, IDXSTATUS status) {
+  if (status != IDX_OK) fprintf(stderr, "%s gives %u\n", call, status);
+  return status == IDX_OK;
+}
+
+static int file_pictures(const char* directory) {
+  static const struct {
+    const char* name;
+    int32_t index;
+  } pictures[] = {{"beach.jpg", IDXPRESET_PHOTO_OTHER},
+                  {"anna.jpg", IDXPRESET_PHOTO_FACES},
+                  {"letter.png", IDXPRESET_DOCUMENT_PAGE}};
+  int filed = 1;
+  size_t i;
+  for (i = 0; i < sizeof pictures / sizeof pictures[0]; ++i) {
+    char path[4096];
+    FILE* file;
+    CFStringRef name;
+    IDXITEM item = {0};
+    snprintf(path, sizeof path, "%s/%s", directory, pictures[i].name);
+    file = fopen(path, "wb");
+    if (file) fclose(file);
+    name = text(path);
+    item.name = &name;
+    item.index = pictures[i].index;
+    item.mask = IDXMASK_NAME | IDXMASK_INDEX;
+    filed = succeeds("IDXAddImage", IDXAddImage(&item)) && filed;
+    CFRelease(name);
+  }
+  return filed;
+}
+
+/* Prints every image and returns how many there are. */
+static int print_images(void) {
+  CFStringRef name = NULL;
+  IDXITEM item = {0};
+  IDXSTATUS status;
+  IDXFIND find;
+  int count = 0;
+  item.operation = IDXOP_GETINFO;
+  item.name = &name;
+  item.mask = IDXMASK_NAME | IDXMASK_INDEX;
+  find = IDXFindFirstImage(&item, &status);
+  for (; status == IDX_OK; status = IDXFindNextImage(find, &item)) {
+    char path[4096] = "";
+    CFStringGetCString(name, path, sizeof path, kCFStringEncodingUTF8);
+    CFRelease(name); /* the library hands out a new string each time */
+    printf("%d %s\n", (int)item.index, path);
+    ++count;
+  }
+  IDXCloseFind(find);
+  return count;
+}
+
+int main(int argc, char** argv) {
+  CFStringRef directory = text(argc > 1 ? argv[1] : ".");
+  CFStringRef images = text("images.plist");
+  int works = succeeds("IDXInitialize", IDXInitialize()) && succeeds("IDXSetFilePath", IDXSetFilePath(&directory)) &&
+              file_pictures(argc > 1 ? argv[1] : ".") && succeeds("IDXWriteImageFile", IDXWriteImageFile(&images)) &&
+              succeeds("IDXInitialize", IDXInitialize()) && print_images() == 0 &&
+              succeeds("IDXSetFilePath", IDXSetFilePath(&directory)) &&
+              succeeds("IDXLoadImageFile", IDXLoadImageFile(&images)) && print_images() == 3;
+  IDXUninitialize();
+  CFRelease(images);
+  CFRelease(directory);
+  return works ? 0 : 1;
+}

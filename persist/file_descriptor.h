@@ -1,0 +1,29 @@
+// Owns an open file.
+#ifndef CATALOGCORE_PERSIST_FILE_DESCRIPTOR_H_
+#define CATALOGCORE_PERSIST_FILE_DESCRIPTOR_H_
+
+#include <unistd.h>
+
+class FileDescriptor {
+ public:
+  // `descriptor` is what open() gave: negative if it failed.
+  explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
+  ~FileDescriptor() { Close(); }
+  FileDescriptor(const FileDescriptor&) = delete;
+  FileDescriptor& operator=(const FileDescriptor&) = delete;
+
+  bool IsOpen() const { return descriptor_ >= 0; }
+  int Get() const { return descriptor_; }
+
+  // Whether closing told of no error that an earlier write kept back. Once closed, it is done.
+  bool Close() {
+    const int descriptor = descriptor_;
+    descriptor_ = -1;
+    return descriptor < 0 || close(descriptor) == 0;
+  }
+
+ private:
+  int descriptor_;
+};
+
+#endif  // CATALOGCORE_PERSIST_FILE_DESCRIPTOR_H_

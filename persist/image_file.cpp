@@ -1,0 +1,48 @@
+// The file of the images: index key, attribute and path of each.
+#include "api/catalogue.h"
+#include "api/file_path.h"
+#include "base/file_existence.h"
+#include "base/heap_block.h"
+#include "base/region_guard.h"
+#include "persist/catalogue_file.h"
+#include "persist/payload.h"
+
+IDXSTATUS GetImageData(CIDXBuffer& payload) {
+  if (!idData) return IDXERR_FAILED;
+  if (!AppendVersion(payload)) return IDXERR_MEMORY;
+  const RegionGuard region(idData->CriticalRegion());
+  SearchHandle handle{};
+  CIDXString everyIndex;
+  CIDXString everyFolder;
+  for (const CIDXNode* node = idData->GetFirstNode(&handle, everyIndex, everyFolder, 1); node;
+       node = idData->GetNextNode(&handle, 1)) {
+    const char* const indexKey = node->cell[kIndexTree]->info->key.Text();
+    if (!AppendRecord(payload, indexKey, node->info->attribute, node->info->key.Text())) return IDXERR_MEMORY;
+  }
+  return IDX_OK;
+}
+
+IDXSTATUS IDXLoadImageFile(IDXSTR name) {
+  return CatalogueCall(name, [name]() -> IDXSTATUS {
+    std::int32_t status = IDX_OK;
+    const HeapBlock<char> payload(LoadImageBuffer(name, &status));
+    if (status != IDX_OK) return static_cast<IDXSTATUS>(status);
+    PayloadReader reader(payload.get());
+    if (!IsValidVersion(reader.VersionLine())) return IDXERR_VERSION;
+    const RegionGuard region(idData->CriticalRegion());
+    CIDXString indexKey;
+    CIDXString imageKey;
+    CIDXString folderKey;
+    for (PayloadRecord record{}; reader.NextRecord(record);) {
+      if (!IsFileExistAPI(record.last)) continue;
+      if (indexKey.CopyString(record.first) < 0 || imageKey.CopyString(record.last) < 0) return IDXERR_MEMORY;
+      if (!ExtractFilePath(folderKey, imageKey)) continue;
+      idData->AddNode(imageKey, indexKey, folderKey, record.attribute);  // what the store refuses is skipped
+    }
+    return IDX_OK;
+  });
+}
+
+IDXSTATUS IDXWriteImageFile(IDXSTR name) {
+  return CatalogueCall(name, [name] { return WriteCatalogueFile(name, CATALOGCORE_IMAGE_KEY, GetImageData); });
+}

@@ -1,0 +1,93 @@
+#include "persist/property_file.h"
+
+#include <limits.h>
+
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "base/cf_reference.h"
+#include "persist/property_value.h"
+#include "persist/read_file.h"
+#include "persist/replace_file.h"
+
+namespace {
+
+using Dictionary = CFReference<CFMutableDictionaryRef>;
+
+// The path for system calls; false when it is longer than any path.
+bool PathOf(CFURLRef url, char (&path)[PATH_MAX]) {
+  return CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(path), sizeof path);
+}
+
+// The dictionary at the file's top, for changing; null when the file is none that this library can read.
+ReadResult ReadDictionary(const char* path, Dictionary& dictionary) {
+  std::vector<UInt8> content;
+  const ReadResult result = ReadFile(path, content);
+  if (result != ReadResult::kRead) return result;
+  const CFReference<CFDataRef> data(CFDataCreate(nullptr, content.data(), static_cast<CFIndex>(content.size())));
+  if (!data) return ReadResult::kFailed;
+  content = {};
+  const CFReference<CFPropertyListRef> list(
+      CFPropertyListCreateFromXMLData(nullptr, data.get(), kCFPropertyListMutableContainers, nullptr));
+  if (!list || CFGetTypeID(list.get()) != CFDictionaryGetTypeID()) return ReadResult::kFailed;
+  CFRetain(list.get());
+  dictionary.reset(static_cast<CFMutableDictionaryRef>(const_cast<void*>(list.get())));
+  return ReadResult::kRead;
+}
+
+}  // namespace
+
+bool ReadPropertyValue(CFURLRef url, CFStringRef key, CFReference<CFDataRef>& value) {
+  char path[PATH_MAX];
+  Dictionary dictionary;
+  if (!PathOf(url, path)) return true;  // nothing has such a path
+  const ReadResult result = ReadDictionary(path, dictionary);
+  if (result != ReadResult::kRead) return result == ReadResult::kMissing;
+  const CFTypeRef found = CFDictionaryGetValue(dictionary.get(), key);
+  if (!found) return true;
+  if (CFGetTypeID(found) != CFDataGetTypeID()) return false;
+  value.reset(static_cast<CFDataRef>(CFRetain(found)));
+  return true;
+}
+
+int _ReadKeyData(CFURLRef url, CFStringRef key, void* block, std::int32_t* size) {
+  if (!size) return 0;
+  const std::int32_t room = *size;
+  *size = 0;
+  CFReference<CFDataRef> value;
+  if (!ReadPropertyValue(url, key, value)) return 0;
+  if (!value) return 1;
+  CFIndex count = std::min<CFIndex>(CFDataGetLength(value.get()), INT_MAX);
+  if (block) {
+    count = std::min<CFIndex>(count, std::max(room, 0));
+    if (count > 0) std::memcpy(block, CFDataGetBytePtr(value.get()), static_cast<std::size_t>(count));
+  }
+  *size = static_cast<std::int32_t>(count);
+  return 1;
+}
+
+int _WriteKeyData(CFURLRef url, CFStringRef key, const CIDXBuffer& buffer) {
+  if (buffer.Capacity() == 0 || buffer.Length() == INT_MAX) return 0;
+  char path[PATH_MAX];
+  if (!PathOf(url, path)) return 0;
+  Dictionary dictionary;
+  const ReadResult result = ReadDictionary(path, dictionary);
+  if (result == ReadResult::kFailed) return 0;
+  if (result == ReadResult::kMissing) {
+    dictionary.reset(
+        CFDictionaryCreateMutable(nullptr, 0, &kCFCopyStringDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+  }
+  // The terminator belongs to the item.
+  const CFReference<CFDataRef> value(
+      CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(buffer.Text()), CFIndex{buffer.Length()} + 1));
+  if (!dictionary || !value) return 0;
+  CFDictionaryRemoveValue(dictionary.get(), key);
+  CFDictionarySetValue(dictionary.get(), key, value.get());
+  const CFReference<CFDataRef> xml(CFPropertyListCreateXMLData(nullptr, dictionary.get()));
+  if (!xml) return 0;
+  const UInt8* const bytes = CFDataGetBytePtr(xml.get());
+  std::vector<UInt8> content(bytes, bytes + CFDataGetLength(xml.get()));
+  content.push_back(0);
+  return ReplaceFile(path, content.data(), content.size()) ? 1 : 0;
+}

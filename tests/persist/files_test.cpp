@@ -1,0 +1,250 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "api/catalogue.h"
+#include "persist/catalogue_file.h"
+#include "persist/property_file.h"
+#include "tests/api/item.h"
+#include "tests/persist/failing_calls.h"
+#include "tests/support/catalogue_state.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using Load = IDXSTATUS (*)(IDXSTR);
+
+class FilesTest : public testing::Test {
+ protected:
+  FilesTest() : folder_(fs::temp_directory_path() / ("catalogcore_files_" + std::to_string(getpid()))) {
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+    Begin();
+  }
+  ~FilesTest() override {
+    IDXUninitialize();
+    fs::remove_all(folder_);
+  }
+
+  void Begin() {
+    EXPECT_EQ(IDXInitialize(), IDX_OK);
+    CFStringRef folder = Item::Make(folder_);
+    EXPECT_EQ(IDXSetFilePath(&folder), IDX_OK);
+    CFRelease(folder);
+  }
+  static IDXSTATUS Call(Load call, const char* name = "file") {
+    CFStringRef variable = Item::Make(name);
+    const IDXSTATUS status = call(&variable);
+    CFRelease(variable);
+    return status;
+  }
+  std::string Content() const {
+    std::ifstream file(folder_ / "file", std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  void SetContent(const std::string& content) { std::ofstream(folder_ / "file", std::ios::binary) << content; }
+  // A file with this payload, its terminator included, under the key.
+  void SetPayload(CFStringRef key, const std::string& payload) {
+    CFStringRef path = Item::Make(folder_ / "file");
+    const CFReference<CFURLRef> url(CFURLCreateWithFileSystemPath(nullptr, path, kCFURLPOSIXPathStyle, false));
+    CIDXBuffer buffer;
+    buffer.CopyBuffer(payload.c_str(), -1);
+    EXPECT_EQ(_WriteKeyData(url.get(), key, buffer), 1);
+    CFRelease(path);
+  }
+  std::size_t FileCount() const {
+    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
+  }
+  static std::vector<CellState> AddedIndexes() {
+    std::vector<CellState> added;
+    for (const CellState& cell : StateOf(*idData).cells[kIndexTree]) {
+      if (cell.attribute != 7) added.push_back(cell);
+    }
+    return added;
+  }
+
+  const fs::path folder_;
+};
+
+TEST_F(FilesTest, BothPayloadsLiveInOneFileAmongOtherEntries) {
+  const std::string others =
+      "<key>Other</key><dict><key>n</key><integer>-07</integer><key>r</key><real>1.50</real><key>d</key>"
+      "<date>2006-01-02T03:04:05Z</date><key>a</key><array><true/><false/><data>AAEC</data><string>a &amp; b</string>"
+      "</array></dict>";
+  SetContent("<?xml version='1.0'?><!-- no DOCTYPE --><plist><dict>" + others + "</dict></plist>");
+  EXPECT_EQ(Call(IDXLoadIndexFile), IDXERR_NODATA);
+  EXPECT_EQ(IDXAddIndex(&Item().Index(1000000).Name("Beach, north").Attribute(2)), IDX_OK);
+  EXPECT_EQ(IDXAddIndex(&Item().Index(1000000).Name("gone").Attribute(7)), IDX_OK);
+  EXPECT_EQ(IDXAddImage(&Item().Name(folder_ / "file").Index(1100000).Attribute(1)), IDX_OK);
+  EXPECT_EQ(IDXAddImage(&Item().Name(folder_ / "missing").Index(1100000)), IDX_OK);
+  EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+  EXPECT_EQ(Call(IDXWriteImageFile), IDX_OK);
+
+  const std::string content = Content();
+  EXPECT_EQ(content.find('\0'), content.size() - 1);
+  for (const char* kept : {"<integer>-07</integer>", "<real>1.50</real>", "<date>2006-01-02T03:04:05Z</date>",
+                           "<true/>", "<false/>", "AAEC", "<string>a &amp; b</string>"}) {
+    EXPECT_NE(content.find(kept), std::string::npos) << kept;
+  }
+  std::int32_t status = 99;
+  CFStringRef name = Item::Make("file");
+  char* const payload = LoadIndexBuffer(&name, &status);
+  EXPECT_STREQ(payload, "CatalogCoreVer1.0\n1/10,2,Beach, north\n");
+  std::free(payload);
+  CFRelease(name);
+
+  Begin();
+  EXPECT_EQ(Call(IDXLoadIndexFile), IDX_OK);
+  EXPECT_EQ(Call(IDXLoadIndexFile), IDX_OK);  // what is there is refused, without a word
+  EXPECT_EQ(Call(IDXLoadImageFile), IDX_OK);
+  ASSERT_EQ(AddedIndexes().size(), 1u);
+  EXPECT_EQ(AddedIndexes()[0].name, "Beach, north");
+  EXPECT_EQ(AddedIndexes()[0].images, Keys({folder_ / "file"}));
+}
+
+TEST_F(FilesTest, WhatIsNoCatalogueFileStaysAsItIs) {
+  const std::string head = "<?xml version=\"1.0\"?><plist version=\"1.0\">";
+  for (const std::string& content :
+       {std::string("garbage"), std::string(), head, head + "<dict><key>IDXIndex</key><data>AAAA</dat",
+        head + "<array/></plist>", head + "<string>x</string></plist>",
+        head + "<dict><key>IDXIndex</key></dict></plist>",
+        head + "<dict><key>IDXIndex</key><data>A*==</data></dict></plist>"}) {
+    SetContent(content);
+    EXPECT_EQ(Call(IDXLoadIndexFile), IDXERR_FAILED) << content;
+    EXPECT_EQ(Call(IDXWriteIndexFile), IDXERR_FAILED) << content;
+    EXPECT_EQ(Content(), content);
+  }
+  SetContent(head + "<dict><key>IDXIndex</key><string>x</string></dict></plist>");
+  EXPECT_EQ(Call(IDXLoadIndexFile), IDXERR_FAILED);
+  EXPECT_EQ(Call(IDXLoadImageFile), IDXERR_NODATA);
+  EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);  // a value of another kind is replaced
+  SetContent(head + "<dict><key>IDXIndex</key><data></data></dict></plist>");
+  EXPECT_EQ(Call(IDXLoadIndexFile), IDXERR_NODATA);
+  for (const Load call : {IDXLoadIndexFile, IDXLoadImageFile, IDXWriteIndexFile, IDXWriteImageFile}) {
+    EXPECT_EQ(call(nullptr), IDXERR_PARAM);
+    EXPECT_EQ(Call(call, ""), IDXERR_FAILED);  // the directory itself
+  }
+  EXPECT_EQ(Call(IDXLoadIndexFile, "missing"), IDXERR_NODATA);
+  IDXUninitialize();
+  EXPECT_EQ(Call(IDXLoadIndexFile), IDXERR_FAILED);
+  EXPECT_EQ(Call(IDXWriteIndexFile), IDXERR_FAILED);
+}
+
+TEST_F(FilesTest, RecordsAreCutAsTheyStand) {
+  const std::string version = "CatalogCoreVer1.0\n";
+  const struct {
+    std::string payload;
+    IDXSTATUS index, image;
+    Keys added;  // "key=name=attribute"
+  } cases[] = {
+      {"", IDXERR_EMPTY, IDXERR_VERSION, {}},
+      {"\n\n", IDXERR_EMPTY, IDXERR_VERSION, {}},
+      {"CatalogCoreVer1.0\r\n", IDXERR_VERSION, IDXERR_VERSION, {}},
+      {"CatalogCoreVer1.01\n", IDXERR_VERSION, IDXERR_VERSION, {}},
+      {"\n\n" + version + "1/10,300,a\n1/11,-1,b\n1/12,x,c,d\n",
+       IDX_OK,
+       IDX_OK,
+       {"1/10=a=44", "1/11=b=255", "1/12=c,d=0"}},
+      {version + "1/10,0,\n1/11,0,b\n", IDX_OK, IDX_OK, {"1/10=1/11,0,b=0"}},
+      {version + "1/10,0,a\n\n1/11,0,b\n", IDX_OK, IDX_OK, {"1/10=a=0", "\n1=b=0", "\n1/11=b=0"}},
+      {version + "1/10,99999999999,a\n1/11,0", IDX_OK, IDX_OK, {"1/10=a=255"}},
+      {version + "1//2,0,a\n/x,0,b\n8/1,0,c\n,,", IDX_OK, IDX_OK, {"8=c=0", "8/1=c=0"}},
+  };
+  for (const auto& [payload, index, image, added] : cases) {
+    SCOPED_TRACE(payload);
+    fs::remove(folder_ / "file");
+    SetPayload(CATALOGCORE_INDEX_KEY, payload);
+    SetPayload(CATALOGCORE_IMAGE_KEY, payload);
+    Begin();
+    EXPECT_EQ(Call(IDXLoadIndexFile), index);
+    EXPECT_EQ(Call(IDXLoadImageFile), image);
+    Keys found;
+    for (const CellState& cell : AddedIndexes())
+      found.push_back(cell.key + "=" + cell.name + "=" + std::to_string(cell.attribute));
+    EXPECT_EQ(found, added);
+  }
+}
+
+TEST_F(FilesTest, LinksPermissionsAndLeftoversAreMinded) {
+  fs::create_directories(folder_ / "real");
+  SetContent("<plist><dict/></plist>");
+  fs::rename(folder_ / "file", folder_ / "real/file");
+  fs::create_symlink("real/file", folder_ / "file");
+  chmod((folder_ / "real/file").c_str(), 0640);
+  std::ofstream(folder_ / "real/.file.catalogcore-1-1") << "left behind";
+  std::ofstream(folder_ / "real/.other.catalogcore-1-1") << "not ours";
+  EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+  EXPECT_TRUE(fs::is_symlink(folder_ / "file"));
+  struct stat status {};
+  ASSERT_EQ(stat((folder_ / "real/file").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0640u);
+  EXPECT_FALSE(fs::exists(folder_ / "real/.file.catalogcore-1-1"));
+  EXPECT_TRUE(fs::exists(folder_ / "real/.other.catalogcore-1-1"));
+
+  // In a folder that takes no new file, by a user who is not allowed everything.
+  const auto asNobody = [](auto check) {
+    const bool isRoot = geteuid() == 0;
+    ASSERT_TRUE(!isRoot || seteuid(65534) == 0);
+    check();
+    ASSERT_TRUE(!isRoot || seteuid(0) == 0);
+  };
+  chmod((folder_ / "real").c_str(), 0555);
+  chmod((folder_ / "real/file").c_str(), 0666);
+  asNobody([] {
+    EXPECT_EQ(Call(IDXWriteImageFile), IDX_OK);
+    EXPECT_EQ(Call(IDXWriteImageFile, "real/new"), IDXERR_FAILED);
+  });
+  chmod((folder_ / "real/file").c_str(), 0444);
+  const std::string before = Content();
+  asNobody([] { EXPECT_EQ(Call(IDXWriteIndexFile), IDXERR_FAILED); });
+  EXPECT_EQ(Content(), before);
+  chmod((folder_ / "real").c_str(), 0755);
+}
+
+TEST_F(FilesTest, FileIsTheOldOrTheNewOneWhateverFails) {
+  ASSERT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+  const std::string before = Content();
+  IDXAddIndex(&Item().Index(1000000).Name("new"));
+  int failures = 0;
+  for (bool isReached = true; isReached; ++failures) {
+    ArmCalls(OnCall::kFail, failures);
+    const IDXSTATUS status = Call(IDXWriteIndexFile);
+    isReached = CallsWereReached();
+    ArmCalls(OnCall::kNothing, 0);
+    const bool isNew = Content() != before;
+    EXPECT_EQ(FileCount(), 1u) << failures;
+    EXPECT_TRUE(!isReached || isNew || status == IDXERR_FAILED) << failures;
+    EXPECT_EQ(Call(IDXLoadIndexFile), IDX_OK) << failures;
+    SetContent(before);
+  }
+  EXPECT_GT(failures, 4);
+  for (int at = 0, wasKilled = 1; wasKilled; ++at) {
+    const pid_t child = fork();
+    if (child == 0) {
+      ArmCalls(OnCall::kKill, at);
+      Call(IDXWriteIndexFile);
+      _exit(0);
+    }
+    int end = 0;
+    ASSERT_EQ(waitpid(child, &end, 0), child);
+    wasKilled = WIFSIGNALED(end);
+    EXPECT_EQ(Call(IDXLoadIndexFile), IDX_OK) << at;
+    EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+    EXPECT_EQ(FileCount(), 1u) << at;
+    SetContent(before);
+  }
+  ArmCalls(OnCall::kShorten, 0);
+  EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+  EXPECT_TRUE(CallsWereReached());
+  ArmCalls(OnCall::kNothing, 0);
+  EXPECT_EQ(Call(IDXLoadIndexFile), IDX_OK);
+}
+
+}  // namespace
