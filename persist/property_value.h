@@ -4,8 +4,8 @@
 
 #include "base/cf_reference.h"
 
-// Sets `value` to the data under `key`; leaves it null when the file or the key is not there. False when the file cannot
-// be read, or holds something else there.
+// Sets `value` to the data under `key`; leaves it null when the file or the key is not there. False when the file
+// cannot be read, or holds something else there.
 bool ReadPropertyValue(CFURLRef url, CFStringRef key, CFReference<CFDataRef>& value);
 
 #endif  // CATALOGCORE_PERSIST_PROPERTY_VALUE_H_
