@@ -50,7 +50,8 @@ IDXSTATUS AddUnder(IDXITEM* item, const CIDXString& parentKey, const CIDXString&
   if (key.CopyString(path.c_str()) < 0) return IDXERR_MEMORY;
   int number = 0;
   ConvertPathtoINT(number, key, kIndexLevels, kIndexDigits);
-  if (!IsIndexNumber(number)) return IDXERR_PARAM;  // below the fourth level
+  // Below the fourth level numbers leave the range, or wrap into it again.
+  if (key.Count('/') >= kIndexLevels || !IsIndexNumber(number)) return IDXERR_PARAM;
   const std::uint32_t result = idData->AddCell(kIndexTree, key, name, attribute);
   if (wantsNumber) SetIDXIndex(item, key);
   return StoreStatus(result);

@@ -13,7 +13,7 @@ namespace {
 
 IDXSTATUS Initialize() {
   idData = new (std::nothrow) CIndexData;
-  if (!idData || !*idData->CriticalRegion()) return IDXERR_MEMORY;
+  if (!idData || !*idData->CriticalRegion()) return IDXUninitialize(), IDXERR_MEMORY;
   const std::uint32_t result = idData->Initialize();
   if (result != StoreOk) return StoreStatus(result);
   g_strFilePath.CopyString("");

@@ -27,6 +27,15 @@ if(CATALOGCORE_SANITIZE)
   target_link_options(catalogcore_options INTERFACE -fsanitize=${CATALOGCORE_SANITIZE})
 endif()
 
+# A C program that uses the library: with the sanitizers it needs what they know of C++.
+function(catalogcore_c_program name)
+  add_executable(${name} ${ARGN})
+  target_link_libraries(${name} PRIVATE catalogcore catalogcore_options)
+  if(CATALOGCORE_SANITIZE)
+    set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
+  endif()
+endfunction()
+
 # catalogcore_room(NAME SOURCES source... [USES target...])
 # A room of the library: a static library of its own, included from the project's root ("store/entries.h").
 function(catalogcore_room name)

@@ -9,7 +9,7 @@
 
 IDXSTATUS GetImageData(CIDXBuffer& payload) {
   if (!idData) return IDXERR_FAILED;
-  if (!AppendVersion(payload)) return IDXERR_MEMORY;
+  if (!SetVersion(payload)) return IDXERR_MEMORY;
   const RegionGuard region(idData->CriticalRegion());
   SearchHandle handle{};
   CIDXString everyIndex;

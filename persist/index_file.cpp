@@ -14,7 +14,7 @@ constexpr std::uint8_t kAllProtections = IDXATTR_NOMOVE | IDXATTR_NOREMOVE | IDX
 
 IDXSTATUS GetIndexData(CIDXBuffer& payload) {
   if (!idData) return IDXERR_FAILED;
-  if (!AppendVersion(payload)) return IDXERR_MEMORY;
+  if (!SetVersion(payload)) return IDXERR_MEMORY;
   const RegionGuard region(idData->CriticalRegion());
   SearchHandle handle{};
   CIDXString everything;

@@ -13,8 +13,8 @@ constexpr char kVersion[] = "CatalogCoreVer1.0";
 
 int IsValidVersion(const char* text) { return text && std::strcmp(text, kVersion) == 0 ? 1 : 0; }
 
-bool AppendVersion(CIDXBuffer& payload) {
-  return payload.CatBuffer(kVersion, -1) >= 0 && payload.CatBuffer("\n", -1) >= 0;
+bool SetVersion(CIDXBuffer& payload) {
+  return payload.CopyBuffer(kVersion, -1) >= 0 && payload.CatBuffer("\n", -1) >= 0;
 }
 
 bool AppendRecord(CIDXBuffer& payload, const char* first, std::uint8_t attribute, const char* last) {

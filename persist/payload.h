@@ -10,8 +10,8 @@
 // 1 if the text is the version tag and nothing else, else 0; also for null.
 int IsValidVersion(const char* text);
 
-// Appends the line of the version tag, or of a record. False without memory.
-bool AppendVersion(CIDXBuffer& payload);
+// Sets the payload to the line of the version tag, or appends that of a record. False without memory.
+bool SetVersion(CIDXBuffer& payload);
 bool AppendRecord(CIDXBuffer& payload, const char* first, std::uint8_t attribute, const char* last);
 
 struct PayloadRecord {

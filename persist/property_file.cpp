@@ -1,6 +1,7 @@
 #include "persist/property_file.h"
 
 #include <limits.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
@@ -8,7 +9,6 @@
 
 #include "base/cf_reference.h"
 #include "persist/property_value.h"
-#include "persist/read_file.h"
 #include "persist/replace_file.h"
 
 namespace {
@@ -20,14 +20,18 @@ bool PathOf(CFURLRef url, char (&path)[PATH_MAX]) {
   return CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(path), sizeof path);
 }
 
-// The dictionary at the file's top, for changing; null when the file is none that this library can read.
-ReadResult ReadDictionary(const char* path, Dictionary& dictionary) {
-  std::vector<UInt8> content;
-  const ReadResult result = ReadFile(path, content);
-  if (result != ReadResult::kRead) return result;
-  const CFReference<CFDataRef> data(CFDataCreate(nullptr, content.data(), static_cast<CFIndex>(content.size())));
-  if (!data) return ReadResult::kFailed;
-  content = {};
+enum class ReadResult { kRead, kMissing, kFailed };
+
+// The dictionary at the file's top, for changing. kMissing when the URL names nothing; kFailed when it names nothing that
+// this library can read.
+ReadResult ReadDictionary(CFURLRef url, Dictionary& dictionary) {
+  char path[PATH_MAX];
+  if (!PathOf(url, path) || access(path, F_OK) != 0) return ReadResult::kMissing;
+  CFDataRef content = nullptr;
+  if (!CFURLCreateDataAndPropertiesFromResource(nullptr, url, &content, nullptr, nullptr, nullptr)) {
+    return ReadResult::kFailed;
+  }
+  const CFReference<CFDataRef> data(content);
   const CFReference<CFPropertyListRef> list(
       CFPropertyListCreateFromXMLData(nullptr, data.get(), kCFPropertyListMutableContainers, nullptr));
   if (!list || CFGetTypeID(list.get()) != CFDictionaryGetTypeID()) return ReadResult::kFailed;
@@ -39,10 +43,8 @@ ReadResult ReadDictionary(const char* path, Dictionary& dictionary) {
 }  // namespace
 
 bool ReadPropertyValue(CFURLRef url, CFStringRef key, CFReference<CFDataRef>& value) {
-  char path[PATH_MAX];
   Dictionary dictionary;
-  if (!PathOf(url, path)) return true;  // nothing has such a path
-  const ReadResult result = ReadDictionary(path, dictionary);
+  const ReadResult result = ReadDictionary(url, dictionary);
   if (result != ReadResult::kRead) return result == ReadResult::kMissing;
   const CFTypeRef found = CFDictionaryGetValue(dictionary.get(), key);
   if (!found) return true;
@@ -72,7 +74,7 @@ int _WriteKeyData(CFURLRef url, CFStringRef key, const CIDXBuffer& buffer) {
   char path[PATH_MAX];
   if (!PathOf(url, path)) return 0;
   Dictionary dictionary;
-  const ReadResult result = ReadDictionary(path, dictionary);
+  const ReadResult result = ReadDictionary(url, dictionary);
   if (result == ReadResult::kFailed) return 0;
   if (result == ReadResult::kMissing) {
     dictionary.reset(

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <limits.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -9,67 +10,88 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "base/heap_block.h"
 #include "persist/file_descriptor.h"
 
 namespace {
 
-// A temporary file is named after its file: ".images.plist.catalogcore-4711-1". While its writer lives it is locked.
+// A temporary file is named after its file by a number, since the name itself may be as long as names can be:
+// ".catalogcore-HASH-PID-COUNT". While its writer lives it is locked.
 constexpr char kMark[] = ".catalogcore-";
+constexpr int kMostLinks = 40;  // as many as the system follows
 
 struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
 };
 
 struct Target {
+  explicit Target(std::string whole) : path(std::move(whole)) {
+    const std::size_t slash = path.rfind('/');
+    folder = slash == std::string::npos ? "./" : path.substr(0, slash + 1);
+    prefix = kMark + std::to_string(std::hash<std::string>()(path.substr(slash + 1))) + '-';
+    exists = stat(path.c_str(), &status) == 0;
+  }
+
+  std::string path;
   std::string folder;  // with a "/" at its end
-  std::string name;
+  std::string prefix;  // of its temporary files' names
   bool exists = false;
   struct stat status {};
-
-  std::string Path() const { return folder + name; }
-  std::string TemporaryPrefix() const { return '.' + name + kMark; }
 };
 
-// Where the path leads, through symbolic links.
-Target FindTarget(const char* path) {
-  const HeapBlock<char> resolved(realpath(path, nullptr));
-  const std::string whole = resolved ? resolved.get() : path;
-  const std::size_t slash = whole.rfind('/');
-  Target target;
-  target.folder = slash == std::string::npos ? "./" : whole.substr(0, slash + 1);
-  target.name = slash == std::string::npos ? whole : whole.substr(slash + 1);
-  target.exists = stat(whole.c_str(), &target.status) == 0;
-  return target;
+// Where the path leads, through symbolic links, also to a file that is not there yet.
+std::string FollowLinks(std::string path) {
+  for (int links = 0; links < kMostLinks; ++links) {
+    char text[PATH_MAX];
+    const ssize_t size = readlink(path.c_str(), text, sizeof text);
+    if (size <= 0) break;
+    const std::string link(text, static_cast<std::size_t>(size));
+    path = link.front() == '/' ? link : path.substr(0, path.rfind('/') + 1) + link;
+  }
+  return path;
+}
+
+// Whether what follows the prefix is "PID-COUNT".
+bool IsTemporaryName(const std::string& prefix, const std::string& name) {
+  if (name.compare(0, prefix.size(), prefix) != 0) return false;
+  const std::size_t dash = name.find('-', prefix.size());
+  return dash != std::string::npos && dash > prefix.size() && dash + 1 < name.size() &&
+         name.find_first_not_of("0123456789-", prefix.size()) == std::string::npos;
 }
 
 // Removes the temporary files of this target that no living writer holds.
 void RemoveLeftovers(const Target& target) {
   const std::unique_ptr<DIR, CloseFolder> folder(opendir(target.folder.c_str()));
   if (!folder) return;
-  const std::string prefix = target.TemporaryPrefix();
   std::vector<std::string> leftovers;
   while (const dirent* const entry = readdir(folder.get())) {
-    if (prefix.compare(0, prefix.size(), entry->d_name, 0, prefix.size()) == 0) leftovers.emplace_back(entry->d_name);
+    if (IsTemporaryName(target.prefix, entry->d_name)) leftovers.push_back(target.folder + entry->d_name);
   }
-  for (const std::string& name : leftovers) {
-    const std::string path = target.folder + name;
+  for (const std::string& path : leftovers) {
     const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     if (file.IsOpen() && flock(file.Get(), LOCK_EX | LOCK_NB) == 0) unlink(path.c_str());
   }
 }
 
-// Makes a file of a name that no other has; negative, with errno, when the folder takes none.
+// Makes a file of a name that no other has, and locks it; negative, with errno, when the folder takes none.
 int CreateTemporary(const Target& target, std::string& path) {
-  static std::atomic<unsigned> number{0};
+  static std::atomic<unsigned> count{0};
+  // Where there is a file, nobody may look into the new one who may not look into that.
+  const mode_t mode = target.exists ? 0600 : 0666;
   for (;;) {
-    path = target.folder + target.TemporaryPrefix() + std::to_string(getpid()) + '-' + std::to_string(++number);
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (file >= 0 || errno != EEXIST) return file;
+    path = target.folder + target.prefix + std::to_string(getpid()) + '-' + std::to_string(++count);
+    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (file < 0 && errno == EEXIST) continue;
+    if (file < 0) return file;
+    struct stat status {};
+    flock(file, LOCK_EX | LOCK_NB);
+    if (fstat(file, &status) != 0 || status.st_nlink > 0) return file;
+    close(file);  // another writer took it for a leftover before it was locked
   }
 }
 
@@ -101,13 +123,20 @@ void FlushFolder(const Target& target) {
 
 void TakePermissions(int file, const Target& target) {
   if (!target.exists) return;
-  // The owner first: changing it may clear mode bits. Where it may not be changed, the writer owns the new file.
-  [[maybe_unused]] const int owned = fchown(file, target.status.st_uid, target.status.st_gid);
-  [[maybe_unused]] const int permitted = fchmod(file, target.status.st_mode & 07777);
+  mode_t mode = target.status.st_mode & 07777;
+  // The owner first: changing it may clear bits of the mode. A group that cannot be kept takes its bits along.
+  if (fchown(file, target.status.st_uid, target.status.st_gid) != 0 &&
+      fchown(file, static_cast<uid_t>(-1), target.status.st_gid) != 0) {
+    mode &= ~static_cast<mode_t>(S_IRWXG);
+  }
+  [[maybe_unused]] const int permitted = fchmod(file, mode);
 }
 
+// Whether a failure of the folder's says that it takes no new file, or no other in place of the old one.
+bool IsFoldersRefusal(int error) { return error == EACCES || error == EPERM || error == EROFS || error == EBUSY; }
+
 bool WriteInPlace(const Target& target, const UInt8* bytes, std::size_t size) {
-  FileDescriptor file(open(target.Path().c_str(), O_WRONLY | O_CLOEXEC));
+  FileDescriptor file(open(target.path.c_str(), O_WRONLY | O_CLOEXEC));
   return file.IsOpen() && WriteAll(file.Get(), bytes, size) && ftruncate(file.Get(), static_cast<off_t>(size)) == 0 &&
          Flush(file.Get()) && file.Close();
 }
@@ -115,22 +144,19 @@ bool WriteInPlace(const Target& target, const UInt8* bytes, std::size_t size) {
 }  // namespace
 
 bool ReplaceFile(const char* path, const UInt8* bytes, std::size_t size) {
-  const Target target = FindTarget(path);
-  if (target.exists && faccessat(AT_FDCWD, target.Path().c_str(), W_OK, AT_EACCESS) != 0) return false;
+  const Target target(FollowLinks(path));
+  if (target.exists && faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0) return false;
   RemoveLeftovers(target);
   std::string temporary;
   FileDescriptor file(CreateTemporary(target, temporary));
-  if (!file.IsOpen()) {
-    const bool takesNoFile = errno == EACCES || errno == EPERM || errno == EROFS;
-    return takesNoFile && target.exists && WriteInPlace(target, bytes, size);
-  }
-  flock(file.Get(), LOCK_EX | LOCK_NB);
+  if (!file.IsOpen()) return IsFoldersRefusal(errno) && target.exists && WriteInPlace(target, bytes, size);
   TakePermissions(file.Get(), target);
   const bool isWritten = WriteAll(file.Get(), bytes, size) && Flush(file.Get());
-  if (!isWritten || std::rename(temporary.c_str(), target.Path().c_str()) != 0) {
-    unlink(temporary.c_str());
-    return false;
+  if (isWritten && std::rename(temporary.c_str(), target.path.c_str()) == 0) {
+    FlushFolder(target);
+    return file.Close();
   }
-  FlushFolder(target);
-  return file.Close();
+  const bool isRefused = isWritten && IsFoldersRefusal(errno);
+  unlink(temporary.c_str());
+  return isRefused && target.exists && WriteInPlace(target, bytes, size);
 }

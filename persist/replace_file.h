@@ -7,10 +7,10 @@
 #include <cstddef>
 
 // Writes `size` bytes to a temporary file beside the file that `path` leads to (through symbolic links), flushes it to
-// the disk and renames it over the file, whose permissions it takes. A file that may not be written is left alone; in a
-// folder that takes no new file, one that may be written is written in place. What an interrupted replacement of the
-// same file left behind is removed. Returns whether the file has the new content. Throws std::bad_alloc, before
-// anything changes.
+// the disk and renames it over the file, whose permissions it takes. A file that may not be written is left alone. Where
+// the folder takes no new file, or none in the old one's place, a file that may be written is written in place; a failure
+// may leave that cut short. What an interrupted replacement of the same file left behind is removed. Returns whether the
+// file has the new content. Throws std::bad_alloc.
 bool ReplaceFile(const char* path, const UInt8* bytes, std::size_t size);
 
 #endif  // CATALOGCORE_PERSIST_REPLACE_FILE_H_

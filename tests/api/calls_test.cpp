@@ -132,7 +132,7 @@ TEST_F(CallsTest, ResultsAreWrittenWhereTheyAreWanted) {
   change.index = -1;
   EXPECT_EQ(IDXChangeImage(&change), IDX_OK);
   EXPECT_EQ(IDXSearchImage(&item), IDXERR_NOIMAGE);
-  // A change of what is not there adds it; a move stays although the second step comes to nothing.
+  // A change of what is not there adds it.
   EXPECT_EQ(IDXChangeImage(&Item().Name("/a/c").Index(1090000).Attribute(1)), IDX_OK);
   EXPECT_EQ(IDXChangeImage(&Item().Name("/a/c").Index(1010000)), IDXERR_PROTECTED);
   EXPECT_EQ(IDXChangeImage(&Item().Name("/a/c").Index(1010000).Force(true)), IDX_OK);
@@ -145,10 +145,19 @@ TEST_F(CallsTest, ResultsAreWrittenWhereTheyAreWanted) {
   EXPECT_EQ(found.NameText(), "idx1000000");
   EXPECT_EQ(found.attribute, 7);
   int count = 1;
-  while (IDXFindNextIndex(find, &found) == IDX_OK) ++count;
+  while (IDXFindNextIndex(find, &found.Clear()) == IDX_OK) ++count;
   EXPECT_EQ(count, 10);
   EXPECT_EQ(IDXFindNextIndex(find, &found), IDXERR_NOINDEX);
   IDXCloseFind(find);
+  // Without IDXOP_GETINFO a find tells nothing but that there is one.
+  Item untouched;
+  untouched.Name("n").Path("p").Index(5).Attribute(9);
+  IDXCloseFind(IDXFindFirstIndex(&untouched, &status));
+  EXPECT_EQ(status, IDX_OK);
+  IDXCloseFind(IDXFindFirstImage(&untouched, &status));
+  EXPECT_EQ(status, IDX_OK);
+  EXPECT_EQ(untouched.NameText() + untouched.PathText(), "np");
+  EXPECT_EQ(untouched.index + untouched.attribute, 14);
   Item root;
   root.Wanted().Operation(IDXOP_GETINFO | IDXOP_CONDITION);
   root.index = -1;
@@ -173,6 +182,9 @@ TEST_F(CallsTest, AddedIndexesTakeTheLowestFreeNumber) {
   EXPECT_EQ(add(3000000, "x", IDXERR_NOINDEX), 3000000);
   EXPECT_EQ(add(add(add(10000000, "2", IDX_OK), "3", IDX_OK), "4", IDX_OK), 10101010);
   EXPECT_EQ(add(10101010, "5", IDXERR_PARAM), 10101010);
+  // Nor below a fourth level that only a file can have, where the number would wrap into the range.
+  ASSERT_EQ(idData->AddCell(kIndexTree, Key("43/10/10/10"), Key("x"), 0), StoreOk);
+  EXPECT_EQ(add(43101010, "5", IDXERR_PARAM), 43101010);
   // A failed renaming is forgotten when the attribute is changed after it.
   EXPECT_EQ(IDXChangeIndex(&Item().Index(1000000).Name("x")), IDXERR_PROTECTED);
   EXPECT_EQ(IDXChangeIndex(&Item().Index(1000000).Name("x").Attribute(7)), IDX_OK);
@@ -209,7 +221,7 @@ TEST_F(CallsTest, FoldersAndBucketsAreWalkedInside) {
     EXPECT_EQ(status, find ? IDX_OK : IDXERR_NOINDEX);
     if (find) do
         folders.push_back(item.PathText());
-      while (IDXFindNextPath(find, &item) == IDX_OK);
+      while (IDXFindNextPath(find, &item.Clear()) == IDX_OK);
     IDXCloseFind(find);
     return folders;
   };

@@ -2,8 +2,10 @@
 #ifndef CATALOGCORE_TESTS_API_ITEM_H_
 #define CATALOGCORE_TESTS_API_ITEM_H_
 
+#include <algorithm>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "base/cf_reference.h"
 #include "catalogcore.h"
@@ -15,8 +17,16 @@ class Item : public IDXITEM {
     path = &pathVariable_;
   }
   ~Item() {
-    CFRelease(nameVariable_);
-    CFRelease(pathVariable_);
+    Clear();
+    for (const CFStringRef input : inputs_) CFRelease(input);
+  }
+  // Releases what the library handed out, ahead of the next answer.
+  Item& Clear() {
+    for (CFStringRef* const variable : {&nameVariable_, &pathVariable_}) {
+      if (std::find(inputs_.begin(), inputs_.end(), *variable) == inputs_.end()) CFRelease(*variable);
+      *variable = nullptr;
+    }
+    return *this;
   }
   Item(const Item&) = delete;
   Item& operator=(const Item&) = delete;
@@ -45,10 +55,9 @@ class Item : public IDXITEM {
 
  private:
   void Mark(std::uint32_t field) { mask |= field; }
-  static void Set(CFStringRef& variable, const std::string& text) {
-    CFRelease(variable);
-    variable = Make(text);
-  }
+  void Set(CFStringRef& variable, const std::string& text) { inputs_.push_back(variable = Make(text)); }
+
+  std::vector<CFStringRef> inputs_;
   CFStringRef nameVariable_ = nullptr;
   CFStringRef pathVariable_ = nullptr;
 };

@@ -5,6 +5,7 @@
 #include <chrono>
 #include <filesystem>
 #include <random>
+#include <set>
 #include <thread>
 
 #include "api/catalogue.h"
@@ -66,7 +67,7 @@ class Worker {
         IDXCloseFind(Below(2) ? IDXFindFirstImage(&item.Wanted(), nullptr)
                               : IDXFindFirstIndex(&item.Wanted(), nullptr));
     }
-    item.Name(path_).Index(0);
+    item.Clear().Name(path_).Index(0);
     EXPECT_EQ(IDXSearchImage(&item), IDX_OK);
   }
 
@@ -118,6 +119,21 @@ TEST(Threads, MixedCallsLeaveASoundCatalogue) {
   for (std::thread& thread : threads) thread.join();
   EXPECT_EQ(BrokenInvariant(*idData), "");
   for (auto& worker : workers) worker.reset();
+
+  // No two of them take one number for the indexes that they add at once.
+  std::int32_t numbers[16] = {};
+  for (std::size_t i = 0; i < 8; ++i) {
+    threads[i] = std::thread([&numbers, i] {
+      for (std::size_t n = i; n < 16; n += 8) {
+        Item item;
+        EXPECT_EQ(IDXAddIndex(&item.Index(IDXPRESET_DOCUMENT).Name("n" + std::to_string(n)).Operation(IDXOP_GETINFO)),
+                  IDX_OK);
+        numbers[n] = item.index;
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  EXPECT_EQ(std::set<std::int32_t>(numbers, numbers + 16).size(), 16u);
   IDXUninitialize();
   fs::remove_all(folder);
 }

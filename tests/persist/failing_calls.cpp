@@ -13,6 +13,8 @@ namespace {
 OnCall armed = OnCall::kNothing;
 int callsLeft = 0;
 bool reached = false;
+int flushes = 0;
+int flushesBeforeRename = -1;
 
 // Whether the call is to fail; errno is set then.
 bool Fails() {
@@ -29,6 +31,12 @@ void ArmCalls(OnCall what, int at) {
   armed = what;
   callsLeft = at;
   reached = false;
+}
+
+int FlushesBeforeRename(void (*work)()) {
+  flushes = 0;
+  work();
+  return flushesBeforeRename;
 }
 
 bool CallsWereReached() { return reached; }
@@ -55,8 +63,14 @@ ssize_t __wrap_write(int file, const void* bytes, size_t size) {
   }
   return __real_write(file, bytes, size);
 }
-int __wrap_fsync(int file) { return Fails() ? -1 : __real_fsync(file); }
-int __wrap_rename(const char* from, const char* to) { return Fails() ? -1 : __real_rename(from, to); }
+int __wrap_fsync(int file) {
+  ++flushes;
+  return Fails() ? -1 : __real_fsync(file);
+}
+int __wrap_rename(const char* from, const char* to) {
+  flushesBeforeRename = flushes;
+  return Fails() ? -1 : __real_rename(from, to);
+}
 int __wrap_close(int file) {
   const int result = __real_close(file);
   return Fails() ? -1 : result;

@@ -8,6 +8,9 @@ enum class OnCall { kNothing, kFail, kKill, kShorten };
 // every write from there on one of a few bytes, now and then interrupted.
 void ArmCalls(OnCall what, int at);
 
+// How often `work` flushes before it renames.
+int FlushesBeforeRename(void (*work)());
+
 // Whether the call was reached since then.
 bool CallsWereReached();
 
