@@ -1,17 +1,18 @@
 #include "platform/corefoundation/object.h"
 
+#include <bit>
+
 namespace catalogcore::cf {
 
 void Object::Free() const {
-  static_assert(sizeof(CFIndex) == sizeof(const Object*));
   thread_local const Object* waiting = nullptr;
   thread_local bool isFreeing = false;
-  references_.store(reinterpret_cast<CFIndex>(waiting), std::memory_order_relaxed);
+  references_.store(std::bit_cast<CFIndex>(waiting), std::memory_order_relaxed);
   waiting = this;
   if (isFreeing) return;  // called by a destructor that runs below
   isFreeing = true;
   while (const Object* object = waiting) {
-    waiting = reinterpret_cast<const Object*>(object->references());
+    waiting = std::bit_cast<const Object*>(object->references());
     delete object;
   }
   isFreeing = false;

@@ -55,6 +55,7 @@ class Parser {
     XML_SetElementHandler(expat_.get(), &StartElement, &EndElement);
     XML_SetCharacterDataHandler(expat_.get(), &Text);
     XML_SetEntityDeclHandler(expat_.get(), &EntityDeclared);
+    XML_SetAttlistDeclHandler(expat_.get(), &AttributeDeclared);
     // Called for an entity that only the document type, which is not fetched, might declare.
     XML_SetSkippedEntityHandler(expat_.get(), &EntitySkipped);
   }
@@ -80,6 +81,7 @@ class Parser {
  private:
   static constexpr std::size_t kPiece = std::size_t{1} << 16;
   static constexpr std::size_t kMaxPiece = std::size_t{1} << 30;  // what expat takes at once fits an int
+  static constexpr int kMaxAttributeDeclarations = 256;           // expat compares each with all before it
   static constexpr XML_Memory_Handling_Suite kMemory = {std::malloc, std::realloc, std::free};
 
   void Feed(std::string_view piece, bool isLast) {
@@ -120,6 +122,11 @@ class Parser {
                              const XML_Char*, const XML_Char*) {
     Run(self, [](PropertyListReader&) { throw Refusal{"an entity declaration"}; });
   }
+  static void AttributeDeclared(void* self, const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*, int) {
+    Parser& parser = *static_cast<Parser*>(self);
+    if (++parser.attributeDeclarations_ <= kMaxAttributeDeclarations) return;
+    Run(self, [](PropertyListReader&) { throw Refusal{"too many attribute declarations"}; });
+  }
   static void EntitySkipped(void* self, const XML_Char*, int) {
     Run(self, [](PropertyListReader&) { throw Refusal{"an undefined entity"}; });
   }
@@ -130,6 +137,7 @@ class Parser {
 
   PropertyListReader& reader_;
   const std::unique_ptr<std::remove_pointer_t<XML_Parser>, Deleter> expat_;
+  int attributeDeclarations_ = 0;
   bool hasFailed_ = false;
   const char* refusal_ = nullptr;  // after a failure: its reason, or null when it was memory
 };

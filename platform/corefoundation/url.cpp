@@ -56,9 +56,18 @@ class FileDescriptor {
 };
 
 SInt32 ErrorOfOpen(int systemError) {
-  if (systemError == ENOENT || systemError == ENOTDIR) return kCFURLResourceNotFoundError;
-  if (systemError == EACCES || systemError == EPERM) return kCFURLResourceAccessViolationError;
-  return kCFURLUnknownError;
+  switch (systemError) {
+    case ENOENT:
+    case ENOTDIR:
+    case ELOOP:
+    case ENAMETOOLONG:
+      return kCFURLResourceNotFoundError;
+    case EACCES:
+    case EPERM:
+      return kCFURLResourceAccessViolationError;
+    default:
+      return kCFURLUnknownError;
+  }
 }
 
 // Appends the file, to its end. Returns 0 or a kCFURL error; throws std::bad_alloc.

@@ -42,7 +42,7 @@ bool Rewrite(CFDataRef xml) {
   return written != nullptr;
 }
 
-TEST(PropertyList, GivesNullWhenAnyAllocationFails) {
+TEST(CFPropertyList, GivesNullWhenAnyAllocationFails) {
   using namespace std::string_literals;
   const CFDataRef xml = Data("<plist version=\"1.0\">"s + kEveryKind + "</plist>");
   const CFDataRef bad = Data("<plist><dict><key>k</key></dict></plist>");

@@ -64,7 +64,7 @@ std::string Utf16(const std::string& latin1, bool isBigEndian) {
   return text;
 }
 
-TEST(PropertyList, EveryKindComesThroughAReadAndAWriteUnchanged) {
+TEST(CFPropertyList, EveryKindComesThroughAReadAndAWriteUnchanged) {
   const std::string document = Document(kEveryKind);
   const Held<void> list = Read(document);
   ASSERT_NE(list, nullptr);
@@ -85,7 +85,7 @@ TEST(PropertyList, EveryKindComesThroughAReadAndAWriteUnchanged) {
   EXPECT_EQ(BytesOf(CFDictionaryGetValue(dictionary, CFSTR("data"))), Repeat("\xFF\xFE", 26) + "!");
 }
 
-TEST(PropertyList, TakesAnyConformingLayout) {
+TEST(CFPropertyList, TakesAnyConformingLayout) {
   const std::string latin1 = "<?xml version='1.0' encoding='ISO-8859-1'?><plist><string>\xE9</string></plist>";
   const std::string utf16 = "<plist><string>\xE9</string></plist>";
   const struct {
@@ -117,11 +117,13 @@ TEST(PropertyList, TakesAnyConformingLayout) {
   }
 }
 
-TEST(PropertyList, RefusesWhatIsNoPropertyList) {
+TEST(CFPropertyList, RefusesWhatIsNoPropertyList) {
   const std::string whole = Document(kEveryKind);
   for (std::size_t size = 0; size < whole.find("</plist>") + 8; ++size) {
     EXPECT_EQ(Read(whole.substr(0, size)), nullptr) << size << " bytes of it";
   }
+  std::string attributes;
+  for (int i = 0; i < 300; ++i) attributes += "a" + std::to_string(i) + " CDATA #IMPLIED ";
   const std::string bomb = "<!DOCTYPE plist [<!ENTITY a 'aaaaaaaaaa'><!ENTITY b '&a;&a;&a;&a;&a;&a;&a;&a;'>]>";
   const struct {
     std::string xml, reason;
@@ -155,6 +157,7 @@ TEST(PropertyList, RefusesWhatIsNoPropertyList) {
       {bomb + Plist("<string>&b;</string>"), "an entity declaration"},
       {"<!DOCTYPE plist [<!ENTITY % p SYSTEM 'file:///etc/passwd'>%p;]>" + Plist("<true/>"), "an entity declaration"},
       {"<!DOCTYPE plist [<!ENTITY a SYSTEM 'file:///etc/passwd'>]>" + Plist("<string>&a;</string>"), "an entity"},
+      {"<!DOCTYPE plist [<!ATTLIST plist " + attributes + ">]>" + Plist("<true/>"), "too many attribute declarations"},
       {"<!DOCTYPE plist SYSTEM 'x'>" + Plist("<string>&b;</string>"), "an undefined entity"},
       {Plist("<string>&b;</string>"), "undefined entity"},
       {Plist("<string>\xC3(</string>"), "not well-formed"},
@@ -173,7 +176,7 @@ TEST(PropertyList, RefusesWhatIsNoPropertyList) {
   }
 }
 
-TEST(PropertyList, RefusesValuesThatAreWrittenWrong) {
+TEST(CFPropertyList, RefusesValuesThatAreWrittenWrong) {
   const struct {
     const char* element;
     std::initializer_list<const char*> good, bad;
@@ -195,14 +198,14 @@ TEST(PropertyList, RefusesValuesThatAreWrittenWrong) {
   };
   for (const auto& [element, good, bad] : cases) {
     const auto plist = [name = std::string(element)](const char* text) {
-      return Plist("<" + name + ">" + text + "</" + name + ">");
+      return Plist(std::string("<").append(name).append(">").append(text).append("</").append(name).append(">"));
     };
     for (const char* text : good) EXPECT_NE(Read(plist(text)), nullptr) << element << ' ' << text;
     for (const char* text : bad) EXPECT_EQ(Read(plist(text)), nullptr) << element << ' ' << text;
   }
 }
 
-TEST(PropertyList, NestsTo512LevelsAndNeverRecurses) {
+TEST(CFPropertyList, NestsTo512LevelsAndNeverRecurses) {
   const std::string document = Write(Read(Arrays(512)).get());
   ASSERT_NE(document, "");
   EXPECT_EQ(Write(Read(document).get()), document);
@@ -227,7 +230,7 @@ TEST(PropertyList, NestsTo512LevelsAndNeverRecurses) {
 }
 
 // A quadratic step would take minutes here.
-TEST(PropertyList, TakesTimeInProportionToTheFile) {
+TEST(CFPropertyList, TakesTimeInProportionToTheFile) {
   constexpr std::size_t kSize = std::size_t{24} << 20;
   const std::string filler(kSize, 'A');
   EXPECT_NE(Read(Plist("<!--" + filler + "--><true/>")), nullptr);
@@ -241,7 +244,7 @@ TEST(PropertyList, TakesTimeInProportionToTheFile) {
   EXPECT_EQ(CFDictionaryGetCount(static_cast<CFDictionaryRef>(Read(InDict(keys)).get())), 200000);
 }
 
-TEST(PropertyList, IsNotWrittenWithWhatXmlDoesNotHave) {
+TEST(CFPropertyList, IsNotWrittenWithWhatXmlDoesNotHave) {
   for (const char* text : {"\x01", "a\x1F", "\xEF\xBF\xBE", "\xEF\xBF\xBF"}) {
     EXPECT_EQ(Write(Held<void>(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8)).get()), "");
   }
@@ -250,7 +253,7 @@ TEST(PropertyList, IsNotWrittenWithWhatXmlDoesNotHave) {
   EXPECT_EQ(Write(nullptr), "");
 }
 
-TEST(Dictionary, KeepsTheOrderOfKeysWhileItIsChanged) {
+TEST(CFDictionary, KeepsTheOrderOfKeysWhileItIsChanged) {
   const std::string xml = InDict("<key>c</key><true/><key>a</key><false/><key>b</key><data/>");
   const auto fixed = Read(xml);
   const auto changed = Read(xml, nullptr, kCFPropertyListMutableContainers);
@@ -279,7 +282,7 @@ TEST(Dictionary, KeepsTheOrderOfKeysWhileItIsChanged) {
   EXPECT_EQ(CFDictionaryCreateMutable(nullptr, 0, &own, &kCFTypeDictionaryValueCallBacks), nullptr);
 }
 
-TEST(URL, ReadsFilesWhole) {
+TEST(CFURL, ReadsFilesWhole) {
   const std::string path = testing::TempDir() + "catalogcore_url_read";
   const std::string content = "a\0b"s + std::string(3 << 20, 'x');
   std::ofstream(path, std::ios::binary) << content;

@@ -22,7 +22,8 @@ enum {
 /*
  * Reads a property list from XML 1.0 in UTF-8, UTF-16, ISO-8859-1 or US-ASCII, in any layout, with one final zero byte
  * or none; the document type is never fetched. Null for anything else, and nothing is repaired:
- * - XML that is malformed or cut short, or declares entities, or refers to ones that XML does not define;
+ * - XML that is malformed or cut short, declares entities or more than 256 attributes, or refers to an entity that XML
+ *   itself does not define;
  * - an element, an attribute or text where the document type has none; only the element plist may have an attribute,
  *   its version;
  * - a key without a value, a value without a key, or a key that its dictionary has already;
