@@ -62,17 +62,8 @@ class Parser {
 
   // Throws Refusal or std::bad_alloc.
   void Parse(std::string_view xml) {
-    std::size_t piece = kPiece;
-    for (std::size_t at = 0; at < xml.size();) {
-      const std::string_view next = xml.substr(at, piece);
-      Feed(next, false);
-      at += next.size();
-      // expat looks at an unfinished comment or tag from its start each time. Pieces as long as what is unfinished
-      // keep that linear.
-      const auto unfinished =
-          at - static_cast<std::size_t>(std::max<XML_Index>(XML_GetCurrentByteIndex(expat_.get()), 0));
-      piece = std::clamp(unfinished, kPiece, kMaxPiece);
-    }
+    // In pieces, of which expat makes copies.
+    for (; !xml.empty(); xml.remove_prefix(std::min(kPiece, xml.size()))) Feed(xml.substr(0, kPiece), false);
     Feed({}, true);
   }
 
@@ -80,8 +71,7 @@ class Parser {
 
  private:
   static constexpr std::size_t kPiece = std::size_t{1} << 16;
-  static constexpr std::size_t kMaxPiece = std::size_t{1} << 30;  // what expat takes at once fits an int
-  static constexpr int kMaxAttributeDeclarations = 256;           // expat compares each with all before it
+  static constexpr int kMaxAttributeDeclarations = 256;  // expat compares each with all before it
   static constexpr XML_Memory_Handling_Suite kMemory = {std::malloc, std::realloc, std::free};
 
   void Feed(std::string_view piece, bool isLast) {

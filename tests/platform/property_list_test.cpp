@@ -1,6 +1,9 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
+#include <cerrno>
+#include <cstdio>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -229,8 +232,8 @@ TEST(CFPropertyList, NestsTo512LevelsAndNeverRecurses) {
   CFRelease(nested);
 }
 
-// A quadratic step would take minutes here.
-TEST(CFPropertyList, TakesTimeInProportionToTheFile) {
+// Work that grows with the square of the keys would take minutes here.
+TEST(CFPropertyList, TakesLargeContentsAndManyKeys) {
   constexpr std::size_t kSize = std::size_t{24} << 20;
   const std::string filler(kSize, 'A');
   EXPECT_NE(Read(Plist("<!--" + filler + "--><true/>")), nullptr);
@@ -240,8 +243,8 @@ TEST(CFPropertyList, TakesTimeInProportionToTheFile) {
   const Held<void> again = Read(Write(list.get()));
   EXPECT_EQ(BytesOf(again.get()), BytesOf(list.get()));
   std::string keys;
-  for (int i = 0; i < 200000; ++i) keys += "<key>" + std::to_string(i) + "</key><true/>";
-  EXPECT_EQ(CFDictionaryGetCount(static_cast<CFDictionaryRef>(Read(InDict(keys)).get())), 200000);
+  for (int i = 0; i < 400000; ++i) keys += "<key>" + std::to_string(i) + "</key><true/>";
+  EXPECT_EQ(CFDictionaryGetCount(static_cast<CFDictionaryRef>(Read(InDict(keys)).get())), 400000);
 }
 
 TEST(CFPropertyList, IsNotWrittenWithWhatXmlDoesNotHave) {
@@ -282,10 +285,33 @@ TEST(CFDictionary, KeepsTheOrderOfKeysWhileItIsChanged) {
   EXPECT_EQ(CFDictionaryCreateMutable(nullptr, 0, &own, &kCFTypeDictionaryValueCallBacks), nullptr);
 }
 
+TEST(CFData, IsACopyThatBecomesAString) {
+  UInt8 bytes[] = {0xEF, 0xBB, 0xBF, 'a', 0xC3, 0xA4};
+  const Held<void> whole(CFDataCreate(nullptr, bytes, 6));
+  const Held<void> cut(CFDataCreate(nullptr, bytes, 5));
+  bytes[3] = '?';
+  const auto stringOf = [](const Held<void>& data) {
+    return Held<void>(
+        CFStringCreateFromExternalRepresentation(nullptr, static_cast<CFDataRef>(data.get()), kCFStringEncodingUTF8));
+  };
+  EXPECT_EQ(stringOf(cut), nullptr);
+  char text[8];
+  ASSERT_TRUE(CFStringGetCString(static_cast<CFStringRef>(stringOf(whole).get()), text, 8, kCFStringEncodingUTF8));
+  EXPECT_STREQ(text, "a\xC3\xA4");
+  CFDataGetBytes(static_cast<CFDataRef>(whole.get()), CFRangeMake(3, 2), bytes);
+  EXPECT_EQ(bytes[0], 'a');
+  EXPECT_EQ(bytes[2], 0xBF);
+  EXPECT_EQ(CFDataCreate(nullptr, bytes, -1), nullptr);
+  EXPECT_EQ(CFDataCreate(nullptr, nullptr, 1), nullptr);
+  EXPECT_EQ(CFDataGetLength(static_cast<CFDataRef>(Held<void>(CFDataCreate(nullptr, nullptr, 0)).get())), 0);
+}
+
 TEST(CFURL, ReadsFilesWhole) {
   const std::string path = testing::TempDir() + "catalogcore_url_read";
   const std::string content = "a\0b"s + std::string(3 << 20, 'x');
+  const std::string pipe = path + ".pipe";
   std::ofstream(path, std::ios::binary) << content;
+  ASSERT_TRUE(mkfifo(pipe.c_str(), 0600) == 0 || errno == EEXIST);
   const struct {
     std::string path;
     SInt32 error;
@@ -295,6 +321,7 @@ TEST(CFURL, ReadsFilesWhole) {
       {path + "/below", kCFURLResourceNotFoundError},
       {testing::TempDir(), kCFURLResourceAccessViolationError},
       {"/dev/zero", kCFURLResourceAccessViolationError},
+      {pipe, kCFURLResourceAccessViolationError},
   };
   for (const auto& [name, expected] : cases) {
     const CFURLRef url = CFURLCreateFromFileSystemRepresentation(nullptr, reinterpret_cast<const UInt8*>(name.data()),
@@ -308,6 +335,7 @@ TEST(CFURL, ReadsFilesWhole) {
     CFRelease(url);
   }
   std::remove(path.c_str());
+  std::remove(pipe.c_str());
 }
 
 }  // namespace
