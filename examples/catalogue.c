@@ -1,5 +1,5 @@
 /*
- * Files three pictures, walks them, writes the catalogue and loads it again: catalogue DIRECTORY. The directory must exist;
+ * Adds an index, files three pictures, writes the catalogue, loads it again and walks it: catalogue DIRECTORY. The directory must exist;
  * the pictures are made in it.
  */
 #include <catalogcore.h>
@@ -16,13 +16,12 @@ static int succeeds(const char* call, IDXSTATUS status) {
   return status == IDX_OK;
 }
 
-static int file_pictures(const char* directory) {
-  static const struct {
+static int file_pictures(const char* directory, int32_t holidays) {
+  const struct {
     const char* name;
     int32_t index;
-  } pictures[] = {{"beach.jpg", IDXPRESET_PHOTO_OTHER},
-                  {"anna.jpg", IDXPRESET_PHOTO_FACES},
-                  {"letter.png", IDXPRESET_DOCUMENT_PAGE}};
+  } pictures[] = {
+      {"beach.jpg", holidays}, {"anna.jpg", IDXPRESET_PHOTO_FACES}, {"letter.png", IDXPRESET_DOCUMENT_PAGE}};
   int filed = 1;
   size_t i;
   for (i = 0; i < sizeof pictures / sizeof pictures[0]; ++i) {
@@ -56,8 +55,9 @@ static int print_images(void) {
   find = IDXFindFirstImage(&item, &status);
   for (; status == IDX_OK; status = IDXFindNextImage(find, &item)) {
     char path[4096] = "";
-    CFStringGetCString(name, path, sizeof path, kCFStringEncodingUTF8);
+    if (name) CFStringGetCString(name, path, sizeof path, kCFStringEncodingUTF8);
     CFRelease(name); /* the library hands out a new string each time */
+    name = NULL;
     printf("%d %s\n", (int)item.index, path);
     ++count;
   }
@@ -65,16 +65,46 @@ static int print_images(void) {
   return count;
 }
 
+/* Adds an index of the application's own below the photographs, and files its picture there. */
+static int add_index(int32_t* number) {
+  CFStringRef name = text("Holidays");
+  IDXITEM item = {0};
+  int works;
+  item.operation = IDXOP_GETINFO;
+  item.name = &name;
+  item.index = IDXPRESET_PHOTO;
+  item.mask = IDXMASK_NAME | IDXMASK_INDEX;
+  works = succeeds("IDXAddIndex", IDXAddIndex(&item));
+  *number = item.index;
+  CFRelease(name);
+  return works;
+}
+
+static int write_files(IDXSTR indexes, IDXSTR images) {
+  return succeeds("IDXWriteIndexFile", IDXWriteIndexFile(indexes)) &&
+         succeeds("IDXWriteImageFile", IDXWriteImageFile(images));
+}
+
+static int load_files(IDXSTR indexes, IDXSTR images) {
+  return succeeds("IDXLoadIndexFile", IDXLoadIndexFile(indexes)) &&
+         succeeds("IDXLoadImageFile", IDXLoadImageFile(images));
+}
+
 int main(int argc, char** argv) {
-  CFStringRef directory = text(argc > 1 ? argv[1] : ".");
+  const char* where = argc > 1 ? argv[1] : ".";
+  CFStringRef directory = text(where);
+  CFStringRef indexes = text("indexes.plist");
   CFStringRef images = text("images.plist");
+  int32_t holidays = 0;
   int works = succeeds("IDXInitialize", IDXInitialize()) && succeeds("IDXSetFilePath", IDXSetFilePath(&directory)) &&
-              file_pictures(argc > 1 ? argv[1] : ".") && succeeds("IDXWriteImageFile", IDXWriteImageFile(&images)) &&
-              succeeds("IDXInitialize", IDXInitialize()) && print_images() == 0 &&
-              succeeds("IDXSetFilePath", IDXSetFilePath(&directory)) &&
-              succeeds("IDXLoadImageFile", IDXLoadImageFile(&images)) && print_images() == 3;
+              add_index(&holidays) && file_pictures(where, holidays) && write_files(&indexes, &images);
+  /* The catalogue begins empty, and is what it was once the files are loaded. */
+  works = works && succeeds("IDXInitialize", IDXInitialize()) && print_images() == 0 &&
+          succeeds("IDXSetFilePath", IDXSetFilePath(&directory)) && load_files(&indexes, &images) &&
+          print_images() == 3;
   IDXUninitialize();
   CFRelease(images);
+  CFRelease(indexes);
   CFRelease(directory);
   return works ? 0 : 1;
 }

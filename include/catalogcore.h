@@ -22,8 +22,8 @@
  * Text that crosses the boundary, UTF-8 inside the library: a pointer to a string variable of the application. On
  * input the library reads the string that the variable holds and never releases it: an empty one gives IDXERR_MEMORY,
  * none or one that cannot be converted IDXERR_FAILED. On output it stores a new string, which the application owns
- * and releases; a string that the variable held before is not released, and text that is no UTF-8 leaves the variable
- * as it is.
+ * and releases; a string that the variable held before is not released, and text that is no UTF-8 (only a file can
+ * bring it) leaves the variable as it is: set it to NULL before the call to tell.
  */
 typedef CFStringRef* IDXSTR;
 
@@ -92,7 +92,10 @@ enum {
   IDXPRESET_OTHER = 9000000           /* never chosen by the scene detector */
 };
 
-/* One entry of the catalogue: what a call asks for, and what it answers. The library keeps no pointer to it. */
+/*
+ * One entry of the catalogue: what a call asks for, and what it answers. The library keeps no pointer to it, nor to
+ * the string variables.
+ */
 typedef struct IDXITEM {
   uint8_t operation; /* IDXOP_...; never written */
   IDXSTR name;       /* of an image its full path, of an index its display name */
@@ -140,12 +143,15 @@ extern "C" {
  */
 IDXSTATUS IDXInitialize(void);
 
-/* Drops the catalogue. IDX_OK, also when there is none. */
+/*
+ * Drops the catalogue. IDX_OK, also when there is none. Find handles that are open must only be closed afterwards;
+ * the same holds after IDXInitialize.
+ */
 IDXSTATUS IDXUninitialize(void);
 
 /*
  * Sets the directory of the catalogue's files. A "/" is added to it, always. IDX_OK; IDXERR_PARAM: null; else what
- * the string gives.
+ * the string gives, and with IDXERR_MEMORY the directory is not set any more.
  */
 IDXSTATUS IDXSetFilePath(IDXSTR path);
 
@@ -162,8 +168,8 @@ IDXSTATUS IDXAddImage(IDXITEM* item);
  * Moves an image to another index (if marked), then sets its attribute (if marked); a move stays when the second step
  * fails. An image that is to be moved and is not there is added as by IDXAddImage. An index of -1 removes the image
  * as by IDXRemoveImage, whether marked or not. Reads name, index, attribute, state. IDX_OK; IDXERR_PARAM: as for
- * IDXAddImage; IDXERR_PROTECTED; IDXERR_NOINDEX; IDXERR_NOIMAGE: only an attribute was marked; IDXERR_MEMORY: the
- * image is gone if it was to be moved.
+ * IDXAddImage; IDXERR_PROTECTED; IDXERR_NOINDEX; IDXERR_NOIMAGE: only an attribute was marked; IDXERR_IMAGEEXISTS:
+ * another thread added it meanwhile; IDXERR_MEMORY: the image is gone if it was to be moved.
  */
 IDXSTATUS IDXChangeImage(IDXITEM* item);
 
@@ -181,7 +187,11 @@ IDXSTATUS IDXSearchImage(IDXITEM* item);
  */
 IDXFIND IDXFindFirstImage(IDXITEM* item, IDXSTATUS* status);
 
-/* The next image, written as by IDXFindFirstImage. IDX_OK; IDXERR_NOIMAGE at the end; IDXERR_PARAM: no handle. */
+/*
+ * The next image, written as by IDXFindFirstImage. IDX_OK; IDXERR_NOIMAGE at the end; IDXERR_PARAM: no handle. Give
+ * it handles of IDXFindFirstImage only. The image that the walk found last must not be removed or moved, by any
+ * thread, before the walk goes on.
+ */
 IDXSTATUS IDXFindNextImage(IDXFIND find, IDXITEM* item);
 
 /* Ends a walk of either kind and frees its handle; null is allowed. Always IDX_OK. */
@@ -200,14 +210,16 @@ IDXSTATUS IDXAddIndex(IDXITEM* item);
 
 /*
  * Changes the display name (if marked), then the attribute (if marked); the second step's status replaces the
- * first's. Reads index, name, attribute, state. IDX_OK; IDXERR_PARAM: no index; IDXERR_NOINDEX; IDXERR_PROTECTED.
+ * first's, but a name that cannot be read ends the call. Reads index, name, attribute, state. IDX_OK; IDXERR_PARAM:
+ * no index, or a marked name without a variable; IDXERR_NOINDEX; IDXERR_PROTECTED; IDXERR_MEMORY; what the name
+ * gives.
  */
 IDXSTATUS IDXChangeIndex(IDXITEM* item);
 
 /*
- * Removes an index and takes its images out of the catalogue. Reads index and state. IDX_OK; IDXERR_PARAM: no index,
- * or the root; IDXERR_NOINDEX; IDXERR_NOTEMPTY: it has child indexes; IDXERR_PROTECTED: it, or one of its images;
- * those before that image are gone then.
+ * Removes an index and takes its images out of the catalogue. Reads index and state. IDX_OK; IDXERR_PARAM: no index;
+ * IDXERR_NOINDEX; IDXERR_NOTEMPTY: it has child indexes, as the root always has; IDXERR_PROTECTED: it, or one of its
+ * images; those before that image are gone then.
  */
 IDXSTATUS IDXRemoveIndex(IDXITEM* item);
 
@@ -221,41 +233,48 @@ IDXSTATUS IDXSearchIndex(IDXITEM* item);
  */
 IDXFIND IDXFindFirstIndex(IDXITEM* item, IDXSTATUS* status);
 
-/* The next index, written as by IDXFindFirstIndex. IDX_OK; IDXERR_NOINDEX at the end; IDXERR_PARAM: no handle. */
+/*
+ * The next index, written as by IDXFindFirstIndex. IDX_OK; IDXERR_NOINDEX at the end; IDXERR_PARAM: no handle. Give
+ * it handles of IDXFindFirstIndex only. The index that the walk found last must not be removed before the walk goes
+ * on.
+ */
 IDXSTATUS IDXFindNextIndex(IDXFIND find, IDXITEM* item);
 
 /*
- * Gives indexes, protected or not, the display names of the array, `count` of both. A name or number that is none
- * that can be repeats the one before it (the first such number names the root). IDX_OK; IDXERR_PARAM: an index is not
- * there, and the others are renamed all the same; or an array is null.
+ * Gives indexes, protected or not, the display names of the array, `count` of both. An empty name is given as it is.
+ * A name that cannot be converted, or a number out of range, repeats the one of the entry before; in the first entry
+ * it is the empty name, or the root. IDX_OK; IDXERR_PARAM: an index is not there, and the others are renamed all the
+ * same; or an array is null.
  */
 IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int32_t count);
 
 /*
  * ---- Files
  *
- * Each call takes the name of a file in the base directory: an XML property list that holds the indexes, the images, or
- * both, each as a text of one record a line, and whatever other entries an application puts there.
+ * Each call takes the name of a file in the base directory: an XML property list that holds the indexes, the images,
+ * or both, each as a text of one record a line, and whatever other entries an application puts there.
  */
 
 /*
- * Adds the indexes of the file to the catalogue; those that are there already are left as they are. To be called before
- * IDXLoadImageFile. IDX_OK; IDXERR_FAILED: the file cannot be read, or is none of this kind; IDXERR_PARAM: null;
- * IDXERR_NODATA: no such file, or it holds no indexes; IDXERR_EMPTY; IDXERR_VERSION; IDXERR_MEMORY.
+ * Adds the indexes of the file to the catalogue; those that are there already are left as they are. To be called
+ * before IDXLoadImageFile. IDX_OK; IDXERR_FAILED: the file cannot be read, or is none of this kind; IDXERR_PARAM:
+ * null; IDXERR_NODATA: no such file, or it holds no indexes; IDXERR_EMPTY; IDXERR_VERSION; IDXERR_MEMORY.
  */
 IDXSTATUS IDXLoadIndexFile(IDXSTR name);
 
 /*
- * Adds the images of the file to the catalogue, but for those whose file does not exist (any more), whose index is not in
- * the catalogue, or which are there already. Statuses as IDXLoadIndexFile, but IDXERR_VERSION in place of IDXERR_EMPTY.
+ * Adds the images of the file to the catalogue, but for those whose file does not exist (any more), whose index is
+ * not in the catalogue, or which are there already. Statuses as IDXLoadIndexFile, but IDXERR_VERSION in place of
+ * IDXERR_EMPTY.
  */
 IDXSTATUS IDXLoadImageFile(IDXSTR name);
 
 /*
- * Writes the indexes to the file, which is made or, its other entries kept, replaced: it is the old or the new one, whole,
- * whatever fails. Indexes with all three protections are left out, as the presets are. A name with a line feed does not
- * come back whole. IDX_OK; IDXERR_FAILED: the file is there and none of this kind, or cannot be written; IDXERR_PARAM:
- * null; IDXERR_MEMORY.
+ * Writes the indexes to the file, which is made or, its other entries kept, replaced: it is the old or the new one,
+ * whole, whatever fails, but where its folder takes no new file and it is written in place. Indexes with all three
+ * protections are left out, as the presets are; one whose child is written comes back with the child's name and
+ * attribute. An empty name, or one with a line feed, does not come back and spoils the record behind it. IDX_OK;
+ * IDXERR_FAILED: the file is there and none of this kind, or cannot be written; IDXERR_PARAM: null; IDXERR_MEMORY.
  */
 IDXSTATUS IDXWriteIndexFile(IDXSTR name);
 

@@ -84,8 +84,8 @@ int _WriteKeyData(CFURLRef url, CFStringRef key, const CIDXBuffer& buffer) {
   const CFReference<CFDataRef> value(
       CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(buffer.Text()), CFIndex{buffer.Length()} + 1));
   if (!dictionary || !value) return 0;
-  CFDictionaryRemoveValue(dictionary.get(), key);
   CFDictionarySetValue(dictionary.get(), key, value.get());
+  if (CFDictionaryGetValue(dictionary.get(), key) != value.get()) return 0;  // no memory
   const CFReference<CFDataRef> xml(CFPropertyListCreateXMLData(nullptr, dictionary.get()));
   if (!xml) return 0;
   const UInt8* const bytes = CFDataGetBytePtr(xml.get());
