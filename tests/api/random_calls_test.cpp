@@ -62,7 +62,7 @@ class Random {
       return StoreStatus(model_.AddNode(name, PathOf(number), folder, hasAttribute ? attribute : 0));
     };
     const auto first = [](IDXSTATUS a, IDXSTATUS b) { return a != IDX_OK ? a : b; };
-    switch (Below(8)) {
+    switch (Below(9)) {
       case 0:
       case 1:
         Same("IDXAddImage", IDXAddImage(&item), nameStatus != IDX_OK ? nameStatus : add());
@@ -104,6 +104,9 @@ class Random {
       case 6:
         Same("IDXRemoveIndex", IDXRemoveIndex(&item),
              indexStatus != IDX_OK ? indexStatus : StoreStatus(model_.RemoveCell(kIndexTree, PathOf(number), force)));
+        break;
+      case 7:
+        Search(name, number);
         break;
       default:
         Walk(Below(2) ? number : 0, Below(3) ? folder : "");
@@ -167,6 +170,36 @@ class Random {
       return StoreStatus(model_.AddCell(kIndexTree, key, name, attribute));
     }
     return IDXERR_INDEXFULL;
+  }
+
+  // What the look-ups write into the record, and a whole walk over the indexes.
+  void Search(const std::string& name, std::int32_t number) {
+    const CatalogueState state = model_.State();
+    Item image;
+    IDXSTATUS expected = name.empty() ? IDXERR_MEMORY : IDXERR_NOIMAGE;
+    Keys walked;
+    for (const CellState& cell : state.cells[kIndexTree]) {
+      if (cell.key != ".") walked.push_back(cell.key + "=" + cell.name + "=" + std::to_string(cell.attribute));
+      if (!std::count(cell.images.begin(), cell.images.end(), name)) continue;
+      expected = IDX_OK;
+      EXPECT_EQ(IDXSearchImage(&image.Name(name).Index(0).Attribute(99)), IDX_OK);
+      EXPECT_EQ(PathOf(image.index), cell.key);
+      EXPECT_EQ(image.attribute, state.attributes.at(name));
+    }
+    EXPECT_EQ(IDXSearchImage(&image.Name(name)), expected);
+    Item index;
+    const IDXSTATUS found = IDXSearchIndex(&index.Index(number).Name("?").Attribute(99));
+    const bool isThere = !PathOf(number).empty() && !model_.WalkCells(kIndexTree, PathOf(number), false).empty();
+    EXPECT_EQ(found, isThere ? IDX_OK : PathOf(number).empty() ? IDXERR_PARAM : IDXERR_NOINDEX);
+    Item each;
+    IDXSTATUS status = IDX_OK;
+    Keys seen;
+    const IDXFIND find = IDXFindFirstIndex(&each.Wanted(), &status);
+    for (IDXSTATUS next = status; next == IDX_OK; next = IDXFindNextIndex(find, &each.Clear())) {
+      seen.push_back(PathOf(each.index) + "=" + each.NameText() + "=" + std::to_string(each.attribute));
+    }
+    IDXCloseFind(find);
+    EXPECT_EQ(seen, walked);
   }
 
   void Walk(std::int32_t number, const std::string& folder) {
