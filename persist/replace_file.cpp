@@ -33,13 +33,13 @@ struct Target {
   explicit Target(std::string whole) : path(std::move(whole)) {
     const std::size_t slash = path.rfind('/');
     folder = slash == std::string::npos ? "./" : path.substr(0, slash + 1);
-    prefix = kMark + std::to_string(std::hash<std::string>()(path.substr(slash + 1))) + '-';
+    prefix += std::to_string(std::hash<std::string>()(path.substr(slash + 1))) + '-';
     exists = stat(path.c_str(), &status) == 0;
   }
 
   std::string path;
-  std::string folder;  // with a "/" at its end
-  std::string prefix;  // of its temporary files' names
+  std::string folder;          // with a "/" at its end
+  std::string prefix = kMark;  // of its temporary files' names
   bool exists = false;
   struct stat status {};
 };

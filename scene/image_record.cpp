@@ -10,8 +10,7 @@ constexpr double kMillimetresPerInch = 25.4;
 
 // The margin on both sides of `length` pixels: none where too little would be left between them.
 std::int32_t Margin(std::int32_t length, std::int32_t margin) {
-  const std::int64_t left = length - std::int64_t{2} * margin;
-  return left > 0 && left >= kSmallestArea ? margin : 0;
+  return length - std::int64_t{2} * margin >= kSmallestArea ? margin : 0;
 }
 
 }  // namespace

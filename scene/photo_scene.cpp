@@ -5,18 +5,20 @@
 namespace {
 
 // Own what the face detector hands out, on every way out.
-struct FaceContext : OrloContext {
-  FaceContext() : OrloContext{} {}
-  ~FaceContext() { OrloFree(memory); }
+struct FaceContext {
+  FaceContext() = default;
+  ~FaceContext() { OrloFree(context.memory); }
   FaceContext(const FaceContext&) = delete;
   FaceContext& operator=(const FaceContext&) = delete;
+  OrloContext context{};
 };
 
-struct FaceList : OrloFaceList {
-  FaceList() : OrloFaceList{} {}
-  ~FaceList() { OrloFree(faces); }
+struct FaceList {
+  FaceList() = default;
+  ~FaceList() { OrloFree(list.faces); }
   FaceList(const FaceList&) = delete;
   FaceList& operator=(const FaceList&) = delete;
+  OrloFaceList list{};
 };
 
 }  // namespace
@@ -30,14 +32,14 @@ IDXSTATUS CDetectScene::DetectPhotoScene(const CIDXImage& image, std::int32_t& s
   if (image.photoKind == 3) return decide(kPhotoOfKind3);
   if (!image.pixels) return decide(kValueUnknown);
 
-  FaceContext context;
+  FaceContext face;
   Orlo_Initialize();
   std::int32_t failure =
-      Orlo_SetBitmap(&context, image.bitsPerPixel, image.width, image.height, -image.rowBytes, image.pixels.get());
+      Orlo_SetBitmap(&face.context, image.bitsPerPixel, image.width, image.height, -image.rowBytes, image.pixels.get());
   if (failure != 0) return IDXERR_FACES + static_cast<IDXSTATUS>(failure);
-  FaceList list;
-  failure = Orlo_DetectFacePosition(&context, &list);
+  FaceList found;
+  failure = Orlo_DetectFacePosition(&face.context, &found.list);
   if (failure != 0) return IDXERR_FACES + static_cast<IDXSTATUS>(failure);
   Orlo_Uninitialize();  // not after a failure, on purpose: the engine takes it unevenly
-  return decide(list.count != 0 ? kPhotoFaces : kPhotoNoFaces);
+  return decide(found.list.count != 0 ? kPhotoFaces : kPhotoNoFaces);
 }
