@@ -216,7 +216,7 @@ class Random {
     IDXSTATUS status = IDX_OK;
     const IDXFIND find = IDXFindFirstImage(&item, &status);
     Keys found;
-    for (IDXSTATUS next = status; next == IDX_OK; next = IDXFindNextImage(find, &item))
+    for (IDXSTATUS next = status; next == IDX_OK; next = IDXFindNextImage(find, &item.Clear()))
       found.push_back(item.NameText());
     EXPECT_EQ(found, expected) << number << " " << folder;
     EXPECT_EQ(status, isBad ? IDXERR_PARAM : expected.empty() ? IDXERR_NOIMAGE : IDX_OK);
