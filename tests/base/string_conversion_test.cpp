@@ -21,18 +21,11 @@ TEST(StringConversion, ReadsTheApplicationsString) {
 
   CFStringRef nothing = nullptr;
   EXPECT_EQ(CopyIDXSTRtoCIDXString(target, &nothing), IDXERR_FAILED);
-  EXPECT_EQ(CopyIDXSTRtoCIDXString(target, nullptr), IDXERR_FAILED);
   {
     const FailingAllocation noMemory(0);
     EXPECT_EQ(CopyIDXSTRtoCIDXString(target, &variable), IDXERR_FAILED);
   }
   EXPECT_EQ(target.Length(), 10);
-
-  const auto empty = Make("");
-  CFStringRef emptyVariable = empty.get();
-  EXPECT_EQ(CopyIDXSTRtoCIDXString(target, &emptyVariable), IDXERR_MEMORY);
-  EXPECT_NE(target.ConvertASCIIToUTF8(), nullptr);
-  EXPECT_STREQ(target.Text(), "");
 
   const FailingAllocation noMemory(1);
   CIDXString fresh;
