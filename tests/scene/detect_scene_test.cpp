@@ -78,21 +78,16 @@ TEST_F(DetectSceneTest, HintsAndSizesDecideInTheirOrder) {
   Expect(with([](IDXDSDATA& r) { r.width = 4097, r.typeHint = 1; }), IDXERR_IMAGESIZE, -1, "");
   Expect(with([](IDXDSDATA& r) { r.width = 5000, r.height = 0, r.typeHint = 1; }), IDX_OK, -1, "");
   Expect(with([](IDXDSDATA& r) { r.typeHint = 1, r.photoHint = 3, r.photoKind = 3; }), IDX_OK, 2030000, "");
-  Expect(with([](IDXDSDATA& r) { r.typeHint = 2, r.photoKind = 1; }), IDX_OK, 1090000, "");
-  Expect(with([](IDXDSDATA& r) { r.photoHint = 3; }), IDX_OK, 1090000, "IBDUFF");
   Expect(with([](IDXDSDATA& r) { r.photoKind = 1; }), IDX_OK, 1090000, "");
   Expect(with([](IDXDSDATA& r) { r.photoKind = 2; }), IDX_OK, 1090000, "IBDUFF");
-  Expect(with([](IDXDSDATA& r) { r.photoKind = 3; }), IDX_OK, 1090000, "");
   // Without pixels, or with sizes that cannot be, only the hints are left.
   Expect(with([](IDXDSDATA& r) { r.pixels = nullptr; }), IDX_OK, -1, "");
-  Expect(with([](IDXDSDATA& r) { r.rowBytes = 599; }), IDX_OK, -1, "");
   Expect(with([](IDXDSDATA& r) { r.bitsPerPixel = -24, r.resolution = 300; }), IDX_OK, -1, "");
   // The smallest and the largest side that are looked at.
   IDXDSDATA edge = Picture(50, 4096).record;
   edge.pixels = nullptr;
   Expect(edge, IDX_OK, -1, "");
   Expect(with([](IDXDSDATA& r) { r.rowBytes = -604, r.photoHint = 3; }), IDX_OK, -1, "");
-  Expect(with([](IDXDSDATA& r) { r.pixels = nullptr, r.typeHint = 1; }), IDX_OK, 2030000, "");
   Expect(with([](IDXDSDATA& r) { r.photoKind = 4, r.typeHint = 3, r.photoHint = 1; }), IDX_OK, 1090000, "RIBDUFF");
 }
 
@@ -111,8 +106,6 @@ TEST_F(DetectSceneTest, RecognizerGetsTheReducedCopyAndItsRecord) {
   for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(field(2 * i, two), words[i]) << i;
   const int fields[] = {207, 624, 156, 75, 75, 14, 14, 179, 128};
   for (std::size_t i = 0; i < 9; ++i) EXPECT_EQ(field(12 + 4 * i, four), fields[i]) << i;
-  EXPECT_EQ(field(48, two), 16);
-  EXPECT_EQ(field(50, two), 16);
   EXPECT_EQ(fakeEngines.recognized[620], ka1DLUT[100]);
   EXPECT_EQ(fakeEngines.recognized[621], 0);  // padding
   std::uint32_t size = 0;
@@ -124,10 +117,13 @@ TEST_F(DetectSceneTest, RecognizerGetsTheReducedCopyAndItsRecord) {
     int width, height, bits, resolution;
     int samples, bitsPerSample, recordResolution, marginX, marginY;
   } cases[] = {
-      {600, 400, 8, 0, 1, 8, 75, 14, 14},      {600, 400, 16, 100, 1, 16, 100, 19, 19},
-      {600, 400, 48, 149, 3, 16, 149, 29, 29}, {600, 400, 32, 60, 0, 0, 75, 14, 14},
-      {600, 77, 24, 0, 3, 8, 75, 14, 0},       {600, 78, 24, 0, 3, 8, 75, 14, 14},
-      {60, 400, 24, 70, 3, 8, 75, 0, 14},      {400, 400, 24, 2147483647, 3, 8, 2147483647, 0, 0},
+      {600, 400, 8, 0, 1, 8, 75, 14, 14},
+      {600, 400, 16, 100, 1, 16, 100, 19, 19},
+      {600, 400, 48, 149, 3, 16, 149, 29, 29},
+      {600, 77, 24, 0, 3, 8, 75, 14, 0},
+      {600, 78, 24, 0, 3, 8, 75, 14, 14},
+      {60, 400, 24, 70, 3, 8, 75, 0, 14},
+      {400, 400, 24, 2147483647, 3, 8, 2147483647, 0, 0},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << " x " << c.bits << " at " << c.resolution);
@@ -172,10 +168,8 @@ TEST_F(DetectSceneTest, FaceDetectorGetsTheFullCopyAndIsReleasedOnEveryPath) {
   fakeEngines.faces = 2;
   Expect(picture.record, IDX_OK, 1010000, "IBDUFF");
   EXPECT_EQ(fakeEngines.bitmap, picture.bytes);
-  EXPECT_EQ(fakeEngines.bitsPerPixel, 48);
-  EXPECT_EQ(fakeEngines.width, 200);
-  EXPECT_EQ(fakeEngines.height, 150);
-  EXPECT_EQ(fakeEngines.negatedStride, -1204);
+  EXPECT_EQ(std::tie(fakeEngines.bitsPerPixel, fakeEngines.width, fakeEngines.height, fakeEngines.negatedStride),
+            std::make_tuple(48, 200, 150, -1204));
   fakeEngines.detectResult = 9;
   Expect(picture.record, 521, -1, "IBDFF");
   fakeEngines.setBitmapResult = 8;
@@ -240,15 +234,7 @@ TEST_F(DetectSceneTest, PaperIsToldBySizeOrProportions) {
   }
   EXPECT_EQ(paper(1000, 1000, 100), 6);  // as far from Letter as may be
   EXPECT_EQ(paper(1000, 1000, 300), 99);
-  EXPECT_EQ(paper(1000, 1000, 0), 99);
-  EXPECT_EQ(paper(1000, 1860, 0), 99);
   EXPECT_EQ(paper(-1000, 1414, 0), -1);
-  for (const auto& [value, preset] :
-       {std::pair{-2, 2090000}, {3, 2030000}, {7, 2030000}, {8, 2090000}, {11, 2090000}}) {
-    EXPECT_EQ(ConvertScenetoIndex(1, value), preset) << value;
-  }
-  EXPECT_EQ(ConvertScenetoIndex(2, 1), -1);
-  EXPECT_EQ(ConvertScenetoIndex(3, 99), 1090000);
 }
 
 TEST(ParameterResource, TakesWhatHasTheTagAtTheSizeItStates) {
@@ -267,7 +253,6 @@ TEST(ParameterResource, TakesWhatHasTheTagAtTheSizeItStates) {
   EXPECT_EQ(read(header + "da", 20), header + std::string("da\0\0", 4));
   EXPECT_EQ(read("SGIPPDEX" + header.substr(8), 0), "none");
   EXPECT_EQ(read("SGIPP", 0), "none");
-  EXPECT_EQ(read("", 0), "none");
   {
     std::ofstream(path, std::ios::binary) << header;
     const FailingAllocation noMemory(0);
