@@ -41,27 +41,10 @@ KeyPool MakePool(bool crowded) {
   pool.indexes = {"",    ".",         "1",          "1/1",        "1/10",    "1/10/3", "1/9", "2",     "2/1",
                   "2/9", "2/9/4/5/6", "3",          "9",          "/1",      "1//2",   "2/",  "A/b/c", "a/B",
                   lower, upper,       lower + "/1", upper + "/1", "1/10/3/", "10",     "./x", "./x/y"};
-  pool.folders = {"",
-                  "/",
-                  ".",
-                  "/Users",
-                  "/Users/a",
-                  "/Users/a/Pictures",
-                  "/Users/b",
-                  "/users/b",
-                  "/volumes/x",
-                  "/Volumes",
-                  "/Volumes/disk/x",
-                  "/Volumes2",
-                  "/x",
-                  "rel",
-                  "rel/deep/er",
-                  "./rel",
-                  "/a//b",
-                  "/Users/a/",
-                  "/" + lower,
-                  "/" + upper,
-                  "/\xC3\xA4\xE2\x82\xAC"};
+  pool.folders = {"",         "/",        ".",           "/Users",   "/Users/a",        "/Users/a/Pictures",
+                  "/Users/b", "/users/b", "/volumes/x",  "/Volumes", "/Volumes/disk/x", "/Volumes2",
+                  "/x",       "rel",      "rel/deep/er", "./rel",    "/a//b",           "/Users/a/"};
+  pool.folders.insert(pool.folders.end(), {"/" + lower, "/" + upper, "/\xC3\xA4\xE2\x82\xAC"});
   for (int i = 0; pool.images.size() < 60; ++i) {
     const std::string name = "/Users/a/img_" + std::to_string(i) + ".jpg";
     if (!crowded || ModelHash(name) < 3) pool.images.push_back(name);
