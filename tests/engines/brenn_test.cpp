@@ -171,14 +171,12 @@ TEST(Brenn, RefusesABadBlock) {
   Recognize(picture, Fault::kBlockCounts, sealed(23, 0xFF));
   const std::size_t firstTerm = 32 + kFeatureCount * 8;
   Recognize(picture, Fault::kBlockCounts, sealed(firstTerm + 1, 0x7F));  // a feature that there is not
-  Block zeroScale = good;
-  std::fill_n(zeroScale.begin() + 36, 4, std::uint8_t{0});
-  Seal(zeroScale);
-  Recognize(picture, Fault::kBlockNumber, zeroScale);
-  Block notANumber = good;
-  std::fill_n(notANumber.begin() + 28, 4, std::uint8_t{0xFF});
-  Seal(notANumber);
-  Recognize(picture, Fault::kBlockNumber, notANumber);
+  for (const auto& [at, byte] : {std::pair{36, 0}, {28, 0xFF}}) {        // a scale of zero, and what is no number
+    Block block = good;
+    std::fill_n(block.begin() + at, 4, static_cast<std::uint8_t>(byte));
+    Seal(block);
+    Recognize(picture, Fault::kBlockNumber, block);
+  }
 }
 
 // Every picture sits at the end of its memory, so that a read beyond it is seen by the address sanitizer.
