@@ -62,55 +62,48 @@ class Random {
       return StoreStatus(model_.AddNode(name, PathOf(number), folder, hasAttribute ? attribute : 0));
     };
     const auto first = [](IDXSTATUS a, IDXSTATUS b) { return a != IDX_OK ? a : b; };
-    switch (Below(9)) {
-      case 0:
-      case 1:
-        Same("IDXAddImage", IDXAddImage(&item), nameStatus != IDX_OK ? nameStatus : add());
-        break;
-      case 2:
-        Same(
-            "IDXChangeImage", IDXChangeImage(&item), nameStatus != IDX_OK ? nameStatus : [&]() -> IDXSTATUS {
-              if (number == -1) return StoreStatus(model_.RemoveNode(name, force));
-              if (hasIndex) {
-                if (indexStatus != IDX_OK) return indexStatus;
-                const unsigned moved = model_.MoveNode(kIndexTree, name, PathOf(number), force);
-                if (moved == StoreImageNotFound) return add();
-                if (moved != StoreOk) return StoreStatus(moved);
-              }
-              return hasAttribute ? StoreStatus(model_.ChangeAttributeNode(name, attribute)) : IDXSTATUS{IDX_OK};
-            }());
-        break;
-      case 3:
-        Same("IDXRemoveImage", IDXRemoveImage(&item),
-             nameStatus != IDX_OK ? nameStatus : StoreStatus(model_.RemoveNode(name, force)));
-        break;
-      case 4:
-        Same("IDXAddIndex", IDXAddIndex(&item),
-             first(indexStatus, nameStatus) != IDX_OK ? first(indexStatus, nameStatus)
-                                                      : AddIndex(PathOf(number), name, hasAttribute ? attribute : 0));
-        break;
-      case 5:
-        Same(
-            "IDXChangeIndex", IDXChangeIndex(&item), indexStatus != IDX_OK ? indexStatus : [&]() -> IDXSTATUS {
-              unsigned result = StoreOk;
-              if (hasName) {
-                if (nameStatus != IDX_OK) return nameStatus;
-                result = model_.RenameCell(kIndexTree, PathOf(number), name, force);
-              }
-              if (hasAttribute) result = model_.ChangeAttributeCell(kIndexTree, PathOf(number), attribute);
-              return StoreStatus(result);
-            }());
-        break;
-      case 6:
-        Same("IDXRemoveIndex", IDXRemoveIndex(&item),
-             indexStatus != IDX_OK ? indexStatus : StoreStatus(model_.RemoveCell(kIndexTree, PathOf(number), force)));
-        break;
-      case 7:
-        Search(name, number);
-        break;
-      default:
-        Walk(Below(2) ? number : 0, Below(3) ? folder : "");
+    const int kind = Below(9);
+    if (kind < 2) Same("IDXAddImage", IDXAddImage(&item), nameStatus != IDX_OK ? nameStatus : add());
+    if (kind == 2) {
+      Same(
+          "IDXChangeImage", IDXChangeImage(&item), nameStatus != IDX_OK ? nameStatus : [&]() -> IDXSTATUS {
+            if (number == -1) return StoreStatus(model_.RemoveNode(name, force));
+            if (hasIndex) {
+              if (indexStatus != IDX_OK) return indexStatus;
+              const unsigned moved = model_.MoveNode(kIndexTree, name, PathOf(number), force);
+              if (moved == StoreImageNotFound) return add();
+              if (moved != StoreOk) return StoreStatus(moved);
+            }
+            return hasAttribute ? StoreStatus(model_.ChangeAttributeNode(name, attribute)) : IDXSTATUS{IDX_OK};
+          }());
     }
+    if (kind == 3) {
+      Same("IDXRemoveImage", IDXRemoveImage(&item),
+           nameStatus != IDX_OK ? nameStatus : StoreStatus(model_.RemoveNode(name, force)));
+    }
+    if (kind == 4) {
+      Same("IDXAddIndex", IDXAddIndex(&item),
+           first(indexStatus, nameStatus) != IDX_OK ? first(indexStatus, nameStatus)
+                                                    : AddIndex(PathOf(number), name, hasAttribute ? attribute : 0));
+    }
+    if (kind == 5) {
+      Same(
+          "IDXChangeIndex", IDXChangeIndex(&item), indexStatus != IDX_OK ? indexStatus : [&]() -> IDXSTATUS {
+            unsigned result = StoreOk;
+            if (hasName) {
+              if (nameStatus != IDX_OK) return nameStatus;
+              result = model_.RenameCell(kIndexTree, PathOf(number), name, force);
+            }
+            if (hasAttribute) result = model_.ChangeAttributeCell(kIndexTree, PathOf(number), attribute);
+            return StoreStatus(result);
+          }());
+    }
+    if (kind == 6) {
+      Same("IDXRemoveIndex", IDXRemoveIndex(&item),
+           indexStatus != IDX_OK ? indexStatus : StoreStatus(model_.RemoveCell(kIndexTree, PathOf(number), force)));
+    }
+    if (kind == 7) Search(name, number);
+    if (kind == 8) Walk(Below(2) ? number : 0, Below(3) ? folder : "");
     EXPECT_EQ(StateOf(*idData), model_.State()) << log_;
     EXPECT_EQ(BrokenInvariant(*idData), "") << log_;
   }

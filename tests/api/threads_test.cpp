@@ -33,39 +33,22 @@ class Worker {
                                          1100000};
     const std::int32_t index = kIndexes[Below(4)];
     Item item;
-    switch (Below(10)) {
-      case 0:
-        IDXAddImage(&item.Name(name).Index(index));
-        break;
-      case 1:
-        IDXChangeImage(&item.Name(name).Index(index).Attribute(0));
-        break;
-      case 2:
-        IDXRemoveImage(&item.Name(name));
-        break;
-      case 3:
-        IDXSearchImage(&item.Name(name).Index(0));
-        break;
-      case 4:
-        IDXAddIndex(&item.Index(IDXPRESET_PHOTO).Name(name).Operation(IDXOP_GETINFO));
-        break;
-      case 5:
-        IDXRemoveIndex(&item.Index(1100000 + 10000 * static_cast<std::int32_t>(Below(4))));
-        break;
-      case 6:
-        DetectScene();
-        break;
-      case 7:
-        IDXWriteImageFile(&file_);
-        IDXLoadImageFile(&file_);
-        break;
-      case 8:
-        FirstHash();
-        break;
-      default:
-        // A first result alone: what a walk stands on must not be removed before it goes on.
-        IDXCloseFind(Below(2) ? IDXFindFirstImage(&item.Wanted(), nullptr)
-                              : IDXFindFirstIndex(&item.Wanted(), nullptr));
+    const unsigned kind = Below(10);
+    if (kind == 0) IDXAddImage(&item.Name(name).Index(index));
+    if (kind == 1) IDXChangeImage(&item.Name(name).Index(index).Attribute(0));
+    if (kind == 2) IDXRemoveImage(&item.Name(name));
+    if (kind == 3) IDXSearchImage(&item.Name(name).Index(0));
+    if (kind == 4) IDXAddIndex(&item.Index(IDXPRESET_PHOTO).Name(name).Operation(IDXOP_GETINFO));
+    if (kind == 5) IDXRemoveIndex(&item.Index(1100000 + 10000 * static_cast<std::int32_t>(Below(4))));
+    if (kind == 6) DetectScene();
+    if (kind == 7) {
+      IDXWriteImageFile(&file_);
+      IDXLoadImageFile(&file_);
+    }
+    if (kind == 8) FirstHash();
+    if (kind == 9) {
+      // A first result alone: what a walk stands on must not be removed before it goes on.
+      IDXCloseFind(Below(2) ? IDXFindFirstImage(&item.Wanted(), nullptr) : IDXFindFirstIndex(&item.Wanted(), nullptr));
     }
     item.Clear().Name(path_).Index(0);
     EXPECT_EQ(IDXSearchImage(&item), IDX_OK);
