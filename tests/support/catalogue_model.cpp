@@ -15,14 +15,8 @@ unsigned ModelHash(const std::string& text) {
 }
 
 bool ModelEqual(const std::string& a, const std::string& b) {
-  std::string lower[2] = {a, b};
-  for (std::string& text : lower) {
-    for (char& c : text) {
-      const std::size_t letter = std::string("ABCDEFGHIJKLMNOPQRSTUVWXYZ").find(c);
-      if (letter != std::string::npos) c = "abcdefghijklmnopqrstuvwxyz"[letter];
-    }
-  }
-  return lower[0] == lower[1];
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
 }
 
 namespace {
