@@ -46,14 +46,19 @@ class Random {
     const bool hasName = Below(15), hasIndex = Below(15), hasAttribute = Below(2);
     item.Force(force);
     if (hasName) item.Name(name);
-    if (Below(40) == 0) item.name = nullptr;
+    CFStringRef nothing = nullptr;
+    const int oddName = Below(40);
+    if (oddName == 0) item.name = nullptr;
+    if (oddName == 1) item.name = &nothing;
     item.index = number;
     if (hasIndex) item.Index(number);
     if (hasAttribute) item.Attribute(attribute);
     log_ = " '" + name + "' " + std::to_string(number) + " attribute " + std::to_string(attribute) + " force " +
            std::to_string(force) + " mask " + std::to_string(item.mask);
 
-    const IDXSTATUS nameStatus = !hasName || !item.name ? IDXERR_PARAM : name.empty() ? IDXERR_MEMORY : IDX_OK;
+    IDXSTATUS nameStatus = name.empty() ? IDXERR_MEMORY : IDX_OK;
+    if (oddName == 1) nameStatus = IDXERR_FAILED;
+    if (!hasName || oddName == 0) nameStatus = IDXERR_PARAM;
     const IDXSTATUS indexStatus = !hasIndex || PathOf(number).empty() ? IDXERR_PARAM : IDX_OK;
     const std::string folder = name.substr(0, name.rfind('/') == std::string::npos ? 0 : name.rfind('/'));
     const auto add = [&]() -> IDXSTATUS {
@@ -213,6 +218,7 @@ class Random {
       found.push_back(item.NameText());
     EXPECT_EQ(found, expected) << number << " " << folder;
     EXPECT_EQ(status, isBad ? IDXERR_PARAM : expected.empty() ? IDXERR_NOIMAGE : IDX_OK);
+    EXPECT_EQ(IDXFindNextImage(find, &item), find ? IDXERR_NOIMAGE : IDXERR_PARAM);  // the end is the end
     IDXCloseFind(find);
   }
 
