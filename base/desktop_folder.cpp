@@ -49,9 +49,8 @@ void WriteDesktopFolder(const std::string& folder, char* out) {
   const CFReference<CFStringRef> path(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle));
   char text[kTempFilePathSize - 1];
   if (!path || !CFStringGetCString(path.get(), text, sizeof text, kCFStringEncodingUTF8)) return;
-  const std::size_t size = std::strlen(text);
-  std::memcpy(out, text, size);
-  std::memcpy(out + size, "/", 2);
+  const std::string withSlash = std::string(text) + '/';
+  std::memcpy(out, withSlash.c_str(), withSlash.size() + 1);
 }
 
 void GetTempFilePath(char* out) {

@@ -33,7 +33,8 @@ struct Target {
   explicit Target(std::string whole) : path(std::move(whole)) {
     const std::size_t slash = path.rfind('/');
     folder = slash == std::string::npos ? "./" : path.substr(0, slash + 1);
-    prefix += std::to_string(std::hash<std::string>()(path.substr(slash + 1))) + '-';
+    prefix += std::to_string(std::hash<std::string>()(path.substr(slash + 1)));
+    prefix += '-';
     exists = stat(path.c_str(), &status) == 0;
   }
 
@@ -51,7 +52,8 @@ std::string FollowLinks(std::string path) {
     const ssize_t size = readlink(path.c_str(), text, sizeof text);
     if (size <= 0) break;
     const std::string link(text, static_cast<std::size_t>(size));
-    path = link.front() == '/' ? link : path.substr(0, path.rfind('/') + 1) + link;
+    path.resize(link.front() == '/' ? 0 : path.rfind('/') + 1);
+    path += link;
   }
   return path;
 }

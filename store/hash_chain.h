@@ -14,9 +14,9 @@ struct HashChain {
   Entry* tail = nullptr;
 
   void Append(Entry* entry) {
-    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): an entry leaves its chain before it is deleted
     entry->hashPrev = tail;
     entry->hashNext = nullptr;
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): an entry leaves its chain before it is deleted
     (tail ? tail->hashNext : head) = entry;
     tail = entry;
   }
