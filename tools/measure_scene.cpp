@@ -116,6 +116,7 @@ std::vector<std::string> Parts(const std::vector<LabelledPicture>& pictures) {
   std::set<std::string> documents;
   for (const LabelledPicture& picture : pictures) documents.insert(picture.document);
   std::vector<std::string> parts;
+  parts.reserve(pictures.size());
   for (const LabelledPicture& picture : pictures) {
     const bool isDealt = picture.source == "sroie" || picture.source == "pages";
     const auto place = static_cast<std::size_t>(std::distance(documents.begin(), documents.find(picture.document)));
@@ -138,6 +139,7 @@ void CrossValidate(CDetectScene& detector, const std::vector<LabelledPicture>& p
   const std::vector<std::string> parts = Parts(pictures);
   for (const std::string& part : std::set<std::string>(parts.begin(), parts.end())) {
     std::vector<bool> isHeldOut;
+    isHeldOut.reserve(parts.size());
     for (const std::string& other : parts) isHeldOut.push_back(other == part);
     SetBlock(detector, brenn::MakeParameterBlock(TrainModel(TrainingExamples(pictures, variants, isHeldOut))));
     for (std::size_t i = 0; i < pictures.size(); ++i) {
@@ -210,13 +212,20 @@ void Run(const Options& options) {
 int main(int argc, char** argv) {
   using namespace catalogcore::tools;
   Options options;
-  CLI::App app("Measures how well IDXDetectScene decides labelled pictures.");
-  app.add_option("DOCUMENTS", options.documents, "folder of documents")->required()->check(CLI::ExistingDirectory);
-  app.add_option("PHOTOS", options.photographs, "folder of photographs")->required()->check(CLI::ExistingDirectory);
-  app.add_flag("--cross-validate", options.crossValidate,
-               "decide each picture by a recognizer trained without its source, not by the library's own");
-  app.add_flag("--exchange", options.exchange, "count the decisions that change with the order of the samples");
-  app.add_option("--faces", options.faces, "measure the face detector on the photographs that this file labels")
-      ->check(CLI::ExistingFile);
-  return RunTool(app, argc, argv, [&options] { Run(options); });
+  return RunTool(
+      argc, argv, "Measures how well IDXDetectScene decides labelled pictures.",
+      [&options](CLI::App& app) {
+        app.add_option("DOCUMENTS", options.documents, "folder of documents")
+            ->required()
+            ->check(CLI::ExistingDirectory);
+        app.add_option("PHOTOS", options.photographs, "folder of photographs")
+            ->required()
+            ->check(CLI::ExistingDirectory);
+        app.add_flag("--cross-validate", options.crossValidate,
+                     "decide each picture by a recognizer trained without its source, not by the library's own");
+        app.add_flag("--exchange", options.exchange, "count the decisions that change with the order of the samples");
+        app.add_option("--faces", options.faces, "measure the face detector on the photographs that this file labels")
+            ->check(CLI::ExistingFile);
+      },
+      [&options] { Run(options); });
 }

@@ -2,14 +2,38 @@
 #ifndef CATALOGCORE_TOOLS_TOOL_MAIN_H_
 #define CATALOGCORE_TOOLS_TOOL_MAIN_H_
 
+#include <vips/vips.h>
+
 #include <CLI/CLI.hpp>
-#include <functional>
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+#include <string>
 
 namespace catalogcore::tools {
 
-// Parses the arguments with `app`, starts libvips with one thread (pictures, not parts of one, are worked on side by
-// side) and runs `work`. Returns the exit status; what `work` throws is printed, and the status is 1.
-int RunTool(CLI::App& app, int argc, char** argv, const std::function<void()>& work);
+// Lets `addOptions(app)` say what the arguments are, parses them, starts libvips with one thread (pictures, not parts of
+// one, are worked on side by side) and runs `work()`. Returns the exit status; what is thrown is printed, and the status
+// is 1 then.
+template <typename AddOptions, typename Work>
+int RunTool(int argc, char** argv, const char* description, AddOptions addOptions, Work work) noexcept {
+  try {
+    CLI::App app(description);
+    addOptions(app);
+    CLI11_PARSE(app, argc, argv);
+    if (VIPS_INIT(argv[0]) != 0)
+      throw std::runtime_error(std::string("libvips does not start: ") + vips_error_buffer());
+    vips_concurrency_set(1);
+    work();
+    vips_shutdown();
+    return 0;
+  } catch (const std::exception& failure) {
+    std::fprintf(stderr, "%s: %s\n", argv[0], failure.what());
+  } catch (...) {
+    std::fprintf(stderr, "%s: failed\n", argv[0]);
+  }
+  return 1;
+}
 
 }  // namespace catalogcore::tools
 

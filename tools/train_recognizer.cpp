@@ -42,12 +42,20 @@ void Run(const Options& options) {
 int main(int argc, char** argv) {
   using namespace catalogcore::tools;
   Options options;
-  CLI::App app("Trains the document-type recognizer from a folder of documents and one of photographs.");
-  app.add_option("DOCUMENTS", options.documents, "folder of documents")->required()->check(CLI::ExistingDirectory);
-  app.add_option("PHOTOS", options.photographs, "folder of photographs")->required()->check(CLI::ExistingDirectory);
-  app.add_option("-o,--output", options.output, "parameter block to write")->required();
-  app.add_option("--variants", options.variants, "variants of each picture to train on")->check(CLI::Range(1, 1000));
-  app.add_option("--threads", options.threads, "threads; the result does not depend on them")
-      ->check(CLI::Range(1, 256));
-  return RunTool(app, argc, argv, [&options] { Run(options); });
+  return RunTool(
+      argc, argv, "Trains the document-type recognizer from a folder of documents and one of photographs.",
+      [&options](CLI::App& app) {
+        app.add_option("DOCUMENTS", options.documents, "folder of documents")
+            ->required()
+            ->check(CLI::ExistingDirectory);
+        app.add_option("PHOTOS", options.photographs, "folder of photographs")
+            ->required()
+            ->check(CLI::ExistingDirectory);
+        app.add_option("-o,--output", options.output, "parameter block to write")->required();
+        app.add_option("--variants", options.variants, "variants of each picture to train on")
+            ->check(CLI::Range(1, 1000));
+        app.add_option("--threads", options.threads, "threads; the result does not depend on them")
+            ->check(CLI::Range(1, 256));
+      },
+      [&options] { Run(options); });
 }
