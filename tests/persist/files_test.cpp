@@ -140,6 +140,27 @@ TEST_F(FilesTest, WhatIsNoCatalogueFileStaysAsItIs) {
   EXPECT_EQ(Call(IDXWriteIndexFile), IDXERR_FAILED);
 }
 
+TEST_F(FilesTest, ValueIsReadInTwoStepsOrCutToTheRoomThereIs) {
+  CFStringRef path = Item::Make(folder_ / "file");
+  const CFReference<CFURLRef> url(CFURLCreateWithFileSystemPath(nullptr, path, kCFURLPOSIXPathStyle, false));
+  CFRelease(path);
+  char block[8] = "???????";
+  std::int32_t size = 99;
+  EXPECT_EQ(_ReadKeyData(url.get(), CATALOGCORE_INDEX_KEY, nullptr, nullptr), 0);
+  EXPECT_EQ(_ReadKeyData(url.get(), CATALOGCORE_INDEX_KEY, block, &size), 1);  // no file
+  EXPECT_EQ(size, 0);
+  SetPayload(CATALOGCORE_INDEX_KEY, "abcd");
+  EXPECT_EQ(_ReadKeyData(url.get(), CATALOGCORE_INDEX_KEY, nullptr, &size), 1);
+  EXPECT_EQ(size, 5);  // with its terminator
+  size = 3;
+  EXPECT_EQ(_ReadKeyData(url.get(), CATALOGCORE_INDEX_KEY, block, &size), 1);
+  EXPECT_EQ(size, 3);
+  EXPECT_STREQ(block, "abc????");
+  SetContent("garbage");
+  EXPECT_EQ(_ReadKeyData(url.get(), CATALOGCORE_INDEX_KEY, block, &size), 0);
+  EXPECT_EQ(size, 0);
+}
+
 TEST_F(FilesTest, RecordsAreCutAsTheyStand) {
   const std::string version = "CatalogCoreVer1.0\n";
   const struct {
