@@ -1,0 +1,60 @@
+// Pictures from files: decoding for scene detection, what their headers tell, and small copies of them. Everything that
+// touches libvips is behind this header.
+//
+// Any thread may call these functions, after StartPictures.
+#ifndef CATALOGCORE_APP_PICTURE_H_
+#define CATALOGCORE_APP_PICTURE_H_
+
+#include <cstdint>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace catalogcore::app {
+
+// A file that is no picture, or not a whole one. what() says which, for a person, without the file's name: "not an image
+// file", "the image is cut short", "Permission denied".
+class PictureError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Starts libvips, once a process, with one thread a picture: pictures, not parts of one, are worked on side by side.
+// Throws std::runtime_error.
+void StartPictures(const char* program);
+
+// Whether a file's name ends like that of a picture that can be decoded (.jpg, .JPEG, .png, .tif, .webp, .heic, ...).
+bool HasPictureName(const std::filesystem::path& file);
+
+// A picture upright, 8 bits a sample, no alpha: one sample a pixel if the file is grey, else three (red, green, blue).
+struct Picture {
+  std::int32_t width = 0;            // pixels, 1 to 4096
+  std::int32_t height = 0;           // rows, 1 to 4096
+  std::int32_t bitsPerPixel = 0;     // 8 or 24
+  std::int32_t resolution = 0;       // dots per inch of these pixels; 0: unknown
+  std::vector<std::uint8_t> pixels;  // height rows of width * bitsPerPixel / 8 bytes, no padding
+};
+
+// Decodes the first picture of a file, reduced until no side is above 4096 pixels; the resolution goes down with it.
+// Throws PictureError, std::bad_alloc.
+Picture DecodePicture(const std::filesystem::path& file);
+
+// What the header of a file tells.
+struct PictureFacts {
+  std::int32_t width = 0;  // pixels of the file, upright
+  std::int32_t height = 0;
+  std::int32_t resolution = 0;  // dots per inch that a scanner could have meant; 0: none
+  std::string date;             // when it was taken, "2024-05-31 18:20:05"; else the file's time of change
+};
+
+// Throws PictureError.
+PictureFacts ReadPictureFacts(const std::filesystem::path& file);
+
+// Writes an upright JPEG copy of at most side x side pixels to `target`: a new file, whole or not there.
+// Throws PictureError (also when the target cannot be written: what() tells which file).
+void WriteSmallCopy(const std::filesystem::path& file, const std::filesystem::path& target, int side);
+
+}  // namespace catalogcore::app
+
+#endif  // CATALOGCORE_APP_PICTURE_H_

@@ -1,0 +1,19 @@
+// A file's pixels on their way to the screen or to scene detection.
+#ifndef CATALOGCORE_APP_PICTURE_PIXELS_H_
+#define CATALOGCORE_APP_PICTURE_PIXELS_H_
+
+#include "app/picture_file.h"
+
+namespace catalogcore::app {
+
+// The file's first picture upright, as Picture describes its samples, reduced until no side is above `side` and never
+// enlarged. Its rows have to be taken from the top down. To be called inside UseLibvips.
+//
+// Memory stays bounded by about one picture: rows are decoded, converted and reduced as they are taken, and what must be
+// turned is small by then. Where a decoder holds the whole picture instead (WebP, HEIF, JPEG and PNG in several passes),
+// more than 2^28 pixels are refused with PictureError; else more than 2^30, which would take minutes to read.
+Image ReducedPixels(const PictureFile& file, VipsFailOn failOn, int side);
+
+}  // namespace catalogcore::app
+
+#endif  // CATALOGCORE_APP_PICTURE_PIXELS_H_
