@@ -13,18 +13,19 @@
 
 namespace catalogcore::app {
 
-// A file that is no picture, or not a whole one. what() says which, for a person, without the file's name: "not an image
-// file", "the image is cut short", "Permission denied".
+// A file that is no picture, not a whole one, or one too large to be held. what() says which, for a person, without the
+// file's name: "not an image file", "the image is cut short", "the image is damaged: bad Huffman code", "the image is too
+// large", "Permission denied".
 class PictureError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Starts libvips, once a process, with one thread a picture: pictures, not parts of one, are worked on side by side.
-// Throws std::runtime_error.
+// Starts libvips, once a process and before other threads, with one thread a picture: pictures, not parts of one, are
+// worked on side by side. Messages of libvips and GLib are silenced from then on. Throws std::runtime_error.
 void StartPictures(const char* program);
 
-// Whether a file's name ends like that of a picture that can be decoded (.jpg, .JPEG, .png, .tif, .webp, .heic, ...).
+// Whether a file's name ends like that of a picture that can be decoded here (.jpg, .JPEG, .png, .tif, .webp, .heic, ...).
 bool HasPictureName(const std::filesystem::path& file);
 
 // A picture upright, 8 bits a sample, no alpha: one sample a pixel if the file is grey, else three (red, green, blue).
@@ -37,7 +38,7 @@ struct Picture {
 };
 
 // Decodes the first picture of a file, reduced until no side is above 4096 pixels; the resolution goes down with it.
-// Throws PictureError, std::bad_alloc.
+// The format is told by the file's content: JPEG, PNG, TIFF, WebP or HEIF. Throws PictureError, std::bad_alloc.
 Picture DecodePicture(const std::filesystem::path& file);
 
 // What the header of a file tells.
@@ -48,11 +49,11 @@ struct PictureFacts {
   std::string date;             // when it was taken, "2024-05-31 18:20:05"; else the file's time of change
 };
 
-// Throws PictureError.
+// Reads no pixels: a file with facts may still be cut short. Throws PictureError, std::bad_alloc.
 PictureFacts ReadPictureFacts(const std::filesystem::path& file);
 
-// Writes an upright JPEG copy of at most side x side pixels to `target`: a new file, whole or not there.
-// Throws PictureError (also when the target cannot be written: what() tells which file).
+// Writes an upright JPEG copy of at most side x side pixels to `target`: a new file, whole or not there. Never enlarges.
+// Throws PictureError (also when the target cannot be written: what() tells which file), std::bad_alloc.
 void WriteSmallCopy(const std::filesystem::path& file, const std::filesystem::path& target, int side);
 
 }  // namespace catalogcore::app

@@ -51,14 +51,14 @@ bool Contains(std::string_view text, std::initializer_list<std::string_view> phr
                      [text](std::string_view phrase) { return text.find(phrase) != text.npos; });
 }
 
-// The first line tells the cause, but for those of HEIF files about seeking, which sound ones cause too. Without the
-// name of the part of libvips, and without what may not be printed: messages may quote the file.
+// The first line tells the cause, but for those that sound files cause too, and those that say nothing. Without the name
+// of the part of libvips, and without what may not be printed: messages may quote the file.
 std::string Detail(std::string_view errors) {
   while (!errors.empty()) {
     std::string_view line = errors.substr(0, errors.find('\n'));
     errors.remove_prefix(std::min(errors.size(), line.size() + 1));
     if (const std::size_t domain = line.find(": "); domain != line.npos) line.remove_prefix(domain + 2);
-    if (line.empty() || Contains(line, {"bad seek", "read error"})) continue;
+    if (line.empty() || Contains(line, {"bad seek", "extraneous bytes", "read error"})) continue;
     std::string detail(line.substr(0, 100));
     std::replace_if(
         detail.begin(), detail.end(), [](char c) { return c < ' ' || c > '~'; }, '?');
@@ -97,9 +97,8 @@ void PictureFile::Examine(const std::filesystem::path& path) {
   const std::optional<Content> content = ContentOf(start);
   if (!content) throw PictureError("not an image file");
   content_ = *content;
-  const LibvipsUse use(false);
   source_.reset(vips_source_new_from_descriptor(descriptor_));
-  if (source_ == nullptr) throw std::bad_alloc();
+  if (source_ == nullptr) FailBySystem();  // a copy of the descriptor
 }
 
 Image PictureFile::Open(VipsFailOn failOn, int shrink) const {

@@ -99,7 +99,7 @@ TEST_F(PictureTest, EveryKindOfSamplesBecomesEightBitsGreyOrColour) {
     ASSERT_EQ(vips_colourspace(Plain(40, 30, c.pixel).get(), &converted, c.as, nullptr), 0);
     const Picture picture = DecodePicture(Saved(Image(converted), c.name));
     EXPECT_EQ(picture.bitsPerPixel, static_cast<int>(c.expected.size()) * 8);
-    ASSERT_EQ(picture.pixels.size(), 40 * 30 * c.expected.size());
+    ASSERT_EQ(picture.pixels.size(), 1200 * c.expected.size());
     for (std::size_t s = 0; s < c.expected.size(); ++s) EXPECT_NEAR(picture.pixels[s], c.expected[s], c.tolerance);
   }
   const std::string png = Bytes(folder_ / "alpha.png");
