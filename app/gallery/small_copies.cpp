@@ -5,6 +5,7 @@
 #include <cctype>
 #include <cstdint>
 #include <cstdio>
+#include <stdexcept>
 #include <string_view>
 #include <system_error>
 
@@ -54,7 +55,7 @@ bool MakeCopy(const fs::path& picture, const fs::path& copy, int side) {
   if (Exists(copy)) return false;
   std::error_code error;
   fs::create_directories(copy.parent_path(), error);
-  if (error) throw PictureError("cannot make the folder " + copy.parent_path().string() + ": " + error.message());
+  if (error) throw std::runtime_error("cannot make the folder " + copy.parent_path().string() + ": " + error.message());
   WriteSmallCopy(picture, copy, side);
   return true;
 }

@@ -22,7 +22,8 @@ class SmallCopies {
   bool Check(const std::string& path, PictureRecord& record) const;
 
   // Fills facts, thumbnail and preview of a record whose time and size are set, and makes the copies that are not there.
-  // Returns whether the thumbnail was made. Throws PictureError: facts that were read stay. Any thread, one a picture.
+  // Returns whether the thumbnail was made. Throws PictureError: what was found until then stays;
+  // std::runtime_error: the folder cannot be written. Any thread, one a picture.
   bool Make(const std::string& path, PictureRecord& record) const;
 
   // Removes every file but the copies of these names.

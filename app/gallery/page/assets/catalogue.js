@@ -24,7 +24,7 @@ class Catalogue {
   static #THUMBNAIL = 2;
   static #PREVIEW = 4;
   static #COPY_NAME = 16;  // digits
-  static #DOCUMENTS = 2;   // first digit of the numbers of indexes that hold documents
+  static #DOCUMENTS = 2;   // first position in the numbers of indexes that hold documents
 
   #data;
   #folderOf;   // of each picture
@@ -48,7 +48,7 @@ class Catalogue {
 
   isDocument(picture) {
     const number = this.#data.indexes[this.#data.filed[picture]]?.[0] ?? 0;
-    return String(number)[0] === String(Catalogue.#DOCUMENTS);
+    return Math.floor(number / 1e6) === Catalogue.#DOCUMENTS;
   }
 
   // Addresses of the picture's copies and of the picture itself. null: there is no such copy.

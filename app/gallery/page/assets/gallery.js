@@ -17,8 +17,8 @@ function startGallery(catalogue) {
   };
   const indexEntries = catalogue.indexEntries();
   const folderEntries = catalogue.folderEntries();
-  const indexes = new Tree(byId('indexes'), indexEntries, choose);
-  const folders = new Tree(byId('folders'), folderEntries, choose);
+  const indexes = new Tree(byId('sidebar'), byId('indexes'), indexEntries, choose);
+  const folders = new Tree(byId('sidebar'), byId('folders'), folderEntries, choose);
   const viewer = new Viewer(catalogue, {
     changed(picture) {
       state.picture = picture;
@@ -63,7 +63,8 @@ function startGallery(catalogue) {
     if (state.query) parameters.set('q', state.query);
     if (state.sort !== 'folder') parameters.set('sort', state.sort);
     if (state.picture !== null) parameters.set('picture', catalogue.path(state.picture));
-    try { history[how](null, '', `#${parameters}`); } catch { /* some browsers count how often: then not this time */ }
+    if (location.hash.slice(1) === String(parameters)) return;
+    try { history[how](null, '', `#${parameters}`); } catch { /* browsers may refuse too many in a row */ }
   }
 
   function restore() {

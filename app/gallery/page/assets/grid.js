@@ -19,9 +19,10 @@ class Grid {
   #tiles = new Map();  // by position
   #active = 0;         // position that Tab stops at
   #columns = 1;
-  #tileWidth = 0;
+  #tileWidth = 0;      // pixels, as all that follow
+  #gap = 0;
   #rowHeight = 1;
-  #top = 0;            // pixels from the first row to the upper edge of the view
+  #top = 0;            // from the first row to the upper edge of the view
   #stretch = 1;        // pixels of rows that a pixel of the scroll bar stands for
   #scrolledTo = 0;
 
@@ -51,7 +52,8 @@ class Grid {
 
   // Gives the tile at the position the focus, and moves it into view if it is not.
   focus(position) {
-    this.#activate(position);
+    this.#active = position;
+    this.#render();
     this.#reveal(position);
     this.#tiles.get(position)?.focus({preventScroll: true});
   }
@@ -67,10 +69,10 @@ class Grid {
 
   #measure() {
     const rem = parseFloat(getComputedStyle(document.documentElement).fontSize);
-    const gap = Grid.#GAP * rem;
     const width = this.#list.clientWidth;
-    this.#columns = Math.max(2, Math.floor((width + gap) / (Grid.#SMALLEST * rem + gap)));
-    this.#tileWidth = (width - (this.#columns - 1) * gap) / this.#columns;
+    this.#gap = Grid.#GAP * rem;
+    this.#columns = Math.max(2, Math.floor((width + this.#gap) / (Grid.#SMALLEST * rem + this.#gap)));
+    this.#tileWidth = (width - (this.#columns - 1) * this.#gap) / this.#columns;
     this.#rowHeight = Math.round(this.#tileWidth + (Grid.#CAPTION + Grid.#GAP) * rem);
     const rows = Math.ceil(this.#pictures.length / this.#columns);
     const height = rows * this.#rowHeight;
@@ -125,31 +127,15 @@ class Grid {
     return positions;
   }
 
-  // Tiles stand in the page in their order, for those who read it rather than see it.
   #render() {
-    const positions = this.#positionsInView();
-    const wanted = new Set(positions);
-    for (const [position, tile] of this.#tiles) {
-      if (wanted.has(position)) continue;
-      tile.remove();
-      this.#tiles.delete(position);
-    }
-    let next = null;
-    for (const position of positions.reverse()) {
-      let tile = this.#tiles.get(position);
-      if (!tile) {
-        tile = this.#make(position);
-        this.#tiles.set(position, tile);
-        this.#list.insertBefore(tile, next);
-      }
-      this.#place(tile);
-      next = tile;
-    }
+    keepInPage(this.#list, this.#tiles, this.#positionsInView(), (position) => this.#make(position));
+    for (const tile of this.#tiles.values()) this.#place(tile);
   }
 
   #place(tile) {
-    const rem = parseFloat(getComputedStyle(document.documentElement).fontSize);
-    const x = (tile.position % this.#columns) * (this.#tileWidth + Grid.#GAP * rem);
+    const isActive = tile.position === this.#active;
+    setAttributes(tile, {'aria-selected': isActive, 'tabindex': isActive ? 0 : -1});
+    const x = (tile.position % this.#columns) * (this.#tileWidth + this.#gap);
     const row = Math.floor(tile.position / this.#columns);
     const y = row * this.#rowHeight - this.#top + this.#top / this.#stretch;
     tile.style.transform = `translate(${x}px, ${y}px)`;
@@ -164,11 +150,9 @@ class Grid {
     tile.querySelector('.date').textContent = catalogue.day(picture);
     tile.classList.toggle('document', catalogue.isDocument(picture));
     tile.classList.toggle('missing', catalogue.isMissing(picture));
-    const attributes = {
+    setAttributes(tile, {
       'aria-setsize': this.#pictures.length, 'aria-posinset': position + 1, 'aria-label': this.#label(picture),
-      'aria-selected': position === this.#active, 'tabindex': position === this.#active ? 0 : -1,
-    };
-    for (const [name, value] of Object.entries(attributes)) tile.setAttribute(name, value);
+    });
     const thumbnail = catalogue.thumbnail(picture);
     if (thumbnail) tile.querySelector('.frame').append(thumbnailImage(thumbnail));
     return tile;
@@ -179,17 +163,6 @@ class Grid {
     if (this.#catalogue.isMissing(picture)) parts.push('not there now');
     if (!this.#catalogue.thumbnail(picture)) parts.push('no thumbnail');
     return parts.filter((part) => part !== '').join(', ');
-  }
-
-  #activate(position) {
-    const before = this.#tiles.get(this.#active);
-    before?.setAttribute('tabindex', '-1');
-    before?.setAttribute('aria-selected', 'false');
-    this.#active = position;
-    this.#render();
-    const now = this.#tiles.get(position);
-    now?.setAttribute('tabindex', '0');
-    now?.setAttribute('aria-selected', 'true');
   }
 
   #reveal(position) {

@@ -1,145 +1,154 @@
 'use strict';
 
-// A tree of entries (see catalogue.js) by the ARIA pattern: one stop of the Tab key, arrows inside. Children are made when
-// their parent is first opened.
+// A tree of entries (see catalogue.js) by the ARIA pattern: one stop of the Tab key, arrows inside. Its lines are of one
+// height, and only those in view, a few around them and the one that Tab stops at are in the page.
 class Tree {
+  static #LINES_AROUND = 8;
+
+  #scroller;
   #root;
   #select;
-  #entries = new Map();   // by id: {entry, parent}
-  #elements = new Map();  // by id, of those that were made
-  #current = null;        // the element that Tab stops at
+  #nodes = new Map();  // by the entry's id: {entry, parent, children, level, position, isOpen, at (place in #lines)}
+  #top;                // nodes
+  #lines = [];         // nodes that are not below a closed one
+  #items = new Map();  // elements in the page, by node
+  #current;            // node that Tab stops at
+  #marked = null;      // node
 
-  // Calls select(entry) when the reader chooses one.
-  constructor(root, entries, select) {
+  // Shows the entries in `root`, which `scroller` scrolls with others. Calls select(entry) when the reader chooses one.
+  constructor(scroller, root, entries, select) {
+    this.#scroller = scroller;
     this.#root = root;
     this.#select = select;
-    this.#enter(entries, null);
-    this.#fill(root, entries, 1);
-    this.#setCurrent(root.firstElementChild);
+    this.#top = this.#enter(entries, null);
+    this.#current = this.#top[0];
+    this.#unfold();
     root.addEventListener('click', (event) => this.#click(event));
     root.addEventListener('keydown', (event) => this.#key(event));
+    scroller.addEventListener('scroll', () => requestAnimationFrame(() => this.#render()), {passive: true});
+    const observer = new ResizeObserver(() => this.#render());
+    for (const part of [scroller, ...scroller.children]) observer.observe(part);
   }
 
-  find(id) { return this.#entries.get(id)?.entry ?? null; }
+  find(id) { return this.#nodes.get(id)?.entry ?? null; }
 
-  expand(id) { this.#setExpanded(this.#element(id), true); }
+  expand(id) { this.#setOpen(this.#nodes.get(id), true); }
 
   // Marks the entry, if it is in this tree, opens what it is below and takes the mark from the one before.
   mark(id) {
-    this.#root.querySelector('[aria-selected="true"]')?.setAttribute('aria-selected', 'false');
-    if (!this.#entries.has(id)) return;
-    const element = this.#element(id);
-    element.setAttribute('aria-selected', 'true');
-    this.#setCurrent(element);
+    this.#marked = this.#nodes.get(id) ?? null;
+    for (let node = this.#marked?.parent; node; node = node.parent) node.isOpen = true;
+    this.#current = this.#marked ?? this.#current;
+    this.#unfold();
   }
 
   #enter(entries, parent) {
-    for (const entry of entries) {
-      this.#entries.set(entry.id, {entry, parent});
-      this.#enter(entry.children, entry.id);
-    }
+    return entries.map((entry, position) => {
+      const node = {entry, parent, level: parent ? parent.level + 1 : 1, position, isOpen: false, at: 0};
+      this.#nodes.set(entry.id, node);
+      node.children = this.#enter(entry.children, node);
+      return node;
+    });
   }
 
-  #element(id) {
-    if (!this.#elements.has(id)) this.expand(this.#entries.get(id).parent);
-    return this.#elements.get(id);
-  }
-
-  #fill(list, entries, level) {
-    list.append(...entries.map((entry, at) => this.#make(entry, level, at + 1, entries.length)));
-  }
-
-  #make(entry, level, position, size) {
-    const item = document.createElement('li');
-    const attributes = {
-      'role': 'treeitem', 'tabindex': -1, 'aria-level': level, 'aria-posinset': position, 'aria-setsize': size,
-      'aria-selected': false, 'aria-label': `${entry.label}, ${picturesText(entry.count)}`,
+  // Finds the lines again after something was opened or closed.
+  #unfold() {
+    this.#lines = [];
+    const add = (node) => {
+      node.at = this.#lines.push(node) - 1;
+      if (node.isOpen) node.children.forEach(add);
     };
-    if (entry.children.length > 0) attributes['aria-expanded'] = false;
-    for (const [name, value] of Object.entries(attributes)) item.setAttribute(name, value);
-    item.entryId = entry.id;
-    const row = item.appendChild(document.createElement('div'));
-    row.className = 'row';
-    row.title = entry.note || entry.label;
-    row.style.setProperty('--level', level - 1);
+    this.#top.forEach(add);
+    this.#root.style.setProperty('--lines', this.#lines.length);
+    this.#render();
+  }
+
+  #setOpen(node, isOpen) {
+    if (node.children.length === 0) return;
+    node.isOpen = isOpen;
+    for (let above = this.#current.parent; above; above = above.parent) {
+      if (!above.isOpen) this.#current = above;
+    }
+    this.#unfold();
+  }
+
+  #lineHeight() { return this.#root.clientHeight / this.#lines.length; }
+
+  #render() {
+    if (this.#lines.length === 0) return;
+    const top = this.#scroller.scrollTop - this.#root.offsetTop;
+    const first = Math.floor(top / this.#lineHeight()) - Tree.#LINES_AROUND;
+    const end = Math.ceil((top + this.#scroller.clientHeight) / this.#lineHeight()) + Tree.#LINES_AROUND;
+    const nodes = this.#lines.slice(Math.max(0, first), Math.max(0, end));
+    if (this.#current.at < first) nodes.unshift(this.#current);
+    if (this.#current.at >= end) nodes.push(this.#current);
+    keepInPage(this.#root, this.#items, nodes, (node) => this.#make(node));
+    for (const node of nodes) this.#update(node);
+  }
+
+  #make(node) {
+    const {entry} = node;
+    const item = document.createElement('li');
+    item.node = node;
+    item.title = entry.note || entry.label;
+    item.style.setProperty('--level', node.level - 1);
+    setAttributes(item, {
+      'role': 'treeitem', 'aria-level': node.level, 'aria-posinset': node.position + 1,
+      'aria-setsize': (node.parent?.children ?? this.#top).length, 'aria-label': `${entry.label}, ${picturesText(entry.count)}`,
+    });
     for (const [name, text] of [['twisty', ''], ['label', entry.label], ['count', numberText.format(entry.count)]]) {
-      const part = row.appendChild(document.createElement('span'));
+      const part = item.appendChild(document.createElement('span'));
       part.className = name;
       part.textContent = text;
     }
-    this.#elements.set(entry.id, item);
     return item;
   }
 
-  #isExpanded(item) { return item.getAttribute('aria-expanded') === 'true'; }
-
-  #setExpanded(item, expanded) {
-    if (!item.hasAttribute('aria-expanded')) return;
-    if (expanded && !item.querySelector('ul')) {
-      const list = item.appendChild(document.createElement('ul'));
-      list.setAttribute('role', 'group');
-      this.#fill(list, this.find(item.entryId).children, Number(item.getAttribute('aria-level')) + 1);
-    }
-    item.setAttribute('aria-expanded', String(expanded));
-    if (!expanded && item.contains(this.#current)) this.#setCurrent(item);
+  #update(node) {
+    const item = this.#items.get(node);
+    item.style.setProperty('--at', node.at);
+    setAttributes(item, {'aria-selected': node === this.#marked, 'tabindex': node === this.#current ? 0 : -1});
+    if (node.children.length > 0) item.setAttribute('aria-expanded', String(node.isOpen));
   }
 
-  #setCurrent(item) {
-    this.#current?.setAttribute('tabindex', '-1');
-    item?.setAttribute('tabindex', '0');
-    this.#current = item;
-  }
-
-  #focus(item) {
-    if (!item) return;
-    this.#setCurrent(item);
-    item.focus();
-    item.firstElementChild.scrollIntoView({block: 'nearest'});
+  #focus(node) {
+    if (!node) return;
+    this.#current = node;
+    const height = this.#lineHeight();
+    const top = this.#root.offsetTop + node.at * height;
+    const lowest = top + height - this.#scroller.clientHeight;
+    this.#scroller.scrollTop = Math.max(lowest, Math.min(top, this.#scroller.scrollTop));
+    this.#render();
+    this.#items.get(node).focus({preventScroll: true});
   }
 
   #click(event) {
-    const item = event.target.closest('li');
-    if (!item) return;
+    const node = event.target.closest('li')?.node;
+    if (!node) return;
     if (event.target.classList.contains('twisty')) {
-      this.#setExpanded(item, !this.#isExpanded(item));
+      this.#setOpen(node, !node.isOpen);
     } else {
-      this.#focus(item);
-      this.#select(this.find(item.entryId));
+      this.#focus(node);
+      this.#select(node.entry);
     }
   }
 
   #key(event) {
     if (event.altKey || event.ctrlKey || event.metaKey) return;
-    const item = this.#current;
+    const node = this.#current;
+    const next = this.#lines[node.at + 1];
     const moves = {
-      ArrowDown: () => this.#focus(this.#after(item)),
-      ArrowUp: () => this.#focus(this.#before(item)),
-      ArrowRight: () => (this.#isExpanded(item) ? this.#focus(this.#after(item)) : this.#setExpanded(item, true)),
-      ArrowLeft: () => (this.#isExpanded(item) ? this.#setExpanded(item, false) : this.#focus(this.#parent(item))),
-      Home: () => this.#focus(this.#root.firstElementChild),
-      End: () => this.#focus(this.#lastIn(this.#root.lastElementChild)),
-      Enter: () => this.#select(this.find(item.entryId)),
-      ' ': () => this.#select(this.find(item.entryId)),
+      ArrowDown: () => this.#focus(next),
+      ArrowUp: () => this.#focus(this.#lines[node.at - 1]),
+      ArrowRight: () => (node.isOpen ? this.#focus(next) : this.#setOpen(node, true)),
+      ArrowLeft: () => (node.isOpen ? this.#setOpen(node, false) : this.#focus(node.parent)),
+      Home: () => this.#focus(this.#lines[0]),
+      End: () => this.#focus(this.#lines.at(-1)),
+      Enter: () => this.#select(node.entry),
+      ' ': () => this.#select(node.entry),
     };
     if (!moves[event.key]) return;
     event.preventDefault();
     moves[event.key]();
-  }
-
-  #parent(item) { return item.parentElement.closest('li'); }
-
-  #after(item) {
-    if (this.#isExpanded(item)) return item.querySelector('li');
-    while (item && !item.nextElementSibling) item = this.#parent(item);
-    return item?.nextElementSibling;
-  }
-
-  #before(item) {
-    return item.previousElementSibling ? this.#lastIn(item.previousElementSibling) : this.#parent(item);
-  }
-
-  #lastIn(item) {
-    while (this.#isExpanded(item)) item = item.querySelector(':scope > ul').lastElementChild;
-    return item;
   }
 }

@@ -30,9 +30,9 @@ class Viewer {
 
   open(pictures, position) {
     this.#pictures = pictures;
+    this.#go(position);
     if (!this.#dialog.open) this.#dialog.showModal();
     this.#dialog.focus();
-    this.#go(position);
   }
 
   close() { this.#dialog.close(); }
@@ -79,7 +79,7 @@ class Viewer {
     this.#write('fact-resolution', resolution > 0 ? `${resolution} dots per inch` : isKnown ? 'No resolution stated' : '');
     this.#write('fact-paper', resolution > 0 && catalogue.isDocument(picture) ? this.#paper(width, height, resolution) : '');
     this.#write('fact-date', catalogue.time(picture));
-    this.#write('fact-folder', catalogue.folder(picture));
+    document.getElementById('fact-folder').replaceChildren(...breakable(catalogue.folder(picture)));
     const original = document.getElementById('original');
     original.href = catalogue.original(picture);
     original.hidden = catalogue.isMissing(picture);
@@ -98,9 +98,9 @@ class Viewer {
     const large = preview ?? (catalogue.isMissing(picture) ? null : catalogue.original(picture));
     this.#stage.replaceChildren();
     this.#note(catalogue.isMissing(picture) ? 'The file is not there now.' : '');
-    const small = thumbnail ? this.#place(thumbnail, catalogue.name(picture), picture) : null;
+    if (thumbnail) this.#stage.append(this.#thumbnail(thumbnail, picture));
     if (!large) return;
-    const image = this.#image(large, catalogue.name(picture), picture);
+    const image = this.#image(large, picture);
     image.addEventListener('load', () => {
       if (this.#pictures[this.#position] !== picture) return;
       this.#stage.replaceChildren(image);
@@ -108,24 +108,24 @@ class Viewer {
     });
     image.addEventListener('error', () => {
       if (this.#pictures[this.#position] !== picture) return;
-      this.#note(small ? 'The picture itself cannot be shown here; this is its thumbnail.' : 'This picture cannot be shown.');
+      this.#note(thumbnail ? 'The picture itself cannot be shown here; this is its thumbnail.' : 'This picture cannot be shown.');
     });
   }
 
-  #image(address, name, picture) {
+  #image(address, picture) {
     const image = document.createElement('img');
-    image.alt = name;
+    image.alt = this.#catalogue.name(picture);
     image.decoding = 'async';
-    const [width, height] = [this.#catalogue.width(picture), this.#catalogue.height(picture)];
-    if (width > 0) image.style.aspectRatio = `${width} / ${height}`;
     image.src = address;
     return image;
   }
 
-  #place(address, name, picture) {
-    const image = this.#image(address, name, picture);
-    image.classList.add('thumbnail');
-    this.#stage.append(image);
+  // As large as the picture itself will be.
+  #thumbnail(address, picture) {
+    const image = this.#image(address, picture);
+    image.className = 'thumbnail';
+    image.style.maxWidth = `${this.#catalogue.width(picture)}px`;
+    image.style.maxHeight = `${this.#catalogue.height(picture)}px`;
     return image;
   }
 
@@ -136,4 +136,9 @@ class Viewer {
     if (picture === undefined || this.#catalogue.isMissing(picture)) return;
     new Image().src = this.#catalogue.preview(picture) ?? this.#catalogue.original(picture);
   }
+}
+
+// A path as text that may be broken after its slashes.
+function breakable(path) {
+  return path.split(/(?<=\/)/).flatMap((part) => [part, document.createElement('wbr')]);
 }
