@@ -1,0 +1,20 @@
+// The page's own files, which the build puts into the program (cmake/EmbedFiles.cmake).
+#ifndef CATALOGCORE_APP_GALLERY_PAGE_FILES_H_
+#define CATALOGCORE_APP_GALLERY_PAGE_FILES_H_
+
+#include <span>
+#include <string_view>
+
+namespace catalogcore::app {
+
+struct EmbeddedFile {
+  std::string_view name;  // relative to the gallery's folder
+  std::string_view content;
+};
+
+// In the order in which they are to be written: index.html last.
+std::span<const EmbeddedFile> PageFiles();
+
+}  // namespace catalogcore::app
+
+#endif  // CATALOGCORE_APP_GALLERY_PAGE_FILES_H_

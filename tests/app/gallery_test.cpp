@@ -1,0 +1,189 @@
+// The gallery's folder from run to run. The pictures here are files of text: "bad" is a broken one.
+#include "app/gallery/gallery.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+
+#include "app/picture.h"
+
+namespace catalogcore::app {
+namespace {
+
+namespace fs = std::filesystem;
+using nlohmann::json;
+using testing::TempDir;
+
+std::atomic<int> opened{0};
+
+std::string ReadText(const fs::path& file) {
+  std::ostringstream text;
+  text << std::ifstream(file).rdbuf();
+  return text.str();
+}
+
+void WriteText(const fs::path& file, const std::string& text) {
+  fs::create_directories(file.parent_path());
+  std::ofstream(file) << text;
+}
+
+}  // namespace
+
+PictureFacts ReadPictureFacts(const fs::path& file) {
+  ++opened;
+  if (ReadText(file) == "bad") throw PictureError("not an image file");
+  return {1240, 1754, 150, "2024-05-31 18:20:05"};
+}
+
+void WriteSmallCopy(const fs::path& file, const fs::path& target, int side) {
+  WriteText(target, ReadText(file) + " " + std::to_string(side));
+}
+
+namespace {
+
+class GalleryTest : public testing::Test {
+ protected:
+  GalleryTest() {
+    fs::remove_all(home_);
+    request_.folder = home_ / "page";
+    request_.jobs = 3;
+    request_.indexes = {{1000000, -1, "Photographs", ""}, {1010000, 1000000, "People", "photographs that show faces"}};
+    for (const char* name : {"a/1.jpg", "a/2.jpg", "b.tif"}) Add(name, name);
+  }
+  ~GalleryTest() override { fs::remove_all(home_); }
+
+  void Add(const std::string& name, const std::string& text) {
+    WriteText(home_ / name, text);
+    request_.images.push_back({(home_ / name).string(), 1010000});
+  }
+
+  json Data() const {
+    const std::string script = ReadText(request_.folder / "data.js");
+    const auto start = script.find('"');
+    return json::parse(json::parse(script.substr(start, script.rfind('"') + 1 - start)).get<std::string>());
+  }
+
+  // The contents of the thumbnails or previews, sorted.
+  std::multiset<std::string> Copies(const char* kind) const {
+    std::multiset<std::string> contents;
+    for (const auto& entry : fs::recursive_directory_iterator(request_.folder / kind)) {
+      if (entry.is_regular_file()) contents.insert(ReadText(entry.path()));
+    }
+    return contents;
+  }
+
+  // Files that were opened by a run which makes that many thumbnails.
+  int OpenedBy(std::size_t made, std::size_t failed = 0) {
+    opened = 0;
+    const GalleryReport report = WriteGallery(request_);
+    EXPECT_EQ(report.made, made);
+    EXPECT_EQ(report.failed.size(), failed);
+    return opened;
+  }
+
+  const fs::path home_ = fs::path(TempDir()) / ("gallery_" + std::to_string(::getpid()));
+  GalleryRequest request_;
+};
+
+TEST_F(GalleryTest, OpensFilesOnceAndAgainWhenTheyChange) {
+  using Texts = std::multiset<std::string>;
+  EXPECT_EQ(OpenedBy(3), 3);
+  EXPECT_EQ(Copies("thumbs"), (Texts{"a/1.jpg 256", "a/2.jpg 256", "b.tif 256"}));
+  EXPECT_EQ(Copies("previews"), Texts{"b.tif 1600"});
+  WriteText(request_.folder / "notes.txt", "mine");
+  EXPECT_EQ(OpenedBy(0), 0);
+
+  WriteText(home_ / "a/1.jpg", "new");
+  fs::remove_all(request_.folder / "previews");
+  EXPECT_EQ(OpenedBy(1), 2);
+  EXPECT_EQ(Copies("thumbs"), (Texts{"new 256", "a/2.jpg 256", "b.tif 256"}));
+  EXPECT_EQ(Copies("previews"), Texts{"b.tif 1600"});
+
+  request_.images.resize(1);
+  EXPECT_EQ(OpenedBy(0), 0);
+  EXPECT_EQ(Copies("thumbs"), Texts{"new 256"});
+  EXPECT_EQ(Copies("previews"), Texts{});
+  EXPECT_EQ(ReadText(request_.folder / "notes.txt"), "mine");
+}
+
+TEST_F(GalleryTest, KeepsWhatAFormerRunSawOfAMissingFile) {
+  OpenedBy(3);
+  for (GalleryImage& image : request_.images) {
+    fs::remove(image.path);
+    image.missing = true;
+  }
+  request_.images.push_back({home_ / "z/never seen.jpg", 1010000, true});
+  EXPECT_EQ(OpenedBy(0), 0);
+  EXPECT_EQ(Copies("thumbs").size(), 3);
+  EXPECT_EQ(Data().at("states"), "7331");
+  EXPECT_EQ(Data().at("dates").at(3), 0);
+  request_.images.resize(3);
+  for (GalleryImage& image : request_.images) image.missing = false;  // gone since it was asked for
+  EXPECT_EQ(OpenedBy(0, 3), 0);
+  EXPECT_EQ(Copies("thumbs").size(), 3);
+}
+
+TEST_F(GalleryTest, ReportsABrokenPictureUntilItIsMended) {
+  Add("c.jpg", "bad");
+  EXPECT_EQ(OpenedBy(3, 1), 4);
+  EXPECT_EQ(Data().at("states"), "6022");
+  EXPECT_EQ(OpenedBy(0, 1), 1);
+  WriteText(home_ / "c.jpg", "good");
+  EXPECT_EQ(OpenedBy(1), 1);
+}
+
+TEST_F(GalleryTest, GoesOnAfterARunThatWasStopped) {
+  std::atomic<bool> stop{false};
+  request_.jobs = 1;
+  request_.stop = &stop;
+  request_.progress = [&](std::size_t done, std::size_t total, const std::string&) {
+    EXPECT_EQ(total, 3);
+    stop = done == 2;
+  };
+  EXPECT_EQ(OpenedBy(2), 2);
+  EXPECT_EQ(Data().at("names").size(), 3);
+  EXPECT_TRUE(fs::exists(request_.folder / "index.html"));
+  stop = false;
+  request_.progress = nullptr;
+  EXPECT_EQ(OpenedBy(1), 1);
+
+  Add("c.jpg", "");
+  request_.jobs = 3;
+  request_.progress = [](std::size_t, std::size_t, const std::string&) { throw std::bad_alloc(); };
+  EXPECT_THROW(WriteGallery(request_), std::bad_alloc);
+  request_.progress = nullptr;
+  EXPECT_EQ(OpenedBy(0), 1);  // the thumbnail was there
+}
+
+TEST_F(GalleryTest, RefusesAFolderOfSomethingElse) {
+  const std::pair<const char*, const char*> files[] = {
+      {"page/letter.txt", "Dear"}, {"page/catalogcore-gallery.json", "{\"format\":1,\"pict"}, {"page", "a file"}};
+  for (const auto& [name, text] : files) {
+    WriteText(home_ / name, text);
+    EXPECT_THROW(WriteGallery(request_), std::runtime_error) << name;
+    EXPECT_EQ(ReadText(home_ / name), text);
+    EXPECT_FALSE(fs::exists(home_ / "page/index.html"));
+    fs::remove_all(home_ / "page");
+  }
+}
+
+TEST_F(GalleryTest, CarriesAnyNameInTheOrderOfFolders) {
+  const std::vector<std::string> names = {"/a/b/</script>\xe2\x80\xa8\"'\\.jpg", "/a/\xf0\x9f\x8e\x89.jpg",
+                                          "/a-b/" + std::string(5000, 'n'), "no folder", "/a/b/bad \xff utf-8"};
+  request_.images.clear();
+  for (const std::string& name : names) request_.images.push_back({name, 7, true});
+  OpenedBy(0);
+  const json data = Data();
+  EXPECT_EQ(data.at("folders"), (json{"", "/a/", "/a/b/", "/a/b/</", "/a-b/"}));
+  EXPECT_EQ(data.at("starts"), (json{0, 1, 2, 3, 4}));
+  EXPECT_EQ(data.at("names").at(0), names[3]);
+  EXPECT_EQ(data.at("filed").at(0), -1);
+  EXPECT_EQ(data.at("names").at(3), names[0].substr(std::string("/a/b/</").size()));
+  EXPECT_EQ(data.at("names").at(4), names[2].substr(std::string("/a-b/").size()));
+  for (const char byte : ReadText(request_.folder / "data.js")) ASSERT_TRUE(byte > 0) << "not ASCII";
+}
+
+}  // namespace
+}  // namespace catalogcore::app

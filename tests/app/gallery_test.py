@@ -1,0 +1,190 @@
+"""gallery_test.py MAKE_GALLERY CHROMIUM CHROMEDRIVER: makes galleries and reads them from disk in a browser without a window."""
+
+import json
+import os
+import pathlib
+import struct
+import subprocess
+import sys
+import tempfile
+import zlib
+
+from selenium import webdriver
+from selenium.webdriver.common.by import By
+from selenium.webdriver.common.keys import Keys
+from selenium.webdriver.support.ui import WebDriverWait
+
+MAKE_GALLERY, CHROMIUM, CHROMEDRIVER = sys.argv[1:]
+PEOPLE, OTHER_PHOTO, PAGE, OTHER = 1010000, 1090000, 2030000, 9000000
+HOSTILE = ["<img src=x onerror=document.title='run'>.png", "50% #1? &amp; \"it's\" \u00e9t\u00e9 \U0001f389.png", "n" * 200 + ".png"]
+
+
+def write_png(file, width, height, dots_per_metre=0):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+    rows = b"".join(b"\0" + bytes([y % 256, 90, 128]) * width for y in range(height))
+    header = struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)
+    resolution = chunk(b"pHYs", struct.pack(">IIB", dots_per_metre, dots_per_metre, 1)) if dots_per_metre else b""
+    file.parent.mkdir(parents=True, exist_ok=True)
+    file.write_bytes(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + resolution + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
+def make_gallery(folder, images):
+    lines = "".join(f"{index}\t{int(not path.exists())}\t{path}\n" for path, index in images.items())
+    return subprocess.run([MAKE_GALLERY, folder], input=lines, text=True, check=True, capture_output=True).stdout.splitlines()
+
+
+class Page:
+    def __init__(self, folder):
+        options = webdriver.ChromeOptions()
+        options.binary_location = CHROMIUM
+        options.set_capability("goog:loggingPrefs", {"browser": "ALL"})
+        for argument in ["--headless=new", "--window-size=1200,900"] + ["--no-sandbox"] * (os.getuid() == 0):
+            options.add_argument(argument)
+        self.driver = webdriver.Chrome(options=options, service=webdriver.chrome.service.Service(CHROMEDRIVER))
+        self.address = (folder / "index.html").as_uri()
+        self.load()
+
+    def load(self, state=""):
+        self.driver.get("about:blank")
+        self.driver.get(self.address + state)
+
+    def js(self, script, *arguments):
+        return self.driver.execute_script("return " + script, *arguments)
+
+    def all(self, selector):
+        return self.driver.find_elements(By.CSS_SELECTOR, selector)
+
+    def text(self, selector):
+        return self.js("document.querySelector(arguments[0]).textContent", selector)
+
+    def names(self):
+        return self.js("[...document.querySelectorAll('.tile .name')].map((name) => name.textContent)")
+
+    def press(self, *keys):
+        for key in keys:
+            self.driver.switch_to.active_element.send_keys(key)
+
+    def check_focus(self, label):
+        try:
+            self.wait(f"document.activeElement.ariaLabel?.startsWith({json.dumps(label)})")
+        except Exception as error:
+            raise AssertionError(self.js("document.activeElement.outerHTML")) from error
+
+    def wait(self, script):
+        WebDriverWait(self.driver, 10, 0.05).until(lambda _: self.js(script), script)
+
+    def resize(self, width, height):
+        self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", dict(width=width, height=height, deviceScaleFactor=1, mobile=False))
+
+    def check_names_of_controls(self):
+        roles = {"button", "link", "option", "treeitem", "tree", "listbox", "searchbox", "combobox", "dialog", "image", "navigation"}
+        for node in self.driver.execute_cdp_cmd("Accessibility.getFullAXTree", {})["nodes"]:
+            if not node["ignored"] and node["role"]["value"] in roles:
+                assert node["name"]["value"], node
+
+    def close(self):
+        log = self.driver.get_log("browser")
+        self.driver.quit()
+        assert log == [], log
+
+
+def check_small(home):
+    pictures = {home / "photos/2024/sea" / f"shore {n}.png": PEOPLE for n in (1, 2, 10)}
+    pictures |= {home / "photos/2025/town.png": OTHER_PHOTO, home / "scans/letter.png": PAGE, home / "scans/card.tif": PAGE}
+    pictures |= {home / "photos/2025" / name: OTHER for name in HOSTILE}
+    for picture in pictures:
+        write_png(picture, 640, 400)
+    write_png(home / "scans/letter.png", 1240, 1754, 5906)
+    (home / "scans/broken.jpg").write_text("no picture")
+    pictures[home / "scans/broken.jpg"] = OTHER
+    made, failed = make_gallery(home / "page", pictures)
+    assert made == "9" and failed.startswith(f"{home}/scans/broken.jpg: "), (made, failed)
+    os.remove(home / "photos/2025/town.png")
+    assert make_gallery(home / "page", pictures)[0] == "0"
+
+    page = Page(home / "page")
+    counts = {item.text.split("\n")[0]: item.text.split("\n")[1] for item in page.all("[role=treeitem]")}
+    assert counts == {"Photographs": "4", "People": "3", "Other photographs": "1", "Documents": "2", "Pages": "2",
+                      "Other documents": "0", "Other": "4", str(home): "10", "photos": "7", "scans": "3"}, counts
+    page.check_names_of_controls()
+    assert page.text("#count") == "10 pictures" and page.js("document.title") == "Catalogue"
+
+    # With the keyboard alone: to the folders, into one, a search in it, a picture, back.
+    for _ in range(5): page.press(Keys.TAB)
+    page.check_focus("Photographs, 4 pictures")
+    page.press(Keys.TAB, Keys.ARROW_DOWN, Keys.ARROW_RIGHT, Keys.ARROW_RIGHT)
+    page.check_focus("2024/sea, 3 pictures")
+    page.press(Keys.ARROW_LEFT, Keys.ENTER)
+    assert page.text("#count") == "7 pictures"
+    page.all("#search")[0].send_keys("SHORE")
+    page.press(Keys.ARROW_DOWN, Keys.END)
+    assert page.text("#count") == "3 pictures" and page.names() == ["shore 1.png", "shore 10.png", "shore 2.png"]
+    page.press(Keys.ENTER)
+    page.wait("document.querySelector('#stage img')?.naturalWidth === 640")
+    page.check_names_of_controls()
+    assert page.text("#viewer-name") == "shore 2.png" and page.text("#fact-index") == "Photographs \u203a People"
+    page.press(Keys.ARROW_RIGHT, Keys.ARROW_LEFT)
+    assert page.text("#viewer-position") == "2 of 3" and page.text("#fact-meaning") == "photographs that show faces"
+    for _ in range(8):
+        page.press(Keys.TAB)
+        assert page.js("document.getElementById('viewer').contains(document.activeElement) || document.activeElement === document.body")
+    page.driver.refresh()
+    assert page.text("#viewer-position") == "2 of 3" and page.text("#title") == "photos"
+    page.press(Keys.HOME, Keys.ESCAPE)
+    page.check_focus("shore 1.png, ")
+
+    # By the mouse, from index to index; what cannot be shown says so.
+    page.load("#q=ete&sort=name")
+    assert page.names() == [HOSTILE[1]]
+    page.load()
+    for name, size, note in [(HOSTILE[0], 640, ""), (HOSTILE[1], 640, ""), (HOSTILE[2], 640, ""), ("card.tif", 640, ""),
+                             ("town.png", 256, "The file is not there now."), ("letter.png", 1240, "")]:
+        page.all(".tile")[page.names().index(name)].click()
+        page.wait(f"document.querySelector('#stage img')?.naturalWidth === {size}")
+        assert page.text("#viewer-note") == note and page.text("#viewer-name") == name
+        page.press(Keys.ESCAPE)
+    assert page.text("#fact-paper") == "210 \u00d7 297 mm" and page.text("#fact-resolution") == "150 dots per inch"
+    page.all('#indexes .label')[0].click()
+    assert page.text("#count") == "4 pictures"
+    page.driver.back()
+    assert page.text("#count") == "10 pictures"
+
+    page.all("#theme")[0].click()
+    assert page.js("getComputedStyle(document.body).colorScheme") == "dark"
+    page.resize(320, 600)
+    assert page.js("document.documentElement.scrollWidth") == 320 and page.js("document.getElementById('sidebar').inert")
+    page.all("#menu")[0].click()
+    page.press(Keys.ESCAPE)
+    page.check_focus("Indexes and folders")
+    page.close()
+
+
+def check_large(home):
+    """As many pictures as a drive that is not there may hold: they show the few thumbnails that there are."""
+    records_file = home / "page/catalogcore-gallery.json"
+    records = json.loads(records_file.read_text())
+    kept = [record for record in records["pictures"].values() if record[6]]
+    paths = [pathlib.Path(f"/nowhere/{n // 10:04}/{n:06}.jpg") for n in range(100_000)]
+    records["pictures"] = {str(path): kept[n % len(kept)] for n, path in enumerate(paths)}
+    records_file.write_text(json.dumps(records))
+    make_gallery(home / "page", dict.fromkeys(paths, PAGE))
+    page = Page(home / "page")
+    for width in (1200, 320):
+        page.resize(width, 900)
+        for part in (0.3, 0.99999, 0.5, 1):
+            page.js("document.getElementById('scroller').scrollTo(0, arguments[0] * document.getElementById('scroller').scrollHeight)", part)
+            page.wait("document.elementFromPoint(innerWidth - 90, 500).closest('.tile') !== null")
+            assert len(page.all(".tile")) < 120
+        assert page.names()[-1] == "099999.jpg"
+    page.js("document.querySelector('.tile').focus()")
+    page.press(Keys.END, Keys.ENTER, Keys.ARROW_LEFT, Keys.ESCAPE)
+    page.check_focus("099998.jpg, ")
+    assert 0 < len(page.all("#folders li")) < 120
+    page.close()
+
+
+with tempfile.TemporaryDirectory() as name:
+    check_small(pathlib.Path(name))
+    check_large(pathlib.Path(name))
