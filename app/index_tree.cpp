@@ -1,0 +1,88 @@
+#include "app/index_tree.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <map>
+
+#include "app/catalog_records.h"
+
+namespace catalogcore::app {
+namespace {
+
+std::int32_t ParentOf(std::int32_t number) {
+  const std::string key = KeyOfNumber(number);
+  const std::size_t slash = key.rfind('/');
+  return slash == std::string::npos ? IDX_ROOT : NumberOfKey(std::string_view(key).substr(0, slash));
+}
+
+std::string Listed(const std::vector<const IndexNode*>& nodes) {
+  std::string text;
+  for (const IndexNode* node : nodes) {
+    text += (text.empty() ? "" : ", ") + std::to_string(node->entry.number) + " (" + node->path + ")";
+  }
+  return text;
+}
+
+}  // namespace
+
+IndexTree::IndexTree(const Catalog& catalog) {
+  std::map<std::int32_t, std::size_t> counts;
+  catalog.ForEachImage(IDX_ROOT, "", [&counts](const ImageEntry& image) { ++counts[image.index]; });
+  std::map<std::int32_t, std::size_t> positions;
+  for (IndexEntry& entry : catalog.Indexes()) {
+    IndexNode node;
+    node.parent = ParentOf(entry.number);
+    node.images = node.below = counts[entry.number];
+    const auto parent = positions.find(node.parent);
+    const bool isTop = parent == positions.end();
+    node.level = isTop ? 0 : nodes_[parent->second].level + 1;
+    node.path = isTop ? entry.name : nodes_[parent->second].path + '/' + entry.name;
+    positions[entry.number] = nodes_.size();
+    node.entry = std::move(entry);
+    nodes_.push_back(std::move(node));
+  }
+  for (auto node = nodes_.rbegin(); node != nodes_.rend(); ++node) {
+    const auto parent = positions.find(node->parent);
+    if (parent != positions.end()) nodes_[parent->second].below += node->below;
+  }
+}
+
+const IndexNode* IndexTree::Find(std::int32_t number) const {
+  const auto node = std::find_if(nodes_.begin(), nodes_.end(),
+                                 [number](const IndexNode& other) { return other.entry.number == number; });
+  return node == nodes_.end() ? nullptr : &*node;
+}
+
+std::string IndexTree::NameOf(std::int32_t number) const {
+  const IndexNode* const node = Find(number);
+  return node ? node->entry.name : std::to_string(number);
+}
+
+const IndexNode& IndexTree::Resolve(const std::string& text) const {
+  std::vector<const IndexNode*> exact;
+  std::vector<const IndexNode*> inAnyCase;
+  for (const IndexNode& node : nodes_) {
+    const std::string number = std::to_string(node.entry.number);
+    if (text == number || text == KeyOfNumber(node.entry.number) || text == node.path || text == node.entry.name) {
+      exact.push_back(&node);
+    } else if (strcasecmp(text.c_str(), node.path.c_str()) == 0 ||
+               strcasecmp(text.c_str(), node.entry.name.c_str()) == 0) {
+      inAnyCase.push_back(&node);
+    }
+  }
+  const std::vector<const IndexNode*>& found = exact.empty() ? inAnyCase : exact;
+  if (found.empty()) throw UsageError("there is no index \"" + text + "\" (`catalogcore tree` lists them)");
+  if (found.size() > 1) throw UsageError("\"" + text + "\" may be " + Listed(found) + "; give the number");
+  return *found.front();
+}
+
+std::vector<std::string> Protections(std::uint8_t attribute) {
+  std::vector<std::string> words;
+  if ((attribute & IDXATTR_NOMOVE) != 0) words.emplace_back("move");
+  if ((attribute & IDXATTR_NOREMOVE) != 0) words.emplace_back("remove");
+  if ((attribute & IDXATTR_NORENAME) != 0) words.emplace_back("rename");
+  return words;
+}
+
+}  // namespace catalogcore::app
