@@ -1,8 +1,8 @@
 // A resolution is worth something only if it tells the size of the paper. It counts when all of this holds:
 //
 // - The file states it, with a unit. libvips gives every image a resolution, so its number alone says nothing.
-// - No camera took the picture: a camera writes a number that means nothing, 72, 180, 300 or 350. It is known by how it
-//   exposed. Its maker's name would not do, for scanners sign with theirs too.
+// - No camera took the picture: a camera writes a number that means nothing, 72, 180, 300 or 350. It is known by its EXIF
+//   data: the maker, or how it exposed.
 // - It is none of a screen, 72 or 96, which programs write for want of a better one.
 // - It lies in the range in which scanners work, from 75 (below it there are only screens) to 9600.
 // - Across and down agree but for a tenth; a fax has 204 by 196. It is their mean.
@@ -32,8 +32,9 @@ struct Density {  // dots per inch
 };
 
 bool IsFromCamera(VipsImage* header) {
-  for (const char* const field : {"exif-ifd2-ExposureTime", "exif-ifd2-FNumber", "exif-ifd2-ShutterSpeedValue",
-                                  "exif-ifd2-ApertureValue", "exif-ifd2-ISOSpeedRatings", "exif-ifd2-FocalLength"}) {
+  for (const char* const field :
+       {"exif-ifd0-Make", "exif-ifd2-ExposureTime", "exif-ifd2-FNumber", "exif-ifd2-ShutterSpeedValue",
+        "exif-ifd2-ApertureValue", "exif-ifd2-ISOSpeedRatings", "exif-ifd2-FocalLength"}) {
     if (vips_image_get_typeof(header, field) != 0) return true;
   }
   return false;
