@@ -1,0 +1,94 @@
+// catalogcore check: the state of the catalogue, and which files are gone.
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "app/commands/commands.h"
+#include "app/status_words.h"
+#include "app/text.h"
+
+namespace catalogcore::app {
+namespace {
+
+struct CheckOptions {
+  bool isForgetting = false;
+  bool isJson = false;
+};
+
+std::string StateWords(const FileState& state) {
+  if (!state.problem.empty()) return state.problem;
+  if (state.lost > 0) return Counted(state.lost, "record") + " that the catalogue does not take";
+  return FileStatusWords(state.status);
+}
+
+nlohmann::ordered_json StateJson(const FileState& state) {
+  return {{"file", state.file.string()}, {"code", state.status}, {"lost", state.lost}, {"status", StateWords(state)}};
+}
+
+void Report(Session& session, const Catalog& catalog, bool isJson) {
+  std::vector<std::string> missing;
+  std::size_t images = 0;
+  catalog.ForEachImage(IDX_ROOT, "", [&](const ImageEntry& image) {
+    ++images;
+    if (image.isMissing) missing.push_back(image.path);
+  });
+  const std::size_t indexes = catalog.Indexes().size();
+  for (const FileState* state : {&catalog.IndexFile(), &catalog.ImageFile()}) {
+    if (!state->problem.empty()) session.status = kCatalogFailed;
+    if (state->lost > 0 && session.status == kDone) session.status = kSomeSkipped;
+  }
+  if (!missing.empty() && session.status == kDone) session.status = kSomeSkipped;
+  if (isJson) {
+    return PrintJsonLine({{"indexFile", StateJson(catalog.IndexFile())},
+                          {"imageFile", StateJson(catalog.ImageFile())},
+                          {"indexes", indexes},
+                          {"images", images},
+                          {"displaced", catalog.Displaced()},
+                          {"missing", missing}});
+  }
+  for (const FileState* state : {&catalog.IndexFile(), &catalog.ImageFile()}) {
+    std::printf("%s: %s\n", state->file.c_str(), StateWords(*state).c_str());
+  }
+  std::printf("%zu indexes, %s, %s missing\n", indexes, Counted(images, "image").c_str(),
+              Grouped(missing.size()).c_str());
+  if (catalog.Displaced() > 0) {
+    std::printf("%s in \"Other\", since their indexes are not there\n", Counted(catalog.Displaced(), "image").c_str());
+  }
+  for (const std::string& path : missing) std::printf("  missing: %s\n", path.c_str());
+  if (!missing.empty()) std::puts("They stay in the catalogue; `catalogcore check --forget` drops them.");
+}
+
+void Forget(Session& session, Catalog& catalog, bool isJson) {
+  catalog.RequireReadable();
+  const std::size_t records = catalog.IndexFile().lost + catalog.ImageFile().lost;
+  const bool isIndexFileChanged = catalog.IndexFile().lost > 0;
+  const std::size_t images = catalog.ForgetMissing();
+  if (images > 0 || records > 0) catalog.SaveImages();
+  if (isIndexFileChanged) catalog.SaveIndexes();
+  Report(session, catalog, isJson);
+  if (!isJson) std::printf("Forgot %s and %s.\n", Counted(images, "image").c_str(), Counted(records, "record").c_str());
+}
+
+}  // namespace
+
+void AddCheck(CLI::App& app, Session& session) {
+  const auto options = std::make_shared<CheckOptions>();
+  CLI::App* const command =
+      app.add_subcommand("check", "Look whether the catalogue is whole, and which files are gone");
+  command->add_flag("--forget", options->isForgetting,
+                    "Drop images whose file is gone, and records that cannot be read");
+  command->add_flag("--json", options->isJson, "Print one JSON object");
+  command->footer(
+      "Images whose file is gone stay in the catalogue until they are forgotten: a drive may only be unplugged.\n"
+      "Exits with 1 if something is missing, 3 if a file of the catalogue cannot be read.\n\n"
+      "Example:\n  catalogcore check");
+  command->callback([options, &session] {
+    if (options->isForgetting) {
+      return ChangeUnchecked(session, "check", [&](Catalog& catalog) { Forget(session, catalog, options->isJson); });
+    }
+    const Catalog catalog(session.catalogFolder);
+    Report(session, catalog, options->isJson);
+  });
+}
+
+}  // namespace catalogcore::app

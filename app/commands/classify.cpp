@@ -1,0 +1,74 @@
+// catalogcore classify: what pictures are, without filing them.
+#include <cstdio>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "app/commands/commands.h"
+#include "app/file_finder.h"
+#include "app/interrupt.h"
+#include "app/ordered_jobs.h"
+#include "app/picture.h"
+#include "app/presets.h"
+#include "app/scene.h"
+
+namespace catalogcore::app {
+namespace {
+
+struct ClassifyOptions {
+  std::vector<std::string> paths;
+  bool isJson = false;
+  unsigned jobs = 1;
+};
+
+void Print(const std::string& file, const Decision& decision, bool isJson) {
+  const Preset* const preset = FindPreset(decision.preset);
+  const char* const pictureClass = PictureClass(decision.preset);
+  if (isJson) {
+    nlohmann::ordered_json line{{"file", file}, {"class", nullptr}, {"preset", decision.preset}, {"name", nullptr}};
+    if (pictureClass) line["class"] = pictureClass;
+    if (preset) line["name"] = preset->name;
+    line["status"] = preset ? "ok" : decision.problem;
+    PrintJsonLine(line);
+  } else if (preset) {
+    std::printf("%s: %s, %s (%d)\n", file.c_str(), pictureClass ? pictureClass : "undecided", preset->name,
+                decision.preset);
+  }
+}
+
+void Classify(Session& session, const ClassifyOptions& options) {
+  StartPictures("catalogcore");
+  const Library library;
+  const std::atomic<bool>& stop = CatchInterrupts();
+  const auto report = [&session](const std::string& file, const std::string& reason) {
+    session.Skip("cannot read " + file + ": " + reason + " (skipped)");
+  };
+  const std::vector<std::string> files = FindPictures(
+                                             options.paths, [&stop](std::size_t) { return stop.load(); }, report)
+                                             .files;
+  RunInOrder(
+      files.size(), options.jobs, stop, [&files](std::size_t i) { return DecideScene(files[i]); },
+      [&](std::size_t i, const Decision& decision) {
+        session.progress.Clear();
+        Print(files[i], decision, options.isJson);
+        if (!decision.problem.empty()) report(files[i], decision.problem);
+        session.progress.Step(i + 1, files.size(), files[i]);
+      });
+  if (stop) session.status = kInterruptedStatus;
+}
+
+}  // namespace
+
+void AddClassify(CLI::App& app, Session& session) {
+  const auto options = std::make_shared<ClassifyOptions>();
+  CLI::App* const command = app.add_subcommand("classify", "Say what pictures are, without filing them");
+  command->add_option("FILE", options->paths, "Image files, and folders to search")->type_name("")->required();
+  command->add_flag("--json", options->isJson, "Print one JSON object a line");
+  AddJobs(*command, options->jobs);
+  command->footer(
+      "Examples:\n"
+      "  catalogcore classify scan.tif\n"
+      "  catalogcore classify --json ~/Scans | jq -r 'select(.class == \"document\").file'");
+  command->callback([options, &session] { Classify(session, *options); });
+}
+
+}  // namespace catalogcore::app

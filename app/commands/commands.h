@@ -1,0 +1,26 @@
+// The commands, each added to the command line with its options, its help and what it does.
+#ifndef CATALOGCORE_APP_COMMANDS_COMMANDS_H_
+#define CATALOGCORE_APP_COMMANDS_COMMANDS_H_
+
+#include <CLI/CLI.hpp>
+
+#include "app/session.h"
+
+namespace catalogcore::app {
+
+void AddSort(CLI::App& app, Session& session);
+void AddClassify(CLI::App& app, Session& session);
+void AddList(CLI::App& app, Session& session);
+void AddTree(CLI::App& app, Session& session);
+void AddIndexCommands(CLI::App& app, Session& session);
+void AddImageCommands(CLI::App& app, Session& session);
+void AddCheck(CLI::App& app, Session& session);
+void AddGallery(CLI::App& app, Session& session);
+void AddExport(CLI::App& app, Session& session);
+
+// The option --jobs: threads to work with, as many as there are cores if it is not given.
+void AddJobs(CLI::App& command, unsigned& jobs);
+
+}  // namespace catalogcore::app
+
+#endif  // CATALOGCORE_APP_COMMANDS_COMMANDS_H_

@@ -1,0 +1,191 @@
+// catalogcore sort: pictures file themselves.
+#include <chrono>
+#include <cstdio>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "app/catalog_lock.h"
+#include "app/commands/commands.h"
+#include "app/file_finder.h"
+#include "app/interrupt.h"
+#include "app/ordered_jobs.h"
+#include "app/picture.h"
+#include "app/presets.h"
+#include "app/scene.h"
+#include "app/status_words.h"
+#include "app/text.h"
+
+namespace catalogcore::app {
+namespace {
+
+// What is lost at most when the machine fails during a long sort.
+constexpr std::size_t kPicturesBetweenWrites = 1000;
+constexpr std::chrono::minutes kTimeBetweenWrites(3);
+
+struct SortOptions {
+  std::vector<std::string> paths;
+  bool isAgain = false;
+  bool isDryRun = false;
+  bool isJson = false;
+  unsigned jobs = 1;
+};
+
+class Sorter {
+ public:
+  Sorter(Session& session, const SortOptions& options, Catalog& catalog)
+      : session_(session), options_(options), catalog_(catalog), stop_(CatchInterrupts()) {}
+
+  void Run() {
+    const std::vector<std::string> files = Find();
+    const auto decide = [&files](std::size_t i) { return DecideScene(files[i]); };
+    const auto take = [&](std::size_t i, const Decision& decision) {
+      Take(files[i], decision);
+      session_.progress.Step(i + 1, files.size(), files[i]);
+      if (IsWriteDue()) Write();
+    };
+    try {
+      notReached_ = files.size() - RunInOrder(files.size(), options_.jobs, stop_, decide, take);
+    } catch (const CatalogError&) {
+      throw;
+    } catch (...) {
+      Write();
+      throw;
+    }
+    Write();
+    session_.progress.Clear();
+    options_.isJson ? PrintJson() : Print();
+    if (stop_) session_.status = kInterruptedStatus;
+  }
+
+ private:
+  // The files to decide on: those that the catalogue lacks and can hold.
+  std::vector<std::string> Find() {
+    FoundFiles found = FindPictures(
+        options_.paths,
+        [this](std::size_t count) {
+          session_.progress.Count("Looking for pictures", count);
+          return stop_.load();
+        },
+        [this](const std::string& file, const std::string& reason) { Skip(file, reason); });
+    if (stop_) return {};
+    std::vector<std::string> files;
+    for (std::string& file : found.files) {
+      const std::string problem = catalog_.WhyNotHeld(file);
+      if (!problem.empty()) {
+        Skip(file, problem);
+      } else if (!options_.isAgain && catalog_.Contains(file)) {
+        ++already_;
+      } else {
+        files.push_back(std::move(file));
+      }
+    }
+    return files;
+  }
+
+  void Take(const std::string& file, const Decision& decision) {
+    if (!decision.problem.empty()) return Skip(file, decision.problem);
+    if (!options_.isDryRun) {
+      const IDXSTATUS status = catalog_.Contains(file) ? catalog_.MoveImage(file, decision.preset, false)
+                                                       : catalog_.AddImage(file, decision.preset);
+      if (status == IDXERR_MEMORY) throw CatalogError("out of memory");
+      if (status == IDXERR_IMAGEEXISTS) return Skip(file, kCaseTwin);
+      if (status != IDX_OK) return Skip(file, StatusWords(status));
+      ++unwritten_;
+    }
+    ++filed_[decision.preset];
+  }
+
+  void Skip(const std::string& file, const std::string& reason) {
+    session_.Skip("cannot read " + file + ": " + reason + " (skipped)");
+    skipped_.emplace_back(file, reason);
+  }
+
+  bool IsWriteDue() const {
+    return unwritten_ >= kPicturesBetweenWrites ||
+           (unwritten_ > 0 && std::chrono::steady_clock::now() - lastWrite_ >= kTimeBetweenWrites);
+  }
+
+  void Write() {
+    if (unwritten_ > 0) catalog_.SaveImages();
+    unwritten_ = 0;
+    lastWrite_ = std::chrono::steady_clock::now();
+  }
+
+  std::size_t FiledCount() const {
+    std::size_t count = 0;
+    for (const auto& [preset, pictures] : filed_) count += pictures;
+    return count;
+  }
+
+  void Print() const {
+    const char* const verb = options_.isDryRun ? "Would file " : "Filed ";
+    std::printf("%s%s%s\n", verb, Counted(FiledCount(), "picture").c_str(), filed_.empty() ? "." : ":");
+    for (const auto& [preset, count] : filed_) {
+      std::printf("  %8d  %-24s %8s\n", preset, FindPreset(preset)->name, Grouped(count).c_str());
+    }
+    if (already_ > 0) std::printf("%s already in the catalogue.\n", Counted(already_, "picture").c_str());
+    std::map<std::string, std::size_t> reasons;
+    for (const auto& [file, reason] : skipped_) ++reasons[reason];
+    if (!skipped_.empty()) std::printf("Skipped %s:\n", Counted(skipped_.size(), "file").c_str());
+    for (const auto& [reason, count] : reasons) std::printf("  %8s  %s\n", Grouped(count).c_str(), reason.c_str());
+    if (stop_) std::printf("Stopped before the end: %s not looked at.\n", Counted(notReached_, "picture").c_str());
+  }
+
+  void PrintJson() const {
+    nlohmann::ordered_json result;
+    result["filed"] = FiledCount();
+    result["presets"] = nlohmann::ordered_json::array();
+    for (const auto& [preset, count] : filed_) {
+      result["presets"].push_back({{"preset", preset}, {"name", FindPreset(preset)->name}, {"count", count}});
+    }
+    result["already"] = already_;
+    result["skipped"] = nlohmann::ordered_json::array();
+    for (const auto& [file, reason] : skipped_) result["skipped"].push_back({{"file", file}, {"reason", reason}});
+    result["interrupted"] = stop_.load();
+    result["dryRun"] = options_.isDryRun;
+    PrintJsonLine(result);
+  }
+
+  Session& session_;
+  const SortOptions& options_;
+  Catalog& catalog_;
+  const std::atomic<bool>& stop_;
+  std::map<std::int32_t, std::size_t> filed_;  // how many, by preset
+  std::vector<std::pair<std::string, std::string>> skipped_;
+  std::size_t already_ = 0;
+  std::size_t notReached_ = 0;
+  std::size_t unwritten_ = 0;
+  std::chrono::steady_clock::time_point lastWrite_ = std::chrono::steady_clock::now();
+};
+
+void Sort(Session& session, const SortOptions& options) {
+  StartPictures("catalogcore");
+  if (options.isDryRun) {
+    std::optional<Catalog> catalog;
+    return Sorter(session, options, OpenForReading(session, catalog)).Run();
+  }
+  Change(session, "sort", [&](Catalog& catalog) { Sorter(session, options, catalog).Run(); });
+}
+
+}  // namespace
+
+void AddSort(CLI::App& app, Session& session) {
+  const auto options = std::make_shared<SortOptions>();
+  CLI::App* const command = app.add_subcommand("sort", "Look at pictures and file each where it belongs");
+  command->add_option("PATH", options->paths, "Image files, and folders to search")->type_name("")->required();
+  command->add_flag("--again", options->isAgain, "Decide on pictures that are in the catalogue too, and move them");
+  command->add_flag("--dry-run", options->isDryRun, "Only say what would be filed where");
+  command->add_flag("--json", options->isJson, "Print the result as one JSON object");
+  AddJobs(*command, options->jobs);
+  command->footer(
+      "Folders are searched with all that is below them, hidden files and folders left out, for JPEG, PNG, TIFF, WebP\n"
+      "and HEIF files. The files themselves are never changed or moved. Ctrl-C ends the search and keeps what was\n"
+      "filed.\n\n"
+      "Examples:\n"
+      "  catalogcore sort ~/Pictures ~/Scans\n"
+      "  catalogcore sort --dry-run --json holiday/*.jpg");
+  command->callback([options, &session] { Sort(session, *options); });
+}
+
+}  // namespace catalogcore::app

@@ -1,0 +1,86 @@
+// The command catalogcore.
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <thread>
+
+#include "app/commands/commands.h"
+
+namespace catalogcore::app {
+
+void AddJobs(CLI::App& command, unsigned& jobs) {
+  jobs = std::max(std::thread::hardware_concurrency(), 1U);
+  command.add_option("--jobs", jobs, "Pictures to work on side by side; as many as there are cores if not given")
+      ->type_name("N")
+      ->check(CLI::Range(1U, 256U));
+}
+
+namespace {
+
+void DescribeCommandLine(CLI::App& app, Session& session) {
+  session.catalogFolder = DefaultCatalogFolder();
+  app.set_version_flag("--version", "catalogcore " CATALOGCORE_VERSION);
+  app.add_option("--catalog", session.catalogFolder,
+                 "Folder of the catalogue; $XDG_DATA_HOME/catalogcore, or ~/.local/share/catalogcore, if not given")
+      ->type_name("DIR");
+  app.add_flag("--wait", session.waits, "Wait while another command changes the catalogue");
+  app.require_subcommand(1);
+  app.fallthrough();
+  AddSort(app, session);
+  AddClassify(app, session);
+  AddList(app, session);
+  AddTree(app, session);
+  AddIndexCommands(app, session);
+  AddImageCommands(app, session);
+  AddCheck(app, session);
+  AddGallery(app, session);
+  AddExport(app, session);
+  app.footer(
+      "Exit status: 0 all done, 1 some files were skipped, 2 wrong use, 3 the catalogue could not be read or "
+      "written.\n\n"
+      "Examples:\n"
+      "  catalogcore sort ~/Pictures        look at every picture and file it\n"
+      "  catalogcore tree                   what there is now\n"
+      "  catalogcore gallery ~/gallery      look at it with a browser\n\n"
+      "`catalogcore COMMAND --help` tells about each command.");
+}
+
+int Run(int argc, char** argv, Session& session) {
+  CLI::App app("Files pictures by what they show: documents by their size, photographs by whether faces show.",
+               "catalogcore");
+  DescribeCommandLine(app, session);
+  app.parse_complete_callback([&session] {
+    if (session.catalogFolder.empty()) throw UsageError("there is no home folder; name the catalogue with --catalog");
+    session.catalogFolder = std::filesystem::absolute(session.catalogFolder).string();
+  });
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kDone : kWrongUse;
+  }
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    session.progress.Say("cannot write to standard output");
+    return session.status == kDone ? kSomeSkipped : session.status;
+  }
+  return session.status;
+}
+
+}  // namespace
+}  // namespace catalogcore::app
+
+int main(int argc, char** argv) {
+  using catalogcore::app::Session;
+  Session session;
+  try {
+    return catalogcore::app::Run(argc, argv, session);
+  } catch (const catalogcore::app::UsageError& error) {
+    session.progress.Say(error.what());
+    return catalogcore::app::kWrongUse;
+  } catch (const std::bad_alloc&) {
+    session.progress.Say("out of memory");
+  } catch (const std::exception& error) {
+    session.progress.Say(error.what());
+  }
+  return catalogcore::app::kCatalogFailed;
+}

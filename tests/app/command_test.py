@@ -1,0 +1,235 @@
+"""The command as people use it: command_test.py CATALOGCORE MAN-PAGE COMPLETION [unittest arguments]"""
+import csv
+import fcntl
+import io
+import itertools
+import json
+import os
+import pathlib
+import plistlib
+import re
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import unittest
+
+import pictures
+
+COMMAND, MAN_PAGE, COMPLETION = sys.argv[1:4]
+PAGE, PHOTOGRAPH = pictures.page(), pictures.photograph()
+PAGES, OTHER_PHOTOGRAPHS, OTHER = 2030000, 1090000, 9000000
+
+
+def bucket(path):
+    value = 0
+    for byte in path.encode():
+        value = (value * 137 + (byte - 256 if byte > 127 else byte)) & 0xFFFFFFFF
+    return value % 1987
+
+
+class CommandTest(unittest.TestCase):
+    def setUp(self):
+        self.root = pathlib.Path(tempfile.mkdtemp()).resolve()
+        self.addCleanup(shutil.rmtree, self.root)
+        self.catalog = self.root / "catalog"
+        self.pictures = self.root / "pictures"
+        (self.pictures / "scans").mkdir(parents=True)
+        (self.pictures / "beach.png").write_bytes(PHOTOGRAPH)
+        (self.pictures / "scans" / "page.png").write_bytes(PAGE)
+
+    def command(self, *arguments):
+        return [COMMAND, "--catalog", str(self.catalog), *map(str, arguments)]
+
+    def run_command(self, *arguments, status=0):
+        done = subprocess.run(self.command(*arguments), capture_output=True, text=True, errors="surrogateescape")
+        self.assertEqual(done.returncode, status, (arguments, done.stdout, done.stderr))
+        return done.stdout, done.stderr
+
+    def listed(self, *arguments):
+        return [json.loads(line) for line in self.run_command("ls", "--json", *arguments)[0].splitlines()]
+
+    def sort(self, *arguments, status=0):
+        return json.loads(self.run_command("sort", "--json", *arguments, status=status)[0])
+
+    def test_pictures_are_filed_by_what_they_show(self):
+        self.assertEqual(self.sort("--dry-run", self.pictures)["filed"], 2)
+        self.assertFalse(self.catalog.exists())
+        out, err = self.run_command("sort", self.pictures)
+        self.assertEqual(err, "")
+        self.assertRegex(out, r"Filed 2 pictures:\n +1090000 +Other photographs +1\n +2030000 +Pages +1\n")
+        self.assertEqual(self.sort(self.pictures)["already"], 2)
+        beach, page = str(self.pictures / "beach.png"), str(self.pictures / "scans/page.png")
+        self.assertEqual(self.run_command("ls")[0].splitlines(), [beach, page])
+        for name in ("Pages", "pages", "2/3", "2030000", "Documents/Pages", "Documents"):
+            self.assertEqual(self.run_command("ls", name)[0], page + "\n", name)
+        self.assertEqual(self.run_command("ls", "--folder", self.pictures / "scans")[0], page + "\n")
+        counts = {node["index"]: node["below"] for node in json.loads(self.run_command("tree", "--json")[0])}
+        self.assertEqual([counts[n] for n in (1000000, 2000000, PAGES, OTHER)], [1, 1, 1, 0])
+        rows = list(csv.DictReader(io.StringIO(self.run_command("export", "--format", "csv")[0])))
+        self.assertEqual([(row["file"], row["index"]) for row in rows], [(beach, "1090000"), (page, "2030000")])
+        exported = json.loads(self.run_command("export", "--format", "json")[0])
+        self.assertEqual([image["folder"] for image in exported], [str(self.pictures), str(self.pictures / "scans")])
+        self.run_command("mv", beach, "Other")
+        self.assertEqual(self.sort("--again", self.pictures)["filed"], 2)
+        self.assertEqual([image["index"] for image in self.listed()], [OTHER_PHOTOGRAPHS, PAGES])
+
+    def test_classify_says_what_a_picture_is(self):
+        (self.pictures / "notes.png").write_text("no picture")
+        done, err = self.run_command("classify", "--json", self.pictures, status=1)
+        lines = [json.loads(line) for line in done.splitlines()]
+        self.assertEqual([(line["class"], line["preset"], line["name"], line["status"]) for line in lines],
+                         [("photograph", 1090000, "Other photographs", "ok"),
+                          (None, -1, None, "not an image file"), ("document", 2030000, "Pages", "ok")])
+        self.assertIn("notes.png: not an image file (skipped)", err)
+        self.assertFalse(self.catalog.exists())
+
+    def test_what_cannot_be_filed_is_named_and_the_rest_goes_on(self):
+        (self.pictures / "cut.png").write_bytes(PHOTOGRAPH[:len(PHOTOGRAPH) // 2])
+        (self.pictures / "fake.jpg").write_text("no picture")
+        (self.pictures / "line\nfeed.png").write_bytes(PHOTOGRAPH)
+        pathlib.Path(os.fsdecode(bytes(self.pictures) + b"/\xff.png")).write_bytes(PHOTOGRAPH)
+        (self.pictures / ".hidden.png").write_bytes(PHOTOGRAPH)
+        (self.pictures / "readme.txt").write_text("passed over silently")
+        (self.pictures / "scans" / "up").symlink_to(self.pictures)
+        (self.pictures / "same").symlink_to(self.pictures / "scans")
+        (self.pictures / "gone.png").symlink_to(self.pictures / "nowhere")
+        result = self.sort(self.pictures, self.root / "absent", status=1)
+        reasons = {pathlib.Path(skip["file"]).name: skip["reason"] for skip in result["skipped"]}
+        self.assertEqual(len(reasons), 7)
+        for name, reason in (("cut.png", "cut short"), ("fake.jpg", "not an image"), ("up", "leads back"),
+                             ("line\nfeed.png", "line feed"), ("gone.png", "nothing"), ("absent", "No such file")):
+            self.assertIn(reason, reasons[name])
+        self.assertEqual(result["filed"], 2)
+
+    def test_names_that_differ_in_case_alone(self):
+        letters = "abcdefghij"
+        seen = {}
+        for flips in itertools.product((str.lower, str.upper), repeat=len(letters)):
+            name = "".join(flip(letter) for flip, letter in zip(flips, letters)) + ".png"
+            first = seen.setdefault(bucket(str(self.pictures / name)), name)
+            if first != name:
+                break
+        other = min(n for b, n in seen.items() if b != bucket(str(self.pictures / first)))
+        for twin in (first, name, other):
+            (self.pictures / twin).write_bytes(PHOTOGRAPH)
+        result = self.sort(self.pictures, status=1)
+        self.assertEqual((result["filed"], len(result["skipped"])), (4, 1))
+        self.assertIn("letter case", result["skipped"][0]["reason"])
+        self.run_command("rm", result["skipped"][0]["file"], status=1)
+        self.assertEqual(len(self.listed()), 4)
+
+    def test_images_whose_file_is_gone_stay_until_they_are_forgotten(self):
+        self.run_command("sort", self.pictures)
+        self.run_command("index", "add", "Photographs", "Holiday")
+        page = self.pictures / "scans" / "page.png"
+        self.run_command("mv", page, "Holiday")
+        self.run_command("protect", page, "--no-move")
+        shutil.move(self.pictures / "scans", self.root / "unplugged")
+        (self.pictures / "new.png").write_bytes(PHOTOGRAPH)
+        self.run_command("sort", self.pictures)
+        gone = [image for image in self.listed() if image["missing"]]
+        self.assertEqual([(i["file"], i["index"], i["attribute"]) for i in gone], [(str(page), 1100000, 1)])
+        self.assertIn("missing: " + str(page), self.run_command("check", status=1)[0])
+        self.run_command("check", "--forget")
+        self.assertEqual(len(self.listed()), 2)
+        shutil.move(self.root / "unplugged", self.pictures / "scans")
+        self.run_command("check")
+
+    def test_a_catalogue_that_cannot_be_read_is_left_alone(self):
+        self.run_command("sort", self.pictures)
+        self.run_command("index", "add", ".", "Work")
+        whole = (self.catalog / "images.plist").read_bytes()
+
+        def item(text):
+            return plistlib.dumps({"IDXImage": text + b"\0", "Other": 1})
+
+        record = b"CatalogCoreVer1.0\n1/9,0," + bytes(self.pictures / "beach.png") + b"\n"
+        for content in (whole[:300], b"", item(b"CatalogCoreVer9\n"), item(record + b"1/9,0"),
+                        item(record + b"1/9,0,no-folder\n")):
+            (self.catalog / "images.plist").write_bytes(content)
+            err = self.run_command("sort", self.pictures, status=3)[1]
+            self.assertIn("nothing was changed", err)
+            self.run_command("mv", self.pictures / "beach.png", "Pages", status=3)
+            self.assertEqual((self.catalog / "images.plist").read_bytes(), content)
+        self.run_command("check", "--forget")  # drops the record without a folder, and keeps what is not ours
+        self.assertEqual(plistlib.loads((self.catalog / "images.plist").read_bytes().rstrip(b"\0"))["Other"], 1)
+        self.run_command("sort", self.pictures)
+        (self.catalog / "index.plist").unlink()
+        (self.catalog / "images.plist").write_bytes(item(record.replace(b"1/9", b"10")))
+        self.assertIn('now in "Other"', self.run_command("ls")[1])
+        self.assertEqual(self.listed()[0]["index"], OTHER)
+
+    def test_one_command_at_a_time_changes_a_catalogue(self):
+        self.run_command("sort", self.pictures)
+        with open(self.catalog / "lock", "r+") as lock:
+            fcntl.flock(lock, fcntl.LOCK_EX)
+            err = self.run_command("rm", self.pictures / "beach.png", status=3)[1]
+            self.assertRegex(err, r"is being changed by process \d+ \(catalogcore sort\).*--wait")
+            self.assertEqual(len(self.listed()), 2)
+            waiting = subprocess.Popen(self.command("--wait", "rm", self.pictures / "beach.png"))
+            with self.assertRaises(subprocess.TimeoutExpired):
+                waiting.wait(0.3)
+        self.assertEqual(waiting.wait(60), 0)
+        self.assertEqual(len(self.listed()), 1)
+
+    def test_indexes(self):
+        self.assertEqual(self.run_command("index", "add", "Photographs", "Été, nord", "--no-remove")[0], "1100000\n")
+        self.run_command("index", "rename", "Été, nord", "Summer")
+        for arguments, reason in (
+                (("add", "Photographs", "Summer"), "of that name already"), (("add", "Photographs", ""), "not empty"),
+                (("add", "Nowhere", "x"), "no index \"Nowhere\""), (("rename", "People", "x"), "is a preset"),
+                (("add", "Photographs", "x", "--no-move", "--no-remove", "--no-rename"), "not written"),
+                (("protect", "Summer", "--no-move", "--no-rename"), "not written"),
+                (("rm", "Summer"), "--force"), (("rm", "1000000"), "is a preset")):
+            self.assertIn(reason, self.run_command("index", *arguments, status=2)[1], arguments)
+        self.run_command("sort", self.pictures)
+        self.run_command("mv", self.pictures / "beach.png", "Summer")
+        self.run_command("protect", self.pictures / "beach.png", "--no-move")
+        self.run_command("mv", self.pictures / "beach.png", "Other", status=1)
+        self.run_command("mv", "--force", self.pictures / "beach.png", "Summer")
+        self.run_command("index", "protect", "Summer", "--none")
+        self.assertIn("1 image would leave", self.run_command("index", "rm", "Summer", status=2)[1])
+        self.run_command("index", "rm", "--force", "Summer")
+        self.assertEqual([image["index"] for image in self.listed()], [PAGES])
+        for number in range(20):
+            self.run_command("index", "add", ".", f"top {number}")
+        self.assertIn("no number is left", self.run_command("index", "add", ".", "one more", status=2)[1])
+
+    def test_a_sort_that_is_stopped_keeps_what_it_has_and_jobs_change_nothing(self):
+        for number in range(40):
+            (self.pictures / f"{number:02}.png").write_bytes(PAGE)
+        process = subprocess.Popen(self.command("sort", "--jobs", "3", self.pictures), stdout=subprocess.DEVNULL)
+        while process.poll() is None and not (self.catalog / "lock").exists():
+            pass
+        process.send_signal(signal.SIGINT)
+        self.assertEqual(process.wait(120), 130)
+        self.run_command("check")
+        first = [image["file"] for image in self.listed()]
+        self.assertEqual(first, sorted(map(str, self.pictures.rglob("*.png")))[:len(first)])
+        written = []
+        for jobs in (1, 4):
+            shutil.rmtree(self.catalog, ignore_errors=True)
+            self.run_command("sort", "--jobs", jobs, self.pictures)
+            written.append((self.catalog / "images.plist").read_bytes())
+        self.assertEqual(*written)
+
+    def test_help_man_page_and_completion_tell_of_every_option(self):
+        pages = [pathlib.Path(MAN_PAGE).read_text().replace("\\-", "-"), pathlib.Path(COMPLETION).read_text()]
+
+        def look(*command):
+            out, _ = self.run_command(*command, "--help")
+            self.assertRegex(out, "Examples?:|COMMAND --help")
+            for option in set(re.findall(r"--[a-z-]+", out.split("Options:")[1])):
+                for page in pages:
+                    self.assertIn(option, page)
+            for name in re.findall(r"^  ([a-z]+) ", out.partition("Subcommands:\n")[2].split("\n\n")[0], re.M):
+                look(*command, name)
+        look()
+        for wrong in ((), ("sort",), ("nonsense",), ("sort", "--jobs", "0", "."), ("export", "--format", "xml")):
+            self.run_command(*wrong, status=2)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
