@@ -23,6 +23,8 @@ namespace {
 constexpr std::size_t kPicturesBetweenWrites = 1000;
 constexpr std::chrono::minutes kTimeBetweenWrites(3);
 
+constexpr std::size_t kNameColumns = 24;  // no preset's name is longer
+
 struct SortOptions {
   std::vector<std::string> paths;
   bool isAgain = false;
@@ -122,7 +124,9 @@ class Sorter {
     const char* const verb = options_.isDryRun ? "Would file " : "Filed ";
     std::printf("%s%s%s\n", verb, Counted(FiledCount(), "picture").c_str(), filed_.empty() ? "." : ":");
     for (const auto& [preset, count] : filed_) {
-      std::printf("  %8d  %-24s %8s\n", preset, FindPreset(preset)->name, Grouped(count).c_str());
+      const std::string name = FindPreset(preset)->name;
+      const std::string padding(kNameColumns - TextWidth(name), ' ');
+      std::printf("  %8d  %s%s %8s\n", preset, name.c_str(), padding.c_str(), Grouped(count).c_str());
     }
     if (already_ > 0) std::printf("%s already in the catalogue.\n", Counted(already_, "picture").c_str());
     std::map<std::string, std::size_t> reasons;
