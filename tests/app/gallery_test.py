@@ -10,6 +10,7 @@ import tempfile
 import zlib
 
 from selenium import webdriver
+from selenium.common.exceptions import TimeoutException
 from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
@@ -28,6 +29,12 @@ def write_png(file, width, height, dots_per_metre=0):
     resolution = chunk(b"pHYs", struct.pack(">IIB", dots_per_metre, dots_per_metre, 1)) if dots_per_metre else b""
     file.parent.mkdir(parents=True, exist_ok=True)
     file.write_bytes(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + resolution + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+
+
+def write_tiff(file, width, height):
+    values = {256: width, 257: height, 258: 8, 259: 1, 262: 1, 273: 8, 277: 1, 278: height, 279: width * height}
+    tags = b"".join(struct.pack("<HHII", tag, 4, 1, value) for tag, value in values.items())
+    file.write_bytes(struct.pack("<2sHI", b"II", 42, 8 + width * height) + bytes(width * height) + struct.pack("<H", 9) + tags + bytes(4))
 
 
 def make_gallery(folder, images):
@@ -67,13 +74,14 @@ class Page:
             self.driver.switch_to.active_element.send_keys(key)
 
     def check_focus(self, label):
-        try:
-            self.wait(f"document.activeElement.ariaLabel?.startsWith({json.dumps(label)})")
-        except Exception as error:
-            raise AssertionError(self.js("document.activeElement.outerHTML")) from error
+        self.wait(f"document.activeElement.ariaLabel?.startsWith({json.dumps(label)})")
 
     def wait(self, script):
-        WebDriverWait(self.driver, 10, 0.05).until(lambda _: self.js(script), script)
+        try:
+            WebDriverWait(self.driver, 10, 0.05).until(lambda _: self.js(script))
+        except TimeoutException as error:
+            state = self.js("document.activeElement.outerHTML + document.getElementById('stage').outerHTML")
+            raise AssertionError(f"{script}\n{state}\n{self.driver.get_log('browser')}") from error
 
     def resize(self, width, height):
         self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride", dict(width=width, height=height, deviceScaleFactor=1, mobile=False))
@@ -97,6 +105,7 @@ def check_small(home):
     for picture in pictures:
         write_png(picture, 640, 400)
     write_png(home / "scans/letter.png", 1240, 1754, 5906)
+    write_tiff(home / "scans/card.tif", 2000, 1200)
     (home / "scans/broken.jpg").write_text("no picture")
     pictures[home / "scans/broken.jpg"] = OTHER
     made, failed = make_gallery(home / "page", pictures)
@@ -125,7 +134,7 @@ def check_small(home):
     page.wait("document.querySelector('#stage img')?.naturalWidth === 640")
     page.check_names_of_controls()
     assert page.text("#viewer-name") == "shore 2.png" and page.text("#fact-index") == "Photographs \u203a People"
-    page.press(Keys.ARROW_RIGHT, Keys.ARROW_LEFT)
+    page.press(Keys.HOME, Keys.ARROW_RIGHT)
     assert page.text("#viewer-position") == "2 of 3" and page.text("#fact-meaning") == "photographs that show faces"
     for _ in range(8):
         page.press(Keys.TAB)
@@ -139,7 +148,7 @@ def check_small(home):
     page.load("#q=ete&sort=name")
     assert page.names() == [HOSTILE[1]]
     page.load()
-    for name, size, note in [(HOSTILE[0], 640, ""), (HOSTILE[1], 640, ""), (HOSTILE[2], 640, ""), ("card.tif", 640, ""),
+    for name, size, note in [(HOSTILE[0], 640, ""), (HOSTILE[1], 640, ""), (HOSTILE[2], 640, ""), ("card.tif", 1600, ""),
                              ("town.png", 256, "The file is not there now."), ("letter.png", 1240, "")]:
         page.all(".tile")[page.names().index(name)].click()
         page.wait(f"document.querySelector('#stage img')?.naturalWidth === {size}")
@@ -181,6 +190,12 @@ def check_large(home):
     page.js("document.querySelector('.tile').focus()")
     page.press(Keys.END, Keys.ENTER, Keys.ARROW_LEFT, Keys.ESCAPE)
     page.check_focus("099998.jpg, ")
+    # The tile with the focus stays in the page when it is scrolled out of view.
+    for top, key, name in [(0, Keys.ARROW_RIGHT, "099999"), (0, Keys.HOME, "000000"), (1e9, Keys.ARROW_RIGHT, "000001")]:
+        page.js("document.getElementById('scroller').scrollTo(0, arguments[0])", top)
+        page.wait("document.elementFromPoint(innerWidth - 90, 500).closest('.tile') !== null")
+        page.press(key)
+        page.check_focus(f"{name}.jpg, ")
     assert 0 < len(page.all("#folders li")) < 120
     page.close()
 

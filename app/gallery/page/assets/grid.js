@@ -23,6 +23,7 @@ class Grid {
   #gap = 0;
   #rowHeight = 1;
   #top = 0;            // from the first row to the upper edge of the view
+  #lowest = 0;         // #top at the end
   #stretch = 1;        // pixels of rows that a pixel of the scroll bar stands for
   #scrolledTo = 0;
 
@@ -33,9 +34,9 @@ class Grid {
     this.#catalogue = catalogue;
     this.#open = open;
     scroller.addEventListener('scroll', () => requestAnimationFrame(() => this.#follow()), {passive: true});
-    scroller.addEventListener('wheel', (event) => this.#wheel(event), {passive: false});
     list.addEventListener('click', (event) => this.#click(event));
     list.addEventListener('keydown', (event) => this.#key(event));
+    // Where the scroll bar is stretched, the browser does not know where the tile is that Tab goes to.
     list.addEventListener('focusin', (event) => this.#reveal(event.target.position));
     list.addEventListener('error', (event) => event.target.remove(), true);
     new ResizeObserver(() => this.#resize()).observe(scroller);
@@ -77,8 +78,11 @@ class Grid {
     const rows = Math.ceil(this.#pictures.length / this.#columns);
     const height = rows * this.#rowHeight;
     const box = Math.min(height, Grid.#TALLEST);
-    this.#stretch = box < height ? (height - this.#viewHeight) / (box - this.#viewHeight) : 1;
     this.#list.style.height = `${box}px`;
+    const lowest = this.#scroller.scrollHeight - this.#viewHeight;  // of scrollTop
+    this.#lowest = lowest + height - box;
+    this.#stretch = box < height ? this.#lowest / lowest : 1;
+    this.#scroller.onwheel = box < height ? (event) => this.#wheel(event) : null;  // else the browser scrolls by itself
     this.#list.style.setProperty('--tile-width', `${this.#tileWidth}px`);
   }
 
@@ -93,8 +97,7 @@ class Grid {
   }
 
   #moveTo(top) {
-    const height = Math.ceil(this.#pictures.length / this.#columns) * this.#rowHeight;
-    this.#top = Math.max(0, Math.min(top, height - this.#viewHeight + this.#list.offsetTop * 2));
+    this.#top = Math.max(0, Math.min(top, this.#lowest));
     this.#scroller.scrollTop = this.#top / this.#stretch;
     this.#scrolledTo = this.#scroller.scrollTop;
     this.#render();
@@ -110,7 +113,7 @@ class Grid {
 
   // A stretched scroll bar would turn one notch of the wheel into many rows.
   #wheel(event) {
-    if (this.#stretch === 1 || event.ctrlKey) return;
+    if (event.ctrlKey) return;  // zooms
     event.preventDefault();
     const unit = [1, 40, this.#viewHeight][event.deltaMode];
     this.#moveTo(this.#top + event.deltaY * unit);
@@ -146,7 +149,8 @@ class Grid {
     const catalogue = this.#catalogue;
     const tile = this.#template.cloneNode(true);
     tile.position = position;
-    tile.querySelector('.name').textContent = tile.title = catalogue.name(picture);
+    const name = tile.querySelector('.name');
+    name.textContent = name.title = catalogue.name(picture);
     tile.querySelector('.date').textContent = catalogue.day(picture);
     tile.classList.toggle('document', catalogue.isDocument(picture));
     tile.classList.toggle('missing', catalogue.isMissing(picture));

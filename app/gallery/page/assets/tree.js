@@ -90,7 +90,6 @@ class Tree {
     const {entry} = node;
     const item = document.createElement('li');
     item.node = node;
-    item.title = entry.note || entry.label;
     item.style.setProperty('--level', node.level - 1);
     setAttributes(item, {
       'role': 'treeitem', 'aria-level': node.level, 'aria-posinset': node.position + 1,
@@ -101,6 +100,7 @@ class Tree {
       part.className = name;
       part.textContent = text;
     }
+    item.querySelector('.label').title = entry.note || entry.label;
     return item;
   }
 

@@ -18,6 +18,7 @@ class Viewer {
     this.#changed = changed;
     this.#dialog.addEventListener('keydown', (event) => this.#key(event));
     this.#dialog.addEventListener('close', () => {
+      if (this.#dialog.open) return;  // the event comes late: the next picture is open already
       this.#stage.replaceChildren();
       closed(this.#position);
     });
