@@ -4,14 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/folded_text.h"
 #include "base/text_size.h"
-
-namespace {
-
-// The letter case of ASCII letters alone is folded; bytes from 0x80 on stay as they are.
-char FoldCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-}  // namespace
 
 CIDXString::CIDXString(int size) { AllocBuffer(size); }
 
@@ -127,18 +121,21 @@ char& CIDXString::operator[](int i) {
 }
 
 bool CIDXString::operator==(const CIDXString& other) const {
-  const char* a = Text();
-  const char* b = other.Text();
-  for (; FoldCase(*a) == FoldCase(*b); ++a, ++b) {
-    if (*a == 0) return true;
-  }
-  return false;
+  const std::int32_t size = TextSize(Text());
+  return size == TextSize(other.Text()) && EqualFolded(Text(), other.Text(), static_cast<std::size_t>(size));
 }
 
 std::uint32_t CIDXString::GetHashKey() const {
+  constexpr std::uint32_t kFactor = 137, kFactor2 = kFactor * kFactor, kFactor3 = kFactor2 * kFactor;
+  const auto byte = [](char c) { return static_cast<std::uint32_t>(static_cast<signed char>(c)); };
   std::uint32_t hash = 0;
-  for (const char* at = Text(); *at != 0; ++at) {
-    hash = hash * 137 + static_cast<std::uint32_t>(static_cast<signed char>(*at));
+  const char* at = Text();
+  const char* const end = at + TextSize(at);
+  // Four bytes at a time: each multiplication waits for the one before.
+  for (; end - at >= 4; at += 4) {
+    hash = hash * kFactor2 * kFactor2 + byte(at[0]) * kFactor3 + byte(at[1]) * kFactor2 + byte(at[2]) * kFactor +
+           byte(at[3]);
   }
+  for (; at != end; ++at) hash = hash * kFactor + byte(*at);
   return hash % kBucketCount;
 }

@@ -56,9 +56,13 @@ CIDXCell* CIndexData::IsolateCell(std::int32_t tree, CIDXCell* cell) {
 }
 
 void CIndexData::HashCell(std::int32_t tree, std::uint32_t hash, CIDXCell* cell) {
-  if (hash < CIDXString::kBucketCount) cellHash[tree][hash].Append(cell);
+  if (hash >= CIDXString::kBucketCount) return;
+  cellHash[tree][hash].Append(cell);
+  cellTable[tree].Insert(cell);
 }
 
 void CIndexData::ReleaseHashCell(std::int32_t tree, std::uint32_t hash, CIDXCell* cell) {
-  if (cell && hash < CIDXString::kBucketCount) cellHash[tree][hash].Remove(cell);
+  if (!cell || hash >= CIDXString::kBucketCount) return;
+  cellHash[tree][hash].Remove(cell);
+  cellTable[tree].Remove(cell);
 }

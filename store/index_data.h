@@ -8,6 +8,7 @@
 #include "base/idx_string.h"
 #include "store/entries.h"
 #include "store/hash_chain.h"
+#include "store/key_table.h"
 #include "store/result_codes.h"
 #include "store/search_handle.h"
 
@@ -159,6 +160,9 @@ class CIndexData {
   // The cells that moves took out of the hash table, chained by the same links, so that they are deleted at
   // the end.
   HashChain<CIDXCell> movedCells[kTreeCount];
+  // What finds an entry of the hash table without a walk along its chain.
+  KeyTable<CIDXNode> nodeTable;
+  KeyTable<CIDXCell> cellTable[kTreeCount];
 };
 
 #endif  // CATALOGCORE_STORE_INDEX_DATA_H_

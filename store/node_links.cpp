@@ -8,9 +8,7 @@
 CIDXNode* CIndexData::CreateNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
                                  std::uint8_t attribute) {
   std::unique_ptr<CIDXNode> node(new (std::nothrow) CIDXNode);
-  if (!node) return nullptr;
-  node->info = new (std::nothrow) CIDXNodeInfo;
-  if (!node->info || node->info->key.CopyString(key.Text()) < 0) return nullptr;
+  if (!node || node->info->key.CopyString(key.Text()) < 0) return nullptr;
   node->info->attribute = attribute;
   if (!LinkNodes(kIndexTree, indexKey, node.get(), 0)) return nullptr;
   if (!LinkNodes(kFolderTree, folderKey, node.get(), 1)) {
@@ -70,9 +68,13 @@ std::uint32_t CIndexData::RemoveNodeSub(CIDXNode* node, std::int32_t force) {
 }
 
 void CIndexData::HashNode(std::uint32_t hash, CIDXNode* node) {
-  if (hash < CIDXString::kBucketCount) nodeHash[hash].Append(node);
+  if (hash >= CIDXString::kBucketCount) return;
+  nodeHash[hash].Append(node);
+  nodeTable.Insert(node);
 }
 
 void CIndexData::ReleaseHashNode(std::uint32_t hash, CIDXNode* node) {
-  if (node && hash < CIDXString::kBucketCount) nodeHash[hash].Remove(node);
+  if (!node || hash >= CIDXString::kBucketCount) return;
+  nodeHash[hash].Remove(node);
+  nodeTable.Remove(node);
 }

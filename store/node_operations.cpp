@@ -4,7 +4,7 @@
 #include "catalogcore.h"
 #include "store/index_data.h"
 
-CIDXNode* CIndexData::SearchNode(const CIDXString& key) const { return nodeHash[key.GetHashKey()].Find(key); }
+CIDXNode* CIndexData::SearchNode(const CIDXString& key) const { return nodeTable.Find(key); }
 
 std::uint32_t CIndexData::AddNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
                                   std::uint8_t attribute) {
