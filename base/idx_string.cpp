@@ -4,8 +4,9 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/folded_text.h"
+#include "base/text_hash.h"
 #include "base/text_size.h"
+#include "base/text_word.h"
 
 CIDXString::CIDXString(int size) { AllocBuffer(size); }
 
@@ -125,17 +126,4 @@ bool CIDXString::operator==(const CIDXString& other) const {
   return size == TextSize(other.Text()) && EqualFolded(Text(), other.Text(), static_cast<std::size_t>(size));
 }
 
-std::uint32_t CIDXString::GetHashKey() const {
-  constexpr std::uint32_t kFactor = 137, kFactor2 = kFactor * kFactor, kFactor3 = kFactor2 * kFactor;
-  const auto byte = [](char c) { return static_cast<std::uint32_t>(static_cast<signed char>(c)); };
-  std::uint32_t hash = 0;
-  const char* at = Text();
-  const char* const end = at + TextSize(at);
-  // Four bytes at a time: each multiplication waits for the one before.
-  for (; end - at >= 4; at += 4) {
-    hash = hash * kFactor2 * kFactor2 + byte(at[0]) * kFactor3 + byte(at[1]) * kFactor2 + byte(at[2]) * kFactor +
-           byte(at[3]);
-  }
-  for (; at != end; ++at) hash = hash * kFactor + byte(*at);
-  return hash % kBucketCount;
-}
+std::uint32_t CIDXString::GetHashKey() const { return ExactHash(Text(), std::strlen(Text())) % kBucketCount; }

@@ -38,8 +38,9 @@ struct CIDXCell;
 
 struct CIDXNodeInfo {
   virtual ~CIDXNodeInfo() = default;
-  CIDXString key;  // the image's full path
-  std::uint32_t keyHash = 0;
+  CIDXString key;             // the image's full path
+  std::uint32_t keyHash = 0;  // HashedKey
+  std::uint16_t bucket = 0;   // of the hash table
   std::uint8_t attribute = 0;
 };
 
@@ -65,9 +66,10 @@ struct CIDXNode {
 
 struct CIDXCellInfo {
   virtual ~CIDXCellInfo() = default;
-  CIDXString key;   // the whole path from the root, the root left out
-  CIDXString name;  // always holds a text, if an empty one
-  std::uint32_t keyHash = 0;
+  CIDXString key;             // the whole path from the root, the root left out
+  CIDXString name;            // always holds a text, if an empty one
+  std::uint32_t keyHash = 0;  // HashedKey
+  std::uint16_t bucket = 0;   // of the hash table
   std::uint8_t attribute = 0;
 };
 

@@ -2,20 +2,16 @@
 #ifndef CATALOGCORE_STORE_KEY_TABLE_H_
 #define CATALOGCORE_STORE_KEY_TABLE_H_
 
+#include <algorithm>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 
-#include "base/folded_text.h"
-#include "base/idx_string.h"
+#include "store/hashed_key.h"
 
-// `Entry` is CIDXNode or CIDXCell: it has `tableNext`, `info->key` and `info->keyHash`. The table owns no entry, and an
-// entry's key does not change while it stands in the table.
-//
-// Two keys are the same when they share a bucket of the hash tables (CIDXString::GetHashKey) and are equal but for
-// letter case. Both go into one hash, which the entry keeps.
+// `Entry` is CIDXNode or CIDXCell: it has `tableNext`, and an `info` with what HashedKey looks at, which
+// does not change while the entry stands in the table. The table owns no entry.
 //
 // Linear hashing (W. Litwin, 1980): entries with the same slot are linked, and the table grows by one slot at a time,
 // which takes its entries from the one slot that shared them. So no insertion waits for all entries to be moved, and
@@ -32,10 +28,9 @@ class KeyTable {
   KeyTable& operator=(const KeyTable&) = delete;
 
   void Insert(Entry* entry) {
-    entry->info->keyHash = HashOf(entry->info->key);
     Append(Slot(SlotOf(entry->info->keyHash)), entry);
     ++count;
-    while (count > slotCount + slotCount / 2 && Split()) {
+    while (count > slotCount + slotCount / 4 && Split()) {
     }
   }
 
@@ -50,10 +45,9 @@ class KeyTable {
   }
 
   // The entry with this key that was inserted first; null if there is none.
-  Entry* Find(const CIDXString& key) const {
-    const std::uint32_t hash = HashOf(key);
-    Entry* entry = *Slot(SlotOf(hash));
-    while (entry && (entry->info->keyHash != hash || !IsSameKey(entry->info->key, key))) entry = entry->tableNext;
+  Entry* Find(const HashedKey& key) const {
+    Entry* entry = *Slot(SlotOf(key.hash));
+    while (entry && !key.IsKeyOf(*entry->info)) entry = entry->tableNext;
     return entry;
   }
 
@@ -62,10 +56,11 @@ class KeyTable {
   // Forgets all entries, which may be gone already, and gives back the memory.
   void Clear() {
     for (Entry**& segment : segments) {
-      std::free(segment);
+      if (segment != firstSlots) std::free(segment);
       segment = nullptr;
     }
-    std::memset(firstSlots, 0, sizeof firstSlots);
+    segments[0] = firstSlots;
+    std::fill_n(firstSlots, kFirstSlots, nullptr);
     slotCount = kFirstSlots;
     count = 0;
   }
@@ -73,16 +68,8 @@ class KeyTable {
  private:
   static constexpr int kFirstBits = 4;
   static constexpr std::uint64_t kFirstSlots = std::uint64_t{1} << kFirstBits;
+  static constexpr std::uint64_t kSplitsAhead = 4;
   static constexpr std::uint64_t kMaxSlots = std::uint64_t{1} << 32;  // as many as there are hashes
-
-  std::uint32_t HashOf(const CIDXString& key) const {
-    const std::uint64_t seed = reinterpret_cast<std::uintptr_t>(this) + key.GetHashKey();
-    return static_cast<std::uint32_t>(FoldedHash(key.Text(), std::strlen(key.Text()), seed));
-  }
-
-  static bool IsSameKey(const CIDXString& a, const CIDXString& b) {
-    return std::strcmp(a.Text(), b.Text()) == 0 || (a == b && a.GetHashKey() == b.GetHashKey());
-  }
 
   // The low bits of the hash, as many as number all slots; one less where that slot is yet to come.
   std::uint64_t SlotOf(std::uint32_t hash) const {
@@ -91,14 +78,14 @@ class KeyTable {
     return slot < slotCount ? slot : slot - half;
   }
 
-  // Segment i holds the slots with i + kFirstBits significant bits in their number.
+  // Segment 0 holds the first slots, segment i as many as all before it: those whose number has i + kFirstBits
+  // significant bits.
   static std::size_t SegmentOf(std::uint64_t slot) {
-    return static_cast<std::size_t>(std::bit_width(slot)) - kFirstBits;
+    return slot < kFirstSlots ? 0 : static_cast<std::size_t>(std::bit_width(slot)) - kFirstBits;
   }
 
   Entry** Slot(std::uint64_t slot) const {
-    if (slot < kFirstSlots) return &firstSlots[slot];
-    return &segments[SegmentOf(slot) - 1][slot - std::bit_floor(slot)];
+    return segments[SegmentOf(slot)] + (slot < kFirstSlots ? slot : slot - std::bit_floor(slot));
   }
 
   static void Append(Entry** slot, Entry* entry) {
@@ -111,7 +98,10 @@ class KeyTable {
   bool Split() {
     const std::uint64_t half = std::bit_floor(slotCount);
     if (slotCount == kMaxSlots || (slotCount == half && !AddSegment(half))) return false;
-    Entry** from = Slot(slotCount - half);
+    const std::uint64_t source = slotCount - half;
+    // The slots come in turn, so what later splits will look at is on its way by then.
+    if (const Entry* const later = *Slot(source + kSplitsAhead)) __builtin_prefetch(&later->tableNext);
+    Entry** from = Slot(source);
     Entry** to = Slot(slotCount);
     while (Entry* const entry = *from) {
       const bool moves = (entry->info->keyHash & half) != 0;
@@ -129,12 +119,12 @@ class KeyTable {
 
   bool AddSegment(std::uint64_t slots) {
     auto* const segment = static_cast<Entry**>(std::calloc(static_cast<std::size_t>(slots), sizeof(Entry*)));
-    segments[SegmentOf(slots) - 1] = segment;
+    segments[SegmentOf(slots)] = segment;
     return segment != nullptr;
   }
 
-  mutable Entry* firstSlots[kFirstSlots] = {};
-  Entry** segments[32 - kFirstBits] = {};
+  Entry* firstSlots[kFirstSlots] = {};
+  Entry** segments[33 - kFirstBits] = {firstSlots};
   std::uint64_t slotCount = kFirstSlots;
   std::uint64_t count = 0;
 };

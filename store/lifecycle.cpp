@@ -45,4 +45,5 @@ void CIndexData::DeleteAllCells(std::int32_t tree) {
   cellTable[tree].Clear();
   movedCells[tree].Clear(deleteCell);
   root[tree] = nullptr;
+  recentFolder = nullptr;
 }

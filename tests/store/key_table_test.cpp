@@ -16,6 +16,7 @@ struct Entry {
   struct Info {
     CIDXString key;
     std::uint32_t keyHash = 0;
+    std::uint16_t bucket = 0;
   };
   Info record;
   Info* info = &record;
@@ -24,16 +25,26 @@ struct Entry {
 
 class KeyTableTest : public testing::Test {
  protected:
-  Entry* Insert(const std::string& key) {
+  Entry* Make(const std::string& key) {
     Entry& entry = entries_.emplace_back();
     entry.info->key.CopyString(key.c_str());
-    table_.Insert(&entry);
+    const HashedKey hashed(entry.info->key);
+    entry.info->keyHash = hashed.hash;
+    entry.info->bucket = static_cast<std::uint16_t>(hashed.Bucket());
     return &entry;
   }
+  Entry* Insert(const std::string& key) {
+    Entry* const entry = Make(key);
+    table_.Insert(entry);
+    return entry;
+  }
   Entry* InsertNumber(int number) { return Insert("/pictures/" + std::to_string(number)); }
-  Entry* Find(const std::string& key) { return table_.Find(Key(key)); }
+  Entry* Find(const std::string& text) {
+    const Key key(text);
+    return table_.Find(HashedKey(key));
+  }
   void ExpectAllFound() {
-    for (Entry& entry : entries_) ASSERT_EQ(table_.Find(entry.info->key), &entry) << entry.info->key.Text();
+    for (Entry& entry : entries_) ASSERT_EQ(table_.Find(HashedKey(entry.info->key)), &entry) << entry.info->key.Text();
     EXPECT_EQ(Find("/pictures/none"), nullptr);
   }
 
@@ -54,13 +65,13 @@ TEST_F(KeyTableTest, FindsWhatIsThereAfterEveryGrowth) {
   std::shuffle(order.begin(), order.end(), std::mt19937(1));
   for (Entry* entry : order) {
     table_.Remove(entry);
-    ASSERT_EQ(table_.Find(entry->info->key), nullptr);
+    ASSERT_EQ(table_.Find(HashedKey(entry->info->key)), nullptr);
     table_.Remove(entry);  // leaves the table as it is
   }
   EXPECT_EQ(table_.Count(), 0u);
   table_.Clear();
   table_.Insert(order[0]);
-  EXPECT_EQ(table_.Find(order[0]->info->key), order[0]);
+  EXPECT_EQ(table_.Find(HashedKey(order[0]->info->key)), order[0]);
 }
 
 TEST_F(KeyTableTest, SameKeyInAnotherCaseIsFoundInTheSameBucketAlone) {
@@ -100,11 +111,9 @@ TEST_F(KeyTableTest, EqualKeysAreFoundInTheOrderOfInsertion) {
 TEST_F(KeyTableTest, WithoutMemoryToGrowNothingIsLost) {
   for (int failing = 0; failing < 8; ++failing) {
     for (int i = 0; i < 100; ++i) {
-      const int number = static_cast<int>(entries_.size());
-      Entry& entry = entries_.emplace_back();
-      entry.info->key.CopyString(("/pictures/" + std::to_string(number)).c_str());
+      Entry* const entry = Make("/pictures/" + std::to_string(entries_.size()));
       const FailingAllocation failure(0);
-      table_.Insert(&entry);
+      table_.Insert(entry);
     }
     ExpectAllFound();
     InsertNumber(static_cast<int>(entries_.size()));  // now there is memory, and all of the growth is made up for

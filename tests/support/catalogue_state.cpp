@@ -43,7 +43,7 @@ std::string BrokenChain(const HashChain<Entry>& chain, const KeyTable<Entry>& ta
     if (!chained.insert(entry).second) return "twice in the table: " + KeyOf(entry);
     const Entry* first = chain.head;
     while (first->info->key != entry->info->key) first = first->hashNext;
-    if (table.Find(entry->info->key) != first) return "key table at " + KeyOf(entry);
+    if (table.Find(HashedKey(entry->info->key)) != first) return "key table at " + KeyOf(entry);
   }
   return chain.tail == before ? "" : "end of chain " + std::to_string(bucket);
 }
