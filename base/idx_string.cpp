@@ -4,14 +4,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/text_hash.h"
 #include "base/text_size.h"
-
-namespace {
-
-// The letter case of ASCII letters alone is folded; bytes from 0x80 on stay as they are.
-char FoldCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
-}  // namespace
+#include "base/text_word.h"
 
 CIDXString::CIDXString(int size) { AllocBuffer(size); }
 
@@ -127,18 +122,8 @@ char& CIDXString::operator[](int i) {
 }
 
 bool CIDXString::operator==(const CIDXString& other) const {
-  const char* a = Text();
-  const char* b = other.Text();
-  for (; FoldCase(*a) == FoldCase(*b); ++a, ++b) {
-    if (*a == 0) return true;
-  }
-  return false;
+  const std::int32_t size = TextSize(Text());
+  return size == TextSize(other.Text()) && EqualFolded(Text(), other.Text(), static_cast<std::size_t>(size));
 }
 
-std::uint32_t CIDXString::GetHashKey() const {
-  std::uint32_t hash = 0;
-  for (const char* at = Text(); *at != 0; ++at) {
-    hash = hash * 137 + static_cast<std::uint32_t>(static_cast<signed char>(*at));
-  }
-  return hash % kBucketCount;
-}
+std::uint32_t CIDXString::GetHashKey() const { return ExactHash(Text(), std::strlen(Text())) % kBucketCount; }

@@ -13,7 +13,7 @@ CIDXCell* CIndexData::CreateCell(std::int32_t tree, CIDXCell* parent, const CIDX
   if (!cell->info || cell->info->key.CopyString(key.Text()) < 0) return nullptr;
   if (cell->info->name.CopyString(name.Length() < 1 ? "" : name.Text()) < 0) return nullptr;
   cell->info->attribute = attribute;
-  HashCell(tree, key.GetHashKey(), cell.get());
+  HashCell(tree, HashedKey(key), cell.get());
   return LinkCells(parent, cell.release());
 }
 
@@ -48,17 +48,23 @@ CIDXCell* CIndexData::IsolateCell(std::int32_t tree, CIDXCell* cell) {
   ReleaseCell(cell);
   for (CIDXCell* below = cell; below; below = NextInPreOrder(cell, below)) {
     if (below->moved) continue;  // since an earlier move
-    ReleaseHashCell(tree, below->info->key.GetHashKey(), below);
+    ReleaseHashCell(tree, below);
     movedCells[tree].Append(below);
     below->moved = true;
   }
   return cell;
 }
 
-void CIndexData::HashCell(std::int32_t tree, std::uint32_t hash, CIDXCell* cell) {
-  if (hash < CIDXString::kBucketCount) cellHash[tree][hash].Append(cell);
+void CIndexData::HashCell(std::int32_t tree, const HashedKey& key, CIDXCell* cell) {
+  const std::uint32_t bucket = key.Bucket();
+  cell->info->keyHash = key.hash;
+  cell->info->bucket = static_cast<std::uint16_t>(bucket);
+  cellHash[tree][bucket].Append(cell);
+  cellTable[tree].Insert(cell);
 }
 
-void CIndexData::ReleaseHashCell(std::int32_t tree, std::uint32_t hash, CIDXCell* cell) {
-  if (cell && hash < CIDXString::kBucketCount) cellHash[tree][hash].Remove(cell);
+void CIndexData::ReleaseHashCell(std::int32_t tree, CIDXCell* cell) {
+  cellHash[tree][cell->info->bucket].Remove(cell);
+  cellTable[tree].Remove(cell);
+  if (cell == recentFolder) recentFolder = nullptr;
 }

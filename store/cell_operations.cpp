@@ -21,7 +21,7 @@ bool Refuses(const CIDXCell* cell, std::uint8_t protection, std::int32_t force) 
 }  // namespace
 
 CIDXCell* CIndexData::SearchCell(std::int32_t tree, const CIDXString& key) const {
-  return key.Length() == 0 ? root[tree] : cellHash[tree][key.GetHashKey()].Find(key);
+  return key.Length() == 0 ? root[tree] : cellTable[tree].Find(HashedKey(key));
 }
 
 std::uint32_t CIndexData::AddCell(std::int32_t tree, const CIDXString& key, const CIDXString& name,
@@ -72,7 +72,7 @@ std::uint32_t CIndexData::RemoveCellSub(std::int32_t tree, CIDXCell* cell, std::
   }
   DeleteSkipList(cell);
   ReleaseCell(cell);
-  ReleaseHashCell(tree, cell->info->key.GetHashKey(), cell);
+  ReleaseHashCell(tree, cell);
   delete cell;
   return StoreOk;
 }

@@ -23,6 +23,7 @@ std::int32_t CIndexData::IsParent(const CIDXCell* ancestor, const CIDXCell* cell
 
 std::int32_t CIndexData::CompareCell(std::int32_t, const CIDXCell* a, const CIDXCell* b) {
   if (a == b) return 0;
+  if (a->parent == b->parent) return CompareCellSub(a, b);
   const std::int32_t depthA = Depth(a);
   const std::int32_t depthB = Depth(b);
   for (std::int32_t level = depthA; level > depthB; --level) a = a->parent;

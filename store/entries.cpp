@@ -1,5 +1,3 @@
 #include "store/entries.h"
 
-CIDXNode::~CIDXNode() { delete info; }
-
 CIDXCell::~CIDXCell() { delete info; }

@@ -15,6 +15,10 @@
 //   group in the order of filing. A folder cell's skip list holds one marker for each group, in the same order, which
 //   names the group's first image. Index cells have no skip list. Once an index cell was moved, the groups lie as they
 //   did, so that they may be out of order and one index may have several; still each marker begins a run of one index.
+// - The key tables: an entry stands in the key table of images, or of its tree's cells, exactly while it stands in its
+//   hash chain. Entries with equal keys, of which there may be several without a root alone, follow one another there
+//   in the order of their chain, so that both give the same first one. `tableNext` and `info->keyHash` belong to the
+//   table (key_table.h).
 // - The links of an image taken out of its lists stay as they were.
 #ifndef CATALOGCORE_STORE_ENTRIES_H_
 #define CATALOGCORE_STORE_ENTRIES_H_
@@ -34,7 +38,9 @@ struct CIDXCell;
 
 struct CIDXNodeInfo {
   virtual ~CIDXNodeInfo() = default;
-  CIDXString key;  // the image's full path
+  CIDXString key;             // the image's full path
+  std::uint32_t keyHash = 0;  // HashedKey
+  std::uint16_t bucket = 0;   // of the hash table
   std::uint8_t attribute = 0;
 };
 
@@ -42,9 +48,15 @@ struct CIDXNode {
   CIDXNode() = default;
   CIDXNode(const CIDXNode&) = delete;
   CIDXNode& operator=(const CIDXNode&) = delete;
-  virtual ~CIDXNode();
+  virtual ~CIDXNode() = default;
 
-  CIDXNodeInfo* info = nullptr;  // owned
+ private:
+  // Within the image, not in a block of its own: one allocation less, and what a lookup reads lies together.
+  CIDXNodeInfo record;
+
+ public:
+  CIDXNodeInfo* const info = &record;
+  CIDXNode* tableNext = nullptr;
   CIDXNode* prev[kTreeCount] = {};
   CIDXNode* next[kTreeCount] = {};
   CIDXNode* hashPrev = nullptr;
@@ -54,8 +66,10 @@ struct CIDXNode {
 
 struct CIDXCellInfo {
   virtual ~CIDXCellInfo() = default;
-  CIDXString key;   // the whole path from the root, the root left out
-  CIDXString name;  // always holds a text, if an empty one
+  CIDXString key;             // the whole path from the root, the root left out
+  CIDXString name;            // always holds a text, if an empty one
+  std::uint32_t keyHash = 0;  // HashedKey
+  std::uint16_t bucket = 0;   // of the hash table
   std::uint8_t attribute = 0;
 };
 
@@ -81,6 +95,7 @@ struct CIDXCell {
   CIDXCell* nextSibling = nullptr;
   CIDXCell* hashPrev = nullptr;
   CIDXCell* hashNext = nullptr;
+  CIDXCell* tableNext = nullptr;
   CIDXSkipNode* skipHead = nullptr;  // deleted by whoever deletes the cell, with DeleteSkipList
   std::uint64_t ordinal = 0;         // grows along the parent's child list
   bool moved = false;                // taken out of the hash table by a move, of itself or from above it

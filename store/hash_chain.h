@@ -2,9 +2,7 @@
 #ifndef CATALOGCORE_STORE_HASH_CHAIN_H_
 #define CATALOGCORE_STORE_HASH_CHAIN_H_
 
-#include "base/idx_string.h"
-
-// `Entry` is CIDXNode or CIDXCell: it has `hashPrev`, `hashNext` and `info->key`. The chain owns nothing.
+// `Entry` is CIDXNode or CIDXCell: it has `hashPrev` and `hashNext`. The chain owns nothing.
 //
 // Invariants: entries stand in the order of their appending; `head` and `tail` are both null or both set. An
 // entry that stands in no chain has both links null, so that taking it out twice is harmless.
@@ -27,13 +25,6 @@ struct HashChain {
     (entry->hashNext ? entry->hashNext->hashPrev : tail) = entry->hashPrev;
     entry->hashPrev = nullptr;
     entry->hashNext = nullptr;
-  }
-
-  // The first entry with this key, letter case ignored; null if there is none.
-  Entry* Find(const CIDXString& key) const {
-    Entry* entry = head;
-    while (entry && entry->info->key != key) entry = entry->hashNext;
-    return entry;
   }
 
   // Takes every entry out and hands it to `release`, which may delete it.

@@ -8,6 +8,7 @@
 #include "base/idx_string.h"
 #include "store/entries.h"
 #include "store/hash_chain.h"
+#include "store/key_table.h"
 #include "store/result_codes.h"
 #include "store/search_handle.h"
 
@@ -120,21 +121,27 @@ class CIndexData {
   void DeleteAllCells(std::int32_t tree);
 
   // Images: making, linking, walking.
-  CIDXNode* CreateNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
-                       std::uint8_t attribute);
-  std::int32_t LinkNodes(std::int32_t tree, const CIDXString& cellKey, CIDXNode* node, std::int32_t sorted);
-  static CIDXNode* InsertNode(std::int32_t tree, CIDXCell* cell, CIDXNode* node);
+  // SearchCell in the folder tree, for images that come folder by folder.
+  CIDXCell* SearchFolder(const CIDXString& key);
+  // A null cell leaves the image out of the tree's lists: it has no root.
+  CIDXNode* CreateNode(const HashedKey& key, CIDXCell* index, CIDXCell* folder, std::uint8_t attribute);
+  bool LinkNodes(std::int32_t tree, CIDXCell* cell, CIDXNode* node);
+  CIDXNode* InsertNode(CIDXCell* folder, CIDXNode* node);
   static void LinkNodesSub(std::int32_t tree, CIDXNode* before, CIDXNode* after, CIDXNode* node);
-  static CIDXNode* IsolateNode(CIDXNode* node);
-  static CIDXNode* ReleaseNode(std::int32_t tree, CIDXNode* node);
-  static void DropFromGroup(std::int32_t tree, CIDXNode* node);
+  CIDXNode* IsolateNode(CIDXNode* node);
+  CIDXNode* ReleaseNode(std::int32_t tree, CIDXNode* node);
+  // False once an index was moved: then groups may be out of order, and one index may have several.
+  bool AreGroupsOrdered() const;
+  // The last group of the folder that does not come after the index, its own if there is one; null if there is none.
+  CIDXSkipNode* GroupUpTo(const CIDXCell* folder, const CIDXCell* index) const;
+  void DropFromGroup(const CIDXNode* node);
   std::uint32_t RemoveNodeSub(CIDXNode* node, std::int32_t force);
   CIDXNode* FirstMatchFromCurrentCell(SearchHandle* handle, std::int32_t recursive) const;
   CIDXNode* GetNextNodeSub(SearchHandle* handle, std::int32_t recursive) const;
   static CIDXSkipNode* CreateSkipNode(CIDXNode* node);
   CIDXNode* SearchSkipNode(std::int32_t tree, const CIDXCell* cell, const CIDXCell* filter) const;
-  void HashNode(std::uint32_t hash, CIDXNode* node);
-  void ReleaseHashNode(std::uint32_t hash, CIDXNode* node);
+  void HashNode(const HashedKey& key, CIDXNode* node);
+  void ReleaseHashNode(CIDXNode* node);
 
   // Cells: making, linking, walking, order.
   CIDXCell* CreateCell(std::int32_t tree, CIDXCell* parent, const CIDXString& key, const CIDXString& name,
@@ -144,8 +151,8 @@ class CIndexData {
   static CIDXCell* ReleaseCell(CIDXCell* cell);
   std::uint32_t RemoveCellSub(std::int32_t tree, CIDXCell* cell, std::int32_t force);
   CIDXCell* GetNextCellSub(SearchHandle* handle, std::int32_t recursive) const;
-  void HashCell(std::int32_t tree, std::uint32_t hash, CIDXCell* cell);
-  void ReleaseHashCell(std::int32_t tree, std::uint32_t hash, CIDXCell* cell);
+  void HashCell(std::int32_t tree, const HashedKey& key, CIDXCell* cell);
+  void ReleaseHashCell(std::int32_t tree, CIDXCell* cell);
   std::int32_t IsParent(const CIDXCell* ancestor, const CIDXCell* cell) const;
   static std::int32_t CompareCell(std::int32_t tree, const CIDXCell* a, const CIDXCell* b);
   static std::int32_t CompareCellSub(const CIDXCell* a, const CIDXCell* b);
@@ -159,6 +166,10 @@ class CIndexData {
   // The cells that moves took out of the hash table, chained by the same links, so that they are deleted at
   // the end.
   HashChain<CIDXCell> movedCells[kTreeCount];
+  // What finds an entry of the hash table without a walk along its chain.
+  KeyTable<CIDXNode> nodeTable;
+  KeyTable<CIDXCell> cellTable[kTreeCount];
+  CIDXCell* recentFolder = nullptr;  // what SearchFolder found last, as long as it stands in the hash table
 };
 
 #endif  // CATALOGCORE_STORE_INDEX_DATA_H_

@@ -33,6 +33,7 @@ void CIndexData::DeleteAllNodes() {
   for (HashChain<CIDXNode>& chain : nodeHash) {
     chain.Clear([](CIDXNode* node) { delete node; });
   }
+  nodeTable.Clear();
 }
 
 void CIndexData::DeleteAllCells(std::int32_t tree) {
@@ -41,6 +42,8 @@ void CIndexData::DeleteAllCells(std::int32_t tree) {
     delete cell;
   };
   for (HashChain<CIDXCell>& chain : cellHash[tree]) chain.Clear(deleteCell);
+  cellTable[tree].Clear();
   movedCells[tree].Clear(deleteCell);
   root[tree] = nullptr;
+  recentFolder = nullptr;
 }

@@ -4,19 +4,32 @@
 #include "catalogcore.h"
 #include "store/index_data.h"
 
-CIDXNode* CIndexData::SearchNode(const CIDXString& key) const { return nodeHash[key.GetHashKey()].Find(key); }
+CIDXNode* CIndexData::SearchNode(const CIDXString& key) const { return nodeTable.Find(HashedKey(key)); }
 
 std::uint32_t CIndexData::AddNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
                                   std::uint8_t attribute) {
-  if (SearchNode(key)) return StoreImageExists;
+  const HashedKey hashed(key);
+  if (nodeTable.Find(hashed)) return StoreImageExists;
+  CIDXCell* const index = SearchCell(kIndexTree, indexKey);
+  if (!index) return StoreIndexNotFound;
   // An empty index key gets past this on purpose: it names the root, and the image is filed there.
-  if (NamesRoot(kIndexTree, indexKey)) return StoreInvalidKey;
-  if (!SearchCell(kIndexTree, indexKey)) return StoreIndexNotFound;
-  if (!IsValidKey(kFolderTree, folderKey) || std::strlen(key.Text()) > kMaxKeyBytes) return StoreInvalidKey;
-  const CIDXString noName;
-  const std::uint32_t result = AddCell(kFolderTree, folderKey, noName, 0);
-  if (result != StoreOk && result != StoreIndexExists) return result;
-  return CreateNode(key, indexKey, folderKey, attribute) ? StoreOk : StoreFailed;
+  if (index == root[kIndexTree] && indexKey.Length() != 0) return StoreInvalidKey;
+  if (hashed.size > kMaxKeyBytes) return StoreInvalidKey;
+  CIDXCell* folder = SearchFolder(folderKey);
+  if (!folder) {
+    const CIDXString noName;
+    const std::uint32_t result = AddCell(kFolderTree, folderKey, noName, 0);
+    if (result != StoreOk) return result;
+    folder = SearchCell(kFolderTree, folderKey);
+  }
+  return CreateNode(hashed, index, folder, attribute) ? StoreOk : StoreFailed;
+}
+
+CIDXCell* CIndexData::SearchFolder(const CIDXString& key) {
+  const bool isRecent =
+      recentFolder && key.Length() != 0 && std::strcmp(recentFolder->info->key.Text(), key.Text()) == 0;
+  if (!isRecent) recentFolder = SearchCell(kFolderTree, key);
+  return recentFolder;
 }
 
 std::uint32_t CIndexData::RemoveNode(const CIDXString& key, std::int32_t force) {

@@ -17,42 +17,52 @@ CIDXSkipNode* CIndexData::CreateSkipNode(CIDXNode* node) {
   return marker;
 }
 
-CIDXNode* CIndexData::InsertNode(std::int32_t tree, CIDXCell* cell, CIDXNode* node) {
-  const std::int32_t other = OtherTree(tree);
-  // Stop at the first group that comes after the image's own.
-  CIDXSkipNode* previous = nullptr;
-  CIDXSkipNode* following = cell->skipHead;
-  bool isInPrevious = false;
-  for (; following; previous = following, following = following->next) {
-    const std::int32_t order = CompareCell(other, following->node->cell[other], node->cell[other]);
-    if (order == 1) break;
-    isInPrevious = order == 0;
+bool CIndexData::AreGroupsOrdered() const { return !movedCells[kIndexTree].head; }
+
+CIDXSkipNode* CIndexData::GroupUpTo(const CIDXCell* folder, const CIDXCell* index) const {
+  if (AreGroupsOrdered()) {  // mostly the index's own group is there, and found without comparing indexes
+    for (CIDXSkipNode* group = folder->skipHead; group; group = group->next) {
+      if (group->node->cell[kIndexTree] == index) return group;
+    }
   }
-  if (!isInPrevious) {
+  CIDXSkipNode* last = nullptr;
+  for (CIDXSkipNode* group = folder->skipHead; group; last = group, group = group->next) {
+    if (CompareCell(kIndexTree, group->node->cell[kIndexTree], index) == 1) break;
+  }
+  return last;
+}
+
+CIDXNode* CIndexData::InsertNode(CIDXCell* folder, CIDXNode* node) {
+  CIDXSkipNode* const group = GroupUpTo(folder, node->cell[kIndexTree]);
+  CIDXSkipNode* const following = group ? group->next : folder->skipHead;
+  const bool isOwn = group && group->node->cell[kIndexTree] == node->cell[kIndexTree];
+  if (!isOwn) {
     CIDXSkipNode* const marker = CreateSkipNode(node);
     if (!marker) return nullptr;
     marker->next = following;
-    (previous ? previous->next : cell->skipHead) = marker;
+    (group ? group->next : folder->skipHead) = marker;
   }
   // Behind its group's last image, which is the one before the following group's first.
   if (following) {
-    LinkNodesSub(tree, following->node->prev[tree], following->node, node);
+    LinkNodesSub(kFolderTree, following->node->prev[kFolderTree], following->node, node);
   } else {
-    LinkNodesSub(tree, cell->lastNode, nullptr, node);
+    LinkNodesSub(kFolderTree, folder->lastNode, nullptr, node);
   }
   return node;
 }
 
-void CIndexData::DropFromGroup(std::int32_t tree, CIDXNode* node) {
-  const std::int32_t other = OtherTree(tree);
-  CIDXCell* const cell = node->cell[other];
-  if (!cell) return;
-  CIDXSkipNode** link = &cell->skipHead;
+void CIndexData::DropFromGroup(const CIDXNode* node) {
+  CIDXCell* const folder = node->cell[kFolderTree];
+  const CIDXCell* const index = node->cell[kIndexTree];
+  const CIDXNode* const before = node->prev[kFolderTree];
+  // Not the first of its group: no marker names it.
+  if (AreGroupsOrdered() && before && before->cell[kIndexTree] == index) return;
+  CIDXSkipNode** link = &folder->skipHead;
   while (*link && (*link)->node != node) link = &(*link)->next;
   CIDXSkipNode* const marker = *link;
   if (!marker) return;
-  CIDXNode* const successor = node->next[other];
-  const bool goesOn = successor && successor->cell[tree] == node->cell[tree];
+  CIDXNode* const successor = node->next[kFolderTree];
+  const bool goesOn = successor && successor->cell[kIndexTree] == index;
   // After a move of cells the run that follows may be of the same index and have a marker of its own.
   if (goesOn && !(marker->next && marker->next->node == successor)) {
     marker->node = successor;

@@ -1,5 +1,7 @@
 #include "bench/store/catalogues.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +15,16 @@ void Require(bool holds, const char* what) {
   if (holds) return;
   std::fprintf(stderr, "catalogcore_bench: %s failed\n", what);
   std::abort();
+}
+
+// What the heap has handed out, in its blocks' full size: the allocator's own words and rounding are paid for, too.
+double HeapBytes() {
+  const struct mallinfo2 info = mallinfo2();
+  return static_cast<double>(info.uordblks + info.hblkhd);
+}
+
+double BlockBytes(const char* text) {
+  return static_cast<double>(malloc_usable_size(const_cast<char*>(text)) + sizeof(std::size_t));
 }
 
 }  // namespace
@@ -39,6 +51,7 @@ StoreCatalogue::StoreCatalogue(Images& images) : images_(images) {
   store_.Initialize();
   const CIDXString name;
   for (const CIDXString& index : images_.indexKeys) store_.AddCell(kIndexTree, index, name, 0);
+  before_ = HeapBytes();
 }
 
 void StoreCatalogue::Add(int image) {
@@ -63,6 +76,12 @@ void StoreCatalogue::Remove(int image) {
   Require(store_.RemoveNode(images_.keys[static_cast<std::size_t>(image)], 0) == StoreOk, "RemoveNode");
 }
 
+double StoreCatalogue::Bytes() {
+  double bytes = HeapBytes() - before_;
+  for (const CIDXString& key : images_.keys) bytes -= BlockBytes(store_.SearchNode(key)->info->key.Text());
+  return bytes;
+}
+
 long StoreCatalogue::Walk(CIDXString& indexKey, CIDXString& folderKey) {
   SearchHandle handle{};
   long sum = 0;
@@ -81,6 +100,15 @@ long StoreCatalogue::WalkIndex(int index) {
 long StoreCatalogue::WalkFolder(std::size_t folder) {
   CIDXString noIndex;
   return Walk(noIndex, images_.folderKeys[folder]);
+}
+
+MapCatalogue::MapCatalogue(Images& images)
+    : images_(images), byIndex_(kIndexCount), byFolder_(images.folders.size()), before_(HeapBytes()) {}
+
+double MapCatalogue::Bytes() const {
+  double bytes = HeapBytes() - before_;
+  for (const auto& [path, filed] : map_) bytes -= BlockBytes(path.data());
+  return bytes;
 }
 
 void MapCatalogue::Add(int image) {

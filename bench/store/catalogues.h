@@ -35,6 +35,8 @@ class StoreCatalogue {
   bool Find(int image);
   void Move(int image, int index);
   void Remove(int image);
+  // The bytes of the heap that the catalogue takes for what was added, without the blocks of the paths' texts.
+  double Bytes();
   // Each walk returns a sum over what it read of the images: key lengths and attributes.
   long WalkIndex(int index);
   long WalkFolder(std::size_t folder);
@@ -44,14 +46,16 @@ class StoreCatalogue {
 
   Images& images_;
   CIndexData store_;
+  double before_ = 0;
 };
 
 // With a list of the images of each index and of each folder; it is asked only for what a map is good at.
 class MapCatalogue {
  public:
-  explicit MapCatalogue(Images& images) : images_(images), byIndex_(kIndexCount), byFolder_(images.folders.size()) {}
+  explicit MapCatalogue(Images& images);
   void Add(int image);
   bool Find(int image);
+  double Bytes() const;
 
  private:
   struct Filed {
@@ -63,6 +67,7 @@ class MapCatalogue {
   Images& images_;
   Map map_;
   std::vector<std::vector<Map::value_type*>> byIndex_, byFolder_;
+  double before_ = 0;
 };
 
 // One table with the path as its primary key and an index on category and on folder; prepared statements, one

@@ -1,5 +1,6 @@
 #include "bench/store/store_bench.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 
@@ -26,18 +27,59 @@ std::unique_ptr<Catalogue> Filled(Images& images) {
   return catalogue;
 }
 
+// How often a small catalogue is measured in one round: a moment's work is no measurement.
+int Repetitions(const Images& images) { return std::max(1, 200000 / images.count); }
+
+// The time of an operation that `all` does on each image, or on all of them in another order.
+template <typename All>
+double TimeEach(const Images& images, All all) {
+  const int repetitions = Repetitions(images);
+  return ThreadTime(static_cast<double>(images.count) * repetitions, [&] {
+    for (int repetition = 0; repetition < repetitions; ++repetition) all();
+  });
+}
+
+// The same for operations that change the catalogue: each repetition has a new one, which `prepare` makes.
+template <typename Prepare, typename All>
+double TimeEachOnNew(const Images& images, Prepare prepare, All all) {
+  const int repetitions = Repetitions(images);
+  double sum = 0;
+  for (int repetition = 0; repetition < repetitions; ++repetition) {
+    const auto catalogue = prepare();
+    sum += ThreadTime(images.count, [&] { all(*catalogue); });
+  }
+  return sum / repetitions;
+}
+
 template <typename Catalogue>
 double AddAll(Images& images) {
+  return TimeEachOnNew(
+      images, [&] { return std::make_unique<Catalogue>(images); },
+      [&](Catalogue& catalogue) {
+        for (int image = 0; image < images.count; ++image) catalogue.Add(image);
+      });
+}
+
+// The slowest of all additions: what a caller may have to wait for one.
+template <typename Catalogue>
+double WorstAdd(Images& images) {
   Catalogue catalogue(images);
-  return Time(images.count, [&] {
-    for (int image = 0; image < images.count; ++image) catalogue.Add(image);
-  });
+  double worst = 0;
+  for (int image = 0; image < images.count; ++image) {
+    worst = std::max(worst, ThreadTime(1, [&] { catalogue.Add(image); }));
+  }
+  return worst;
+}
+
+template <typename Catalogue>
+double BytesPerImage(Images& images) {
+  return Filled<Catalogue>(images)->Bytes() / images.count;
 }
 
 template <typename Catalogue>
 double FindAll(Images& images) {
   const auto catalogue = Filled<Catalogue>(images);
-  return Time(images.count, [&] {
+  return TimeEach(images, [&] {
     for (const int image : images.shuffled) {
       if (!catalogue->Find(image)) std::abort();
     }
@@ -46,24 +88,26 @@ double FindAll(Images& images) {
 
 template <typename Catalogue>
 double MoveAll(Images& images) {
-  const auto catalogue = Filled<Catalogue>(images);
-  return Time(images.count, [&] {
-    for (const int image : images.shuffled) catalogue->Move(image, (Images::IndexOf(image) + 1) % kIndexCount);
-  });
+  return TimeEachOnNew(
+      images, [&] { return Filled<Catalogue>(images); },
+      [&](Catalogue& catalogue) {
+        for (const int image : images.shuffled) catalogue.Move(image, (Images::IndexOf(image) + 1) % kIndexCount);
+      });
 }
 
 template <typename Catalogue>
 double RemoveAll(Images& images) {
-  const auto catalogue = Filled<Catalogue>(images);
-  return Time(images.count, [&] {
-    for (const int image : images.shuffled) catalogue->Remove(image);
-  });
+  return TimeEachOnNew(
+      images, [&] { return Filled<Catalogue>(images); },
+      [&](Catalogue& catalogue) {
+        for (const int image : images.shuffled) catalogue.Remove(image);
+      });
 }
 
 template <typename Catalogue>
 double WalkIndexes(Images& images) {
   const auto catalogue = Filled<Catalogue>(images);
-  return Time(images.count, [&] {
+  return TimeEach(images, [&] {
     for (int index = 0; index < kIndexCount; ++index) {
       if (catalogue->WalkIndex(index) == 0) std::abort();
     }
@@ -73,7 +117,7 @@ double WalkIndexes(Images& images) {
 template <typename Catalogue>
 double WalkFolders(Images& images) {
   const auto catalogue = Filled<Catalogue>(images);
-  return Time(images.count, [&] {
+  return TimeEach(images, [&] {
     for (std::size_t folder = 0; folder < images.folders.size(); ++folder) {
       if (catalogue->WalkFolder(folder) == 0) std::abort();
     }
@@ -83,18 +127,24 @@ double WalkFolders(Images& images) {
 }  // namespace
 
 void AddStoreRows() {
-  for (const int count : {10000, 100000}) {
+  std::vector<int> counts{10000, 100000, 1000000};
+  if (const char* const more = std::getenv("CATALOGCORE_BENCH_IMAGES")) counts.push_back(std::atoi(more));
+  for (const int count : counts) {
     const std::string suffix = "_" + std::to_string(count);
+    const int rounds = count > 100000 ? 3 : 9;
     const auto images = std::make_shared<SharedImages>();
     const auto round = [images, count](double (*measure)(Images&)) -> Round {
       return [images, count, measure] { return measure(*MakeImages(*images, count)); };
     };
-    const auto row = [&](const char* name, double (*ours)(Images&), const char* alternative, double (*other)(Images&)) {
-      AddRow(name + suffix, round(ours), alternative, round(other));
+    const auto row = [&](const char* name, double (*ours)(Images&), const char* alternative, double (*other)(Images&),
+                         const char* unit = "ns") {
+      AddRow(name + suffix, round(ours), alternative, round(other), rounds, unit);
     };
     row("lookup", FindAll<StoreCatalogue>, kMap, FindAll<MapCatalogue>);
     row("lookup_sqlite", FindAll<StoreCatalogue>, kSqlite, FindAll<SqliteCatalogue>);
     row("add", AddAll<StoreCatalogue>, kMap, AddAll<MapCatalogue>);
+    row("worst_add", WorstAdd<StoreCatalogue>, kMap, WorstAdd<MapCatalogue>);
+    row("memory", BytesPerImage<StoreCatalogue>, kMap, BytesPerImage<MapCatalogue>, "B");
     row("add_sqlite", AddAll<StoreCatalogue>, kSqlite, AddAll<SqliteCatalogue>);
     row("move", MoveAll<StoreCatalogue>, kSqlite, MoveAll<SqliteCatalogue>);
     row("remove", RemoveAll<StoreCatalogue>, kSqlite, RemoveAll<SqliteCatalogue>);

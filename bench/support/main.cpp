@@ -1,9 +1,11 @@
 // catalogcore_bench RATIOS.json [Google Benchmark's arguments]
 #include <cstdio>
+#include <string>
 
 #include "bench/engines/engines_bench.h"
 #include "bench/scene/reduce_bench.h"
 #include "bench/store/store_bench.h"
+#include "bench/support/plot.h"
 #include "bench/support/ratios.h"
 
 int main(int argc, char** argv) {
@@ -12,10 +14,19 @@ int main(int argc, char** argv) {
     return 2;
   }
   AddStoreRows();
+  AddKeyTableRows();
+  AddShapeRows();
   AddReduceRows();
   AddRecognizerRows();
   AddFaceRows();
   const char* const file = argv[1];
   argv[1] = argv[0];
-  return RunRows(argc - 1, argv + 1, file);
+  std::vector<Ratio> results;
+  const int status = RunRows(argc - 1, argv + 1, file, results);
+  if (status != 0) return status;
+  const std::string plot = std::string(file) + ".svg";
+  if (WritePlot(results, {"lookup", "add", "add_sqlite", "walk_index", "walk_folder", "move", "remove"}, plot))
+    return 0;
+  std::fprintf(stderr, "catalogcore_bench: cannot write %s\n", plot.c_str());
+  return 1;
 }

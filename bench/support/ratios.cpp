@@ -10,12 +10,9 @@
 
 namespace {
 
-struct Row {
-  std::string name, alternative;
-};
-
-std::vector<Row>& Rows() {
-  static std::vector<Row> rows;
+// The rows that were added; their medians are yet to come.
+std::vector<Ratio>& Rows() {
+  static std::vector<Ratio> rows;
   return rows;
 }
 
@@ -39,7 +36,7 @@ class KeepingReporter : public benchmark::BenchmarkReporter {
     for (const Run& run : runs) {
       if (run.aggregate_name != "median") continue;
       medians_[run.run_name.function_name] = run.GetAdjustedRealTime();
-      std::printf("  %-44s %12.1f ns\n", run.run_name.function_name.c_str(), run.GetAdjustedRealTime());
+      std::printf("  %-44s %14.1f\n", run.run_name.function_name.c_str(), run.GetAdjustedRealTime());
       std::fflush(stdout);
     }
   }
@@ -55,13 +52,14 @@ class KeepingReporter : public benchmark::BenchmarkReporter {
 
 }  // namespace
 
-void AddRow(const std::string& name, Round ours, const std::string& alternative, Round other, int rounds) {
-  Rows().push_back({name, alternative});
+void AddRow(const std::string& name, Round ours, const std::string& alternative, Round other, int rounds,
+            const std::string& unit) {
+  Rows().push_back({name, alternative, unit});
   Register(name + "/ours", std::move(ours), rounds);
   Register(name + "/" + alternative, std::move(other), rounds);
 }
 
-int RunRows(int argc, char** argv, const std::string& file) {
+int RunRows(int argc, char** argv, const std::string& file, std::vector<Ratio>& results) {
   std::vector<char*> arguments(argv, argv + argc);
   // In turn, so that what else the machine does weighs on both sides alike.
   char interleaved[] = "--benchmark_enable_random_interleaving=true";
@@ -73,15 +71,20 @@ int RunRows(int argc, char** argv, const std::string& file) {
   benchmark::RunSpecifiedBenchmarks(&reporter);
 
   nlohmann::json rows = nlohmann::json::array();
-  std::printf("\n%-26s | %14s | %14s %-18s | %s\n", "what", "ours (ns)", "(ns)", "alternative", "ratio");
-  for (const Row& row : Rows()) {
-    const double* const ours = reporter.Median(row.name + "/ours");
-    const double* const other = reporter.Median(row.name + "/" + row.alternative);
+  std::printf("\n%-28s | %16s | %16s %-18s | %s\n", "what", "ours", "", "alternative", "ratio");
+  for (const Ratio& added : Rows()) {
+    const double* const ours = reporter.Median(added.name + "/ours");
+    const double* const other = reporter.Median(added.name + "/" + added.alternative);
     if (!ours || !other) continue;
-    const double ratio = *ours / *other;
-    std::printf("%-26s | %14.1f | %14.1f %-18s | %.3f\n", row.name.c_str(), *ours, *other, row.alternative.c_str(),
-                ratio);
-    rows.push_back({{"name", row.name}, {"ours", *ours}, {"other", *other}, {"ratio", ratio}});
+    Ratio row = added;
+    row.ours = *ours;
+    row.other = *other;
+    const double ratio = row.ours / row.other;
+    std::printf("%-28s | %13.1f %-2s | %13.1f %-2s %-18s | %.3f\n", row.name.c_str(), row.ours, row.unit.c_str(),
+                row.other, row.unit.c_str(), row.alternative.c_str(), ratio);
+    rows.push_back(
+        {{"name", row.name}, {"unit", row.unit}, {"ours", row.ours}, {"other", row.other}, {"ratio", ratio}});
+    results.push_back(row);
   }
   std::ofstream out(file);
   out << rows.dump(2) << '\n';

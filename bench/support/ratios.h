@@ -2,21 +2,43 @@
 #ifndef CATALOGCORE_BENCH_SUPPORT_RATIOS_H_
 #define CATALOGCORE_BENCH_SUPPORT_RATIOS_H_
 
+#include <time.h>
+
 #include <chrono>
 #include <functional>
 #include <string>
+#include <vector>
 
 // One round of a measurement: does its work, preparations included, and returns the nanoseconds that one operation
-// took.
+// took, or what else the row's unit says.
 using Round = std::function<double()>;
 
-// Adds a row to the table of ratios. The rounds of both sides are run in turn, `rounds` of each; their medians count.
-void AddRow(const std::string& name, Round ours, const std::string& alternative, Round other, int rounds = 9);
+struct Ratio {
+  std::string name, alternative, unit;
+  double ours = 0, other = 0;  // medians
+};
 
-// Runs every row, prints them, and writes them to the file as a list of {"name","ours","other","ratio"}, times in
-// nanoseconds, ratio = ours / other. Arguments are Google Benchmark's; a filter picks rows by name. Returns the exit
-// status.
-int RunRows(int argc, char** argv, const std::string& file);
+// Adds a row to the table of ratios. The rounds of both sides are run in turn, `rounds` of each; their medians count.
+void AddRow(const std::string& name, Round ours, const std::string& alternative, Round other, int rounds = 9,
+            const std::string& unit = "ns");
+
+// Runs every row, prints them, and writes them to the file as a list of {"name","unit","ours","other","ratio"}, ratio =
+// ours / other. Arguments are Google Benchmark's; a filter picks rows by name. Returns the exit status and adds the rows
+// to `results`.
+int RunRows(int argc, char** argv, const std::string& file, std::vector<Ratio>& results);
+
+// The nanoseconds of this thread that `work` takes for each of `operations`: what else runs on the machine takes none.
+template <typename Work>
+double ThreadTime(double operations, Work work) {
+  const auto now = [] {
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1e9 + static_cast<double>(time.tv_nsec);
+  };
+  const double begin = now();
+  work();
+  return (now() - begin) / operations;
+}
 
 // The nanoseconds that `work` takes for each of `operations`.
 template <typename Work>

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
+#include <strings.h>
 
 #include <limits>
+#include <random>
 #include <string>
 #include <type_traits>
 
@@ -75,6 +77,26 @@ TEST(IdxString, HashTellsCasesApartAndEqualityDoesNot) {
   EXPECT_TRUE(areEqual(nullptr, ""));
   EXPECT_FALSE(areEqual("[", "{"));  // these two differ as the cases of a letter do
   EXPECT_FALSE(areEqual("\xC3\xA4", "\xC3\x84"));
+}
+
+TEST(IdxString, HashAndEqualityAreThoseOfSingleBytes) {
+  std::mt19937 random(1);
+  const char near[] = "@AZ[`az{\x7F\x80\xC1\xDA\xE1\xFA\xFF/";
+  for (int size = 0; size < 70; ++size) {
+    for (int round = 0; round < 50; ++round) {
+      std::string a, b;
+      for (int i = 0; i < size; ++i) a += near[random() % 16];
+      b = a;
+      if (size > 0) b[random() % a.size()] ^= static_cast<char>(round % 2 ? 0x20 : 0x80);
+      std::uint32_t hash = 0;
+      for (const char c : a) hash = hash * 137 + static_cast<std::uint32_t>(static_cast<signed char>(c));
+      CIDXString left, right;
+      left.CopyString(a.c_str());
+      right.CopyString(b.c_str());
+      EXPECT_EQ(left.GetHashKey(), hash % 1987) << a;
+      EXPECT_EQ(left == right, strcasecmp(a.c_str(), b.c_str()) == 0) << a << " " << b;  // in the C locale
+    }
+  }
 }
 
 TEST(IdxBuffer, AppendsOverTheTerminatorOfTheLastAppend) {

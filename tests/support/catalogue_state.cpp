@@ -34,12 +34,16 @@ void ForEachCell(const CIndexData& store, int tree, Visit visit) {
 }
 
 template <typename Entry>
-std::string BrokenChain(const HashChain<Entry>& chain, std::uint32_t bucket, std::set<const Entry*>& chained) {
+std::string BrokenChain(const HashChain<Entry>& chain, const KeyTable<Entry>& table, std::uint32_t bucket,
+                        std::set<const Entry*>& chained) {
   const Entry* before = nullptr;
   for (const Entry* entry = chain.head; entry; before = entry, entry = entry->hashNext) {
     if (entry->hashPrev != before) return "chain link back from " + KeyOf(entry);
     if (entry->info->key.GetHashKey() != bucket) return "wrong bucket of " + KeyOf(entry);
     if (!chained.insert(entry).second) return "twice in the table: " + KeyOf(entry);
+    const Entry* first = chain.head;
+    while (first->info->key != entry->info->key) first = first->hashNext;
+    if (table.Find(HashedKey(entry->info->key)) != first) return "key table at " + KeyOf(entry);
   }
   return chain.tail == before ? "" : "end of chain " + std::to_string(bucket);
 }
@@ -99,9 +103,9 @@ std::string BrokenInvariant(const CIndexData& store) {
   std::set<const CIDXNode*> chainedImages;
   std::set<const CIDXCell*> chainedCells;
   for (std::uint32_t bucket = 0; bucket < CIDXString::kBucketCount; ++bucket) {
-    std::string broken = BrokenChain(inspector.ImageChain(bucket), bucket, chainedImages);
+    std::string broken = BrokenChain(inspector.ImageChain(bucket), inspector.ImageTable(), bucket, chainedImages);
     for (int tree = 0; tree < kTreeCount && broken.empty(); ++tree) {
-      broken = BrokenChain(inspector.CellChain(tree, bucket), bucket, chainedCells);
+      broken = BrokenChain(inspector.CellChain(tree, bucket), inspector.CellTable(tree), bucket, chainedCells);
     }
     if (!broken.empty()) return broken;
   }
@@ -124,7 +128,10 @@ std::string BrokenInvariant(const CIndexData& store) {
     if (broken.empty() && filed != chainedImages) broken = "images filed and images in the table differ";
     if (!broken.empty()) return broken;
   }
-  return inTable == chainedCells.size() ? "" : "a cell in the table is in no tree";
+  if (inTable != chainedCells.size()) return "a cell in the table is in no tree";
+  if (inspector.ImageTable().Count() != chainedImages.size()) return "count of the images' key table";
+  const std::uint64_t cells = inspector.CellTable(kIndexTree).Count() + inspector.CellTable(kFolderTree).Count();
+  return cells == chainedCells.size() ? "" : "count of the cells' key tables";
 }
 
 std::ostream& operator<<(std::ostream& out, const CatalogueState& state) {

@@ -13,6 +13,8 @@ class StoreInspector {
   const CIDXCell* Root(int tree) const { return store_.root[tree]; }
   const HashChain<CIDXNode>& ImageChain(std::uint32_t bucket) const { return store_.nodeHash[bucket]; }
   const HashChain<CIDXCell>& CellChain(int tree, std::uint32_t bucket) const { return store_.cellHash[tree][bucket]; }
+  const KeyTable<CIDXNode>& ImageTable() const { return store_.nodeTable; }
+  const KeyTable<CIDXCell>& CellTable(int tree) const { return store_.cellTable[tree]; }
   const HashChain<CIDXCell>& MovedCells(int tree) const { return store_.movedCells[tree]; }
 
   static int Compare(const CIDXCell* a, const CIDXCell* b) { return CIndexData::CompareCell(kIndexTree, a, b); }

@@ -1,0 +1,126 @@
+#include <algorithm>
+#include <cstdlib>
+#include <deque>
+#include <memory>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "bench/store/store_bench.h"
+#include "bench/support/ratios.h"
+#include "store/index_data.h"
+
+namespace {
+
+// Where image number `image` of a catalogue of one shape is filed.
+struct Shape {
+  const char* name;
+  int images;
+  int indexes;
+  std::string (*folder)(int image);
+};
+
+std::string OneFolder(int) { return "/home/user/Pictures"; }
+std::string FolderOf3000(int image) { return "/home/user/Pictures/" + std::to_string(image / 3000); }
+std::string FolderOfItsOwn(int image) { return "/home/user/Pictures/" + std::to_string(image); }
+std::string OneOf50Levels(int image) {
+  std::string folder;
+  for (int level = 0; level <= image % 50; ++level) folder += "/level-" + std::to_string(level);
+  return folder;
+}
+
+class Catalogue {
+ public:
+  Catalogue(const Shape& shape, int count) : order_(static_cast<std::size_t>(count)) {
+    for (int image = 0; image < count; ++image) {
+      const std::string folder = shape.folder(image);
+      folders_.emplace_back().CopyString(folder.c_str());
+      keys_.emplace_back().CopyString((folder + "/IMG_" + std::to_string(image) + ".jpg").c_str());
+    }
+    store_.Initialize();
+    const CIDXString name;
+    for (int index = 0; index < shape.indexes + 1; ++index) {  // one more than is used, to move to
+      indexes_.emplace_back().CopyString(("1/" + std::to_string(10 + index)).c_str());
+      store_.AddCell(kIndexTree, indexes_.back(), name, 0);
+    }
+    std::iota(order_.begin(), order_.end(), std::size_t{0});
+    std::shuffle(order_.begin(), order_.end(), std::mt19937(1));
+  }
+
+  void Add() {
+    const std::size_t used = indexes_.size() - 1;
+    for (std::size_t i = 0; i < keys_.size(); ++i)
+      Require(store_.AddNode(keys_[i], indexes_[i % used], folders_[i], 0));
+  }
+  void AddAgain() {
+    for (const std::size_t i : order_) {
+      if (store_.AddNode(keys_[i], indexes_[0], folders_[i], 0) != StoreImageExists) std::abort();
+    }
+  }
+  void Move() {
+    for (const std::size_t i : order_) Require(store_.MoveNode(kIndexTree, keys_[i], indexes_.back(), 0));
+  }
+  void Remove() {
+    for (const std::size_t i : order_) Require(store_.RemoveNode(keys_[i], 0));
+  }
+  void Walk() {
+    SearchHandle handle{};
+    CIDXString everything, root;
+    root.CopyString("/");
+    std::size_t count = 0;
+    for (const CIDXNode* node = store_.GetFirstNode(&handle, everything, root, 1); node;
+         node = store_.GetNextNode(&handle, 1)) {
+      ++count;
+    }
+    if (count != keys_.size()) std::abort();
+  }
+  // With all their images, the deepest first.
+  void RemoveFolders() {
+    for (std::size_t i = folders_.size(); i-- > 0;) {
+      const std::uint32_t result = store_.RemoveCell(kFolderTree, folders_[i], 0);
+      if (result != StoreOk && result != StoreIndexNotFound) std::abort();
+    }
+  }
+
+ private:
+  static void Require(std::uint32_t result) {
+    if (result != StoreOk) std::abort();
+  }
+
+  std::deque<CIDXString> keys_, folders_, indexes_;
+  std::vector<std::size_t> order_;
+  CIndexData store_;
+};
+
+Round Measure(const Shape& shape, int count, void (Catalogue::*operation)()) {
+  return [shape, count, operation] {
+    Catalogue catalogue(shape, count);
+    if (operation != &Catalogue::Add) catalogue.Add();
+    return ThreadTime(count, [&] { (catalogue.*operation)(); });
+  };
+}
+
+}  // namespace
+
+void AddShapeRows() {
+  const bool wantsMore = std::getenv("CATALOGCORE_BENCH_IMAGES") != nullptr;
+  const int many = wantsMore ? 3000000 : 300000;
+  const Shape shapes[] = {{"one_folder", many, 20, OneFolder},
+                          {"one_index", many, 1, FolderOf3000},
+                          {"own_folders", 100000, 20, FolderOfItsOwn},
+                          {"deep_folders", many, 20, OneOf50Levels}};
+  const struct {
+    const char* name;
+    void (Catalogue::*operation)();
+  } operations[] = {{"add", &Catalogue::Add},   {"add_again", &Catalogue::AddAgain},
+                    {"move", &Catalogue::Move}, {"remove", &Catalogue::Remove},
+                    {"walk", &Catalogue::Walk}, {"remove_folders", &Catalogue::RemoveFolders}};
+  for (const Shape& shape : shapes) {
+    for (const auto& [name, operation] : operations) {
+      AddRow(std::string(shape.name) + "_" + name + "_" + std::to_string(shape.images),
+             Measure(shape, shape.images, operation), "a tenth as many", Measure(shape, shape.images / 10, operation),
+             3);
+    }
+  }
+}

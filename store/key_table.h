@@ -1,0 +1,132 @@
+// The table that finds an entry by its key at once, however many there are.
+#ifndef CATALOGCORE_STORE_KEY_TABLE_H_
+#define CATALOGCORE_STORE_KEY_TABLE_H_
+
+#include <algorithm>
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "store/hashed_key.h"
+
+// `Entry` is CIDXNode or CIDXCell: it has `tableNext`, and an `info` with what HashedKey looks at, which
+// does not change while the entry stands in the table. The table owns no entry.
+//
+// Linear hashing (W. Litwin, 1980): entries with the same slot are linked, and the table grows by one slot at a time,
+// which takes its entries from the one slot that shared them. So no insertion waits for all entries to be moved, and
+// none fails: where there is no memory for more slots, the links get longer.
+//
+// Invariants: slots 0 to slotCount - 1 are in use, kFirstSlots of them always; an entry stands in SlotOf its hash, behind
+// those with the same key that were inserted before.
+template <typename Entry>
+class KeyTable {
+ public:
+  KeyTable() = default;
+  ~KeyTable() { Clear(); }
+  KeyTable(const KeyTable&) = delete;
+  KeyTable& operator=(const KeyTable&) = delete;
+
+  void Insert(Entry* entry) {
+    Append(Slot(SlotOf(entry->info->keyHash)), entry);
+    ++count;
+    while (count > slotCount + slotCount / 4 && Split()) {
+    }
+  }
+
+  // An entry that does not stand in the table is left alone.
+  void Remove(Entry* entry) {
+    Entry** link = Slot(SlotOf(entry->info->keyHash));
+    while (*link && *link != entry) link = &(*link)->tableNext;
+    if (!*link) return;
+    *link = entry->tableNext;
+    entry->tableNext = nullptr;
+    --count;
+  }
+
+  // The entry with this key that was inserted first; null if there is none.
+  Entry* Find(const HashedKey& key) const {
+    Entry* entry = *Slot(SlotOf(key.hash));
+    while (entry && !key.IsKeyOf(*entry->info)) entry = entry->tableNext;
+    return entry;
+  }
+
+  std::uint64_t Count() const { return count; }
+
+  // Forgets all entries, which may be gone already, and gives back the memory.
+  void Clear() {
+    for (Entry**& segment : segments) {
+      if (segment != firstSlots) std::free(segment);
+      segment = nullptr;
+    }
+    segments[0] = firstSlots;
+    std::fill_n(firstSlots, kFirstSlots, nullptr);
+    slotCount = kFirstSlots;
+    count = 0;
+  }
+
+ private:
+  static constexpr int kFirstBits = 4;
+  static constexpr std::uint64_t kFirstSlots = std::uint64_t{1} << kFirstBits;
+  static constexpr std::uint64_t kSplitsAhead = 4;
+  static constexpr std::uint64_t kMaxSlots = std::uint64_t{1} << 32;  // as many as there are hashes
+
+  // The low bits of the hash, as many as number all slots; one less where that slot is yet to come.
+  std::uint64_t SlotOf(std::uint32_t hash) const {
+    const std::uint64_t half = std::bit_floor(slotCount);
+    const std::uint64_t slot = hash & (2 * half - 1);
+    return slot < slotCount ? slot : slot - half;
+  }
+
+  // Segment 0 holds the first slots, segment i as many as all before it: those whose number has i + kFirstBits
+  // significant bits.
+  static std::size_t SegmentOf(std::uint64_t slot) {
+    return slot < kFirstSlots ? 0 : static_cast<std::size_t>(std::bit_width(slot)) - kFirstBits;
+  }
+
+  Entry** Slot(std::uint64_t slot) const {
+    return segments[SegmentOf(slot)] + (slot < kFirstSlots ? slot : slot - std::bit_floor(slot));
+  }
+
+  static void Append(Entry** slot, Entry* entry) {
+    while (*slot) slot = &(*slot)->tableNext;
+    *slot = entry;
+    entry->tableNext = nullptr;
+  }
+
+  // Adds one slot; false if there is no memory for it.
+  bool Split() {
+    const std::uint64_t half = std::bit_floor(slotCount);
+    if (slotCount == kMaxSlots || (slotCount == half && !AddSegment(half))) return false;
+    const std::uint64_t source = slotCount - half;
+    // The slots come in turn, so what later splits will look at is on its way by then.
+    if (const Entry* const later = *Slot(source + kSplitsAhead)) __builtin_prefetch(&later->tableNext);
+    Entry** from = Slot(source);
+    Entry** to = Slot(slotCount);
+    while (Entry* const entry = *from) {
+      const bool moves = (entry->info->keyHash & half) != 0;
+      Entry**& end = moves ? to : from;
+      if (moves) {
+        *from = entry->tableNext;
+        *to = entry;
+        entry->tableNext = nullptr;
+      }
+      end = &entry->tableNext;
+    }
+    ++slotCount;
+    return true;
+  }
+
+  bool AddSegment(std::uint64_t slots) {
+    auto* const segment = static_cast<Entry**>(std::calloc(static_cast<std::size_t>(slots), sizeof(Entry*)));
+    segments[SegmentOf(slots)] = segment;
+    return segment != nullptr;
+  }
+
+  Entry* firstSlots[kFirstSlots] = {};
+  Entry** segments[33 - kFirstBits] = {firstSlots};
+  std::uint64_t slotCount = kFirstSlots;
+  std::uint64_t count = 0;
+};
+
+#endif  // CATALOGCORE_STORE_KEY_TABLE_H_
