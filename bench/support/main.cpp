@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "bench/engines/engines_bench.h"
+#include "bench/persist/files_bench.h"
 #include "bench/scene/reduce_bench.h"
 #include "bench/store/store_bench.h"
 #include "bench/support/ratios.h"
@@ -12,6 +13,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   AddStoreRows();
+  AddFileRows();
   AddReduceRows();
   AddRecognizerRows();
   AddFaceRows();
