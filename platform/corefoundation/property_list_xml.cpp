@@ -188,7 +188,7 @@ CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef, CFDataRef xml,
   if (error) *error = nullptr;
   if (!xml) return nullptr;
   try {
-    return ReadXml(WithoutFinalZero(xml->bytes.view()), mutability != kCFPropertyListImmutable, error).release();
+    return ReadXml(WithoutFinalZero(xml->bytes), mutability != kCFPropertyListImmutable, error).release();
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
