@@ -175,7 +175,7 @@ class Bed {
 void AddFileRows() {
   static std::map<int, Bed> beds;  // by size, made on first use: a filter may leave a row out
   std::vector<int> counts = {10000, 100000, 1000000};
-  if (std::getenv("CATALOGCORE_BENCH_LARGE")) counts.push_back(7000000);
+  if (const char* const more = std::getenv("CATALOGCORE_BENCH_IMAGES")) counts.push_back(std::atoi(more));
   for (const int count : counts) {
     const auto round = [count](double (Bed::*measure)()) -> Round {
       return [count, measure] { return (beds.try_emplace(count, count).first->second.*measure)(); };

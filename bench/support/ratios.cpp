@@ -72,7 +72,8 @@ int RunRows(int argc, char** argv, const std::string& file) {
   KeepingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
 
-  nlohmann::json rows = nlohmann::json::array();
+  nlohmann::json rows = nlohmann::json::parse(std::ifstream(file), nullptr, false);
+  if (!rows.is_array()) rows = nlohmann::json::array();
   std::printf("\n%-26s | %14s | %14s %-18s | %s\n", "what", "ours (ns)", "(ns)", "alternative", "ratio");
   for (const Row& row : Rows()) {
     const double* const ours = reporter.Median(row.name + "/ours");

@@ -13,7 +13,7 @@ using Round = std::function<double()>;
 // Adds a row to the table of ratios. The rounds of both sides are run in turn, `rounds` of each; their medians count.
 void AddRow(const std::string& name, Round ours, const std::string& alternative, Round other, int rounds = 9);
 
-// Runs every row, prints them, and writes them to the file as a list of {"name","ours","other","ratio"}, times in
+// Runs every row, prints them, and adds them to the file, a list of {"name","ours","other","ratio"}, times in
 // nanoseconds, ratio = ours / other. Arguments are Google Benchmark's; a filter picks rows by name. Returns the exit
 // status.
 int RunRows(int argc, char** argv, const std::string& file);
