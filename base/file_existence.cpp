@@ -8,18 +8,14 @@
 
 #include "base/cf_reference.h"
 
-namespace {
-
-// Whether the system call takes the path as it stands: whole from the root, and no text that might not be UTF-8.
-bool IsPlain(const char* path) {
-  const char* const end = path + std::strlen(path);
-  return *path == '/' && std::all_of(path, end, [](char c) { return (c & 0x80) == 0; });
+bool IsUtf8(const char* text) {
+  const bool isAscii = std::all_of(text, text + std::strlen(text), [](char c) { return (c & 0x80) == 0; });
+  return isAscii || CFReference<CFStringRef>(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8));
 }
 
-}  // namespace
-
 int IsFileExistAPI(const char* path) {
-  if (path && IsPlain(path)) return access(path, F_OK) == 0 ? 1 : 0;
+  // From the root on, the system takes the path as it stands.
+  if (path && *path == '/') return IsUtf8(path) && access(path, F_OK) == 0 ? 1 : 0;
   const CFReference<CFStringRef> text(CFStringCreateWithCString(kCFAllocatorDefault, path, kCFStringEncodingUTF8));
   if (!text) return 0;
   const CFReference<CFURLRef> url(

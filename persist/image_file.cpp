@@ -3,9 +3,9 @@
 
 #include "api/catalogue.h"
 #include "api/file_path.h"
-#include "base/file_existence.h"
 #include "base/region_guard.h"
 #include "persist/catalogue_file.h"
+#include "persist/existing_files.h"
 #include "persist/payload.h"
 
 IDXSTATUS GetImageData(CIDXBuffer& payload) {
@@ -31,13 +31,14 @@ IDXSTATUS IDXLoadImageFile(IDXSTR name) {
     PayloadReader reader(TextOf(payload.get()));
     if (!IsValidVersion(reader.VersionLine())) return IDXERR_VERSION;
     const RegionGuard region(idData->CriticalRegion());
+    ExistingFiles existing;
     CIDXString indexKey;
     CIDXString imageKey;
     CIDXString folderKey;
     for (PayloadRecord record{}; reader.NextRecord(record);) {
       if (record.last.size() >= PATH_MAX) continue;  // names no file
       if (!CopyField(imageKey, record.last)) return IDXERR_MEMORY;
-      if (!IsFileExistAPI(imageKey.Text())) continue;
+      if (!existing.Has(imageKey.Text())) continue;
       if (!CopyField(indexKey, record.first)) return IDXERR_MEMORY;
       if (!ExtractFilePath(folderKey, imageKey)) continue;
       idData->AddNode(imageKey, indexKey, folderKey, record.attribute);  // what the store refuses is skipped

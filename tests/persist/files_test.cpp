@@ -13,7 +13,9 @@
 #include <limits>
 
 #include "api/catalogue.h"
+#include "base/file_existence.h"
 #include "persist/catalogue_file.h"
+#include "persist/existing_files.h"
 #include "persist/payload.h"
 #include "persist/property_file.h"
 #include "tests/api/item.h"
@@ -195,6 +197,25 @@ TEST_F(FilesTest, RecordsAreCutAsTheyStand) {
     for (const CellState& cell : AddedIndexes())
       found.push_back(cell.key + "=" + cell.name + "=" + std::to_string(cell.attribute));
     EXPECT_EQ(found, added);
+  }
+}
+
+TEST_F(FilesTest, ExistingFilesAreFoundAsTheyAreOneByOne) {
+  fs::create_directories(folder_ / "a/inner");
+  fs::create_directory_symlink("a", folder_ / "link");
+  for (const char* name : {"x", "a/x", "a/\xC3\xA4", "a/\xFF", "a/inner/x"}) std::ofstream(folder_ / name) << "x";
+  fs::create_symlink("nowhere", folder_ / "a/dangling");
+  ExistingFiles existing;
+  int count = 0;
+  for (const char* name : {"/x", "/a/x", "/a/x", "/a/y", "/a/dangling", "/a/\xC3\xA4", "/a/\xFF", "/a", "/a/", "/a/x/",
+                           "/a/.", "/a/inner/../x", "/link/x", "/link/inner/x", "/gone/x", "/gone/y", "/x/y", ""}) {
+    const bool isThere = existing.Has((folder_.string() + name).c_str());
+    EXPECT_EQ(isThere, IsFileExistAPI((folder_.string() + name).c_str()) == 1) << name;
+    count += isThere;
+  }
+  EXPECT_EQ(count, 11);
+  for (const char* path : {"/", "/tmp", "x", "", "relative/x"}) {
+    EXPECT_EQ(existing.Has(path), IsFileExistAPI(path) == 1) << path;
   }
 }
 
