@@ -1,12 +1,12 @@
 #include "api/file_path.h"
 
+#include <cstring>
+
 int ExtractFilePath(CIDXString& folder, const CIDXString& file) {
-  CIDXString path;
-  path.CopyString(file.Text(), -1);
-  if (!path.ConvertASCIIToUTF8()) return 0;
-  const std::int32_t slash = path.SearchReverse('/', -1);
-  if (slash < 0) return 0;
-  return folder.CopyString(path.Text(), slash) < 0 ? 0 : 1;
+  const char* const path = file.Text();
+  const char* const slash = std::strrchr(path, '/');
+  if (!slash) return 0;
+  return folder.CopyString(path, static_cast<int>(slash - path)) < 0 ? 0 : 1;
 }
 
 int NormFilePathKey(CIDXString& key) {

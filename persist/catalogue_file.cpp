@@ -25,18 +25,15 @@ IDXSTATUS MakeURL(IDXSTR name, CFReference<CFURLRef>& url) {
   return url ? IDX_OK : IDXERR_FAILED;
 }
 
-IDXSTATUS LoadBuffer(IDXSTR name, CFStringRef key, char*& payload) {
-  CFReference<CFURLRef> url;
-  const IDXSTATUS status = MakeURL(name, url);
+IDXSTATUS LoadBuffer(IDXSTR name, CFStringRef key, char*& buffer) {
+  CFReference<CFDataRef> payload;
+  const IDXSTATUS status = LoadPayload(name, key, payload);
   if (status != IDX_OK) return status;
-  CFReference<CFDataRef> value;
-  if (!ReadPropertyValue(url.get(), key, value)) return IDXERR_FAILED;
-  if (!value || CFDataGetLength(value.get()) == 0) return IDXERR_NODATA;
-  const auto size = static_cast<std::size_t>(CFDataGetLength(value.get()));
-  payload = static_cast<char*>(std::malloc(size + 1));
-  if (!payload) return IDXERR_MEMORY;
-  std::memcpy(payload, CFDataGetBytePtr(value.get()), size);
-  payload[size] = 0;
+  const std::string_view text = TextOf(payload.get());
+  buffer = static_cast<char*>(std::malloc(text.size() + 1));
+  if (!buffer) return IDXERR_MEMORY;
+  std::memcpy(buffer, text.data(), text.size());
+  buffer[text.size()] = 0;
   return IDX_OK;
 }
 
@@ -48,6 +45,14 @@ char* LoadBuffer(IDXSTR name, CFStringRef key, std::int32_t* status) {
 }
 
 }  // namespace
+
+IDXSTATUS LoadPayload(IDXSTR name, CFStringRef key, CFReference<CFDataRef>& payload) {
+  CFReference<CFURLRef> url;
+  const IDXSTATUS status = MakeURL(name, url);
+  if (status != IDX_OK) return status;
+  if (!ReadPropertyValue(url.get(), key, payload)) return IDXERR_FAILED;
+  return payload && CFDataGetLength(payload.get()) > 0 ? IDX_OK : IDXERR_NODATA;
+}
 
 char* LoadIndexBuffer(IDXSTR name, std::int32_t* status) { return LoadBuffer(name, CATALOGCORE_INDEX_KEY, status); }
 

@@ -2,7 +2,9 @@
 #ifndef CATALOGCORE_PERSIST_CATALOGUE_FILE_H_
 #define CATALOGCORE_PERSIST_CATALOGUE_FILE_H_
 
+#include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 #include "base/cf_reference.h"
 #include "base/idx_buffer.h"
@@ -12,9 +14,18 @@
 #define CATALOGCORE_INDEX_KEY CFSTR("IDXIndex")
 #define CATALOGCORE_IMAGE_KEY CFSTR("IDXImage")
 
-// A zero-terminated copy of the payload of the file of that name in the base directory, to be released with free().
-// Null, with `*status` (if not null): IDXERR_PARAM without a name; IDXERR_FAILED when the name makes no path or the
-// file cannot be read; IDXERR_NODATA when the file, its payload or the payload's text is not there; IDXERR_MEMORY.
+// Sets `payload` to that of the file of that name in the base directory, as the file holds it. IDXERR_PARAM without a
+// name; IDXERR_FAILED when the name makes no path or the file cannot be read; IDXERR_NODATA when the file, its payload
+// or the payload's text is not there; IDXERR_MEMORY.
+IDXSTATUS LoadPayload(IDXSTR name, CFStringRef key, CFReference<CFDataRef>& payload);
+
+// A payload's text, which may go on behind its terminator.
+inline std::string_view TextOf(CFDataRef payload) {
+  return {reinterpret_cast<const char*>(CFDataGetBytePtr(payload)), static_cast<std::size_t>(CFDataGetLength(payload))};
+}
+
+// A zero-terminated copy of the payload, to be released with free(). Null, with its status in `*status` (if not null), where
+// LoadPayload fails or there is no memory for the copy.
 char* LoadIndexBuffer(IDXSTR name, std::int32_t* status);
 char* LoadImageBuffer(IDXSTR name, std::int32_t* status);
 

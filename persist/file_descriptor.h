@@ -11,6 +11,11 @@ class FileDescriptor {
   ~FileDescriptor() { Close(); }
   FileDescriptor(const FileDescriptor&) = delete;
   FileDescriptor& operator=(const FileDescriptor&) = delete;
+  // Closes what it had.
+  void Open(int descriptor) {
+    Close();
+    descriptor_ = descriptor;
+  }
 
   bool IsOpen() const { return descriptor_ >= 0; }
   int Get() const { return descriptor_; }

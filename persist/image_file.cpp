@@ -1,10 +1,11 @@
 // The file of the images: index key, attribute and path of each.
+#include <limits.h>
+
 #include "api/catalogue.h"
 #include "api/file_path.h"
-#include "base/file_existence.h"
-#include "base/heap_block.h"
 #include "base/region_guard.h"
 #include "persist/catalogue_file.h"
+#include "persist/existing_files.h"
 #include "persist/payload.h"
 
 IDXSTATUS GetImageData(CIDXBuffer& payload) {
@@ -24,18 +25,21 @@ IDXSTATUS GetImageData(CIDXBuffer& payload) {
 
 IDXSTATUS IDXLoadImageFile(IDXSTR name) {
   return CatalogueCall(name, [name]() -> IDXSTATUS {
-    std::int32_t status = IDX_OK;
-    const HeapBlock<char> payload(LoadImageBuffer(name, &status));
-    if (status != IDX_OK) return static_cast<IDXSTATUS>(status);
-    PayloadReader reader(payload.get());
+    CFReference<CFDataRef> payload;
+    const IDXSTATUS status = LoadPayload(name, CATALOGCORE_IMAGE_KEY, payload);
+    if (status != IDX_OK) return status;
+    PayloadReader reader(TextOf(payload.get()));
     if (!IsValidVersion(reader.VersionLine())) return IDXERR_VERSION;
     const RegionGuard region(idData->CriticalRegion());
+    ExistingFiles existing;
     CIDXString indexKey;
     CIDXString imageKey;
     CIDXString folderKey;
     for (PayloadRecord record{}; reader.NextRecord(record);) {
-      if (!IsFileExistAPI(record.last)) continue;
-      if (indexKey.CopyString(record.first) < 0 || imageKey.CopyString(record.last) < 0) return IDXERR_MEMORY;
+      if (record.last.size() >= PATH_MAX) continue;  // names no file
+      if (!CopyField(imageKey, record.last)) return IDXERR_MEMORY;
+      if (!existing.Has(imageKey.Text())) continue;
+      if (!CopyField(indexKey, record.first)) return IDXERR_MEMORY;
       if (!ExtractFilePath(folderKey, imageKey)) continue;
       idData->AddNode(imageKey, indexKey, folderKey, record.attribute);  // what the store refuses is skipped
     }

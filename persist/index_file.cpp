@@ -1,6 +1,5 @@
 // The file of the indexes: key, attribute and name of each.
 #include "api/catalogue.h"
-#include "base/heap_block.h"
 #include "base/region_guard.h"
 #include "persist/catalogue_file.h"
 #include "persist/payload.h"
@@ -29,18 +28,18 @@ IDXSTATUS GetIndexData(CIDXBuffer& payload) {
 
 IDXSTATUS IDXLoadIndexFile(IDXSTR name) {
   return CatalogueCall(name, [name]() -> IDXSTATUS {
-    std::int32_t status = IDX_OK;
-    const HeapBlock<char> payload(LoadIndexBuffer(name, &status));
-    if (status != IDX_OK) return static_cast<IDXSTATUS>(status);
-    PayloadReader reader(payload.get());
-    const char* const version = reader.VersionLine();
-    if (!version) return IDXERR_EMPTY;
+    CFReference<CFDataRef> payload;
+    const IDXSTATUS status = LoadPayload(name, CATALOGCORE_INDEX_KEY, payload);
+    if (status != IDX_OK) return status;
+    PayloadReader reader(TextOf(payload.get()));
+    const std::string_view version = reader.VersionLine();
+    if (version.empty()) return IDXERR_EMPTY;
     if (!IsValidVersion(version)) return IDXERR_VERSION;
     const RegionGuard region(idData->CriticalRegion());
     CIDXString key;
     CIDXString display;
     for (PayloadRecord record{}; reader.NextRecord(record);) {
-      if (key.CopyString(record.first) < 0 || display.CopyString(record.last) < 0) return IDXERR_MEMORY;
+      if (!CopyField(key, record.first) || !CopyField(display, record.last)) return IDXERR_MEMORY;
       idData->AddCell(kIndexTree, key, display, record.attribute);  // what the store refuses is skipped
     }
     return IDX_OK;

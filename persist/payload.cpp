@@ -1,17 +1,30 @@
 #include "persist/payload.h"
 
-#include <cstring>
+#include <algorithm>
+#include <limits>
 #include <string>
 
 #include "base/decimal.h"
+#include "base/text_size.h"
 
 namespace {
 
 constexpr char kVersion[] = "CatalogCoreVer1.0";
 
+// Makes room for `size` bytes more and their terminator. A block that is out of room gets half as much again, or what is
+// needed where that cannot be had.
+bool MakeRoom(CIDXBuffer& payload, std::int32_t size) {
+  const std::int32_t needed = CheckedAdd(CheckedAdd(payload.Length(), size), 1);
+  if (needed < 0) return false;
+  if (needed < payload.Capacity()) return true;
+  const std::int64_t ahead = payload.Capacity() + std::int64_t{payload.Capacity()} / 2;
+  const std::int64_t wanted = std::clamp<std::int64_t>(ahead, needed, std::numeric_limits<std::int32_t>::max());
+  return payload.AllocBuffer(static_cast<std::int32_t>(wanted)) || payload.AllocBuffer(needed);
+}
+
 }  // namespace
 
-int IsValidVersion(const char* text) { return text && std::strcmp(text, kVersion) == 0 ? 1 : 0; }
+int IsValidVersion(std::string_view text) { return text == kVersion ? 1 : 0; }
 
 bool SetVersion(CIDXBuffer& payload) {
   return payload.CopyBuffer(kVersion, -1) >= 0 && payload.CatBuffer("\n", -1) >= 0;
@@ -19,19 +32,35 @@ bool SetVersion(CIDXBuffer& payload) {
 
 bool AppendRecord(CIDXBuffer& payload, const char* first, std::uint8_t attribute, const char* last) {
   const std::string middle = ',' + std::to_string(attribute) + ',';
-  for (const char* part : {first, middle.c_str(), last, "\n"}) {
-    if (payload.CatBuffer(part, -1) < 0) return false;
-  }
+  const std::int32_t firstSize = TextSize(first);
+  const auto middleSize = static_cast<std::int32_t>(middle.size());
+  const std::int32_t lastSize = TextSize(last);
+  if (!MakeRoom(payload, CheckedAdd(CheckedAdd(firstSize, lastSize), middleSize + 1))) return false;
+  payload.CatBuffer(first, firstSize + 1);
+  payload.CatBuffer(middle.c_str(), middleSize + 1);
+  payload.CatBuffer(last, lastSize + 1);
+  payload.CatBuffer("\n", 2);
   return true;
 }
 
-const char* PayloadReader::VersionLine() { return strtok_r(rest_, "\n", &rest_); }
+bool CopyField(CIDXString& target, std::string_view field) {
+  constexpr std::size_t kMost = std::numeric_limits<std::int32_t>::max();
+  return target.CopyString(field.data(), static_cast<std::int32_t>(std::min(field.size(), kMost))) >= 0;
+}
+
+std::string_view PayloadReader::Token(char separator) {
+  rest_.remove_prefix(std::min(rest_.find_first_not_of(separator), rest_.size()));
+  const std::string_view token = rest_.substr(0, rest_.find(separator));
+  rest_.remove_prefix(std::min(token.size() + 1, rest_.size()));
+  return token;
+}
 
 bool PayloadReader::NextRecord(PayloadRecord& record) {
-  record.first = strtok_r(nullptr, ",", &rest_);
-  const char* const attribute = record.first ? strtok_r(nullptr, ",", &rest_) : nullptr;
-  record.last = attribute ? strtok_r(nullptr, "\n", &rest_) : nullptr;
-  if (!record.last) return false;
-  record.attribute = static_cast<std::uint8_t>(DecimalValue(attribute) & 0xFF);
+  record.first = Token(',');
+  const std::string_view attribute = Token(',');
+  record.last = Token('\n');
+  if (record.last.empty()) return false;
+  // Where a last field follows, a comma ends the number.
+  record.attribute = static_cast<std::uint8_t>(DecimalValue(attribute.data()) & 0xFF);
   return true;
 }

@@ -4,36 +4,45 @@
 #define CATALOGCORE_PERSIST_PAYLOAD_H_
 
 #include <cstdint>
+#include <string_view>
 
 #include "base/idx_buffer.h"
 
-// 1 if the text is the version tag and nothing else, else 0; also for null.
-int IsValidVersion(const char* text);
+// 1 if the text is the version tag and nothing else, else 0.
+int IsValidVersion(std::string_view text);
 
-// Sets the payload to the line of the version tag, or appends that of a record. False without memory.
+// Sets the payload to the line of the version tag, or appends that of a record. False without memory, or when the
+// payload would be longer than its length can tell; it is as it was then. Its block grows ahead of its text, so that
+// what a payload costs stays in proportion to it.
 bool SetVersion(CIDXBuffer& payload);
 bool AppendRecord(CIDXBuffer& payload, const char* first, std::uint8_t attribute, const char* last);
 
+// The fields lie in the payload.
 struct PayloadRecord {
-  const char* first;
+  std::string_view first;
   std::uint8_t attribute;
-  const char* last;
+  std::string_view last;
 };
 
-// Cuts a payload up in place, as strtok does: no field is empty, a run of separators counts as one, and an empty last
-// field takes the whole following line in its place.
+// False without memory.
+bool CopyField(CIDXString& target, std::string_view field);
+
+// Cuts a payload up as strtok does: it ends at its first zero byte, no field is empty, a run of separators counts as
+// one, and an empty last field takes the whole following line in its place.
 class PayloadReader {
  public:
-  explicit PayloadReader(char* payload) : rest_(payload) {}
+  explicit PayloadReader(std::string_view payload) : rest_(payload.substr(0, payload.find('\0'))) {}
 
-  // The first line; null if there is none. To be called first, and once.
-  const char* VersionLine();
+  // The first line; empty if there is none. To be called first, and once.
+  std::string_view VersionLine() { return Token('\n'); }
 
   // The next record; false when there is no whole one left.
   bool NextRecord(PayloadRecord& record);
 
  private:
-  char* rest_;
+  std::string_view Token(char separator);
+
+  std::string_view rest_;
 };
 
 #endif  // CATALOGCORE_PERSIST_PAYLOAD_H_

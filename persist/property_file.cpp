@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
-#include <vector>
+#include <string_view>
 
 #include "base/cf_reference.h"
 #include "persist/property_value.h"
@@ -19,6 +19,8 @@ using Dictionary = CFReference<CFMutableDictionaryRef>;
 bool PathOf(CFURLRef url, char (&path)[PATH_MAX]) {
   return CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(path), sizeof path);
 }
+
+constexpr std::string_view kFinalZero("", 1);
 
 enum class ReadResult { kRead, kMissing, kFailed };
 
@@ -80,16 +82,15 @@ int _WriteKeyData(CFURLRef url, CFStringRef key, const CIDXBuffer& buffer) {
     dictionary.reset(
         CFDictionaryCreateMutable(nullptr, 0, &kCFCopyStringDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
   }
-  // The terminator belongs to the item.
-  const CFReference<CFDataRef> value(
-      CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(buffer.Text()), CFIndex{buffer.Length()} + 1));
+  // The terminator belongs to the item. The dictionary, which alone shares the item, ends before the buffer does.
+  const CFReference<CFDataRef> value(CFDataCreateWithBytesNoCopy(nullptr, reinterpret_cast<const UInt8*>(buffer.Text()),
+                                                                 CFIndex{buffer.Length()} + 1, kCFAllocatorNull));
   if (!dictionary || !value) return 0;
   CFDictionarySetValue(dictionary.get(), key, value.get());
   if (CFDictionaryGetValue(dictionary.get(), key) != value.get()) return 0;  // no memory
   const CFReference<CFDataRef> xml(CFPropertyListCreateXMLData(nullptr, dictionary.get()));
   if (!xml) return 0;
-  const UInt8* const bytes = CFDataGetBytePtr(xml.get());
-  std::vector<UInt8> content(bytes, bytes + CFDataGetLength(xml.get()));
-  content.push_back(0);
-  return ReplaceFile(path, content.data(), content.size()) ? 1 : 0;
+  const std::string_view text(reinterpret_cast<const char*>(CFDataGetBytePtr(xml.get())),
+                              static_cast<std::size_t>(CFDataGetLength(xml.get())));
+  return ReplaceFile(path, {text, kFinalZero}) ? 1 : 0;
 }

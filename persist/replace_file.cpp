@@ -13,6 +13,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -97,13 +98,16 @@ int CreateTemporary(const Target& target, std::string& path) {
   }
 }
 
-bool WriteAll(int file, const UInt8* bytes, std::size_t size) {
-  while (size > 0) {
-    const ssize_t count = write(file, bytes, size);
-    if (count < 0 && errno == EINTR) continue;
-    if (count <= 0) return false;
-    bytes += count;
-    size -= static_cast<std::size_t>(count);
+using Parts = std::initializer_list<std::string_view>;
+
+bool WriteAll(int file, Parts parts) {
+  for (std::string_view part : parts) {
+    while (!part.empty()) {
+      const ssize_t count = write(file, part.data(), part.size());
+      if (count < 0 && errno == EINTR) continue;
+      if (count <= 0) return false;
+      part.remove_prefix(static_cast<std::size_t>(count));
+    }
   }
   return true;
 }
@@ -137,28 +141,29 @@ void TakePermissions(int file, const Target& target) {
 // Whether a failure of the folder's says that it takes no new file, or no other in place of the old one.
 bool IsFoldersRefusal(int error) { return error == EACCES || error == EPERM || error == EROFS || error == EBUSY; }
 
-bool WriteInPlace(const Target& target, const UInt8* bytes, std::size_t size) {
+bool WriteInPlace(const Target& target, Parts parts) {
   FileDescriptor file(open(target.path.c_str(), O_WRONLY | O_CLOEXEC));
-  return file.IsOpen() && WriteAll(file.Get(), bytes, size) && ftruncate(file.Get(), static_cast<off_t>(size)) == 0 &&
-         Flush(file.Get()) && file.Close();
+  if (!file.IsOpen() || !WriteAll(file.Get(), parts)) return false;
+  const off_t size = lseek(file.Get(), 0, SEEK_CUR);
+  return ftruncate(file.Get(), size) == 0 && Flush(file.Get()) && file.Close();
 }
 
 }  // namespace
 
-bool ReplaceFile(const char* path, const UInt8* bytes, std::size_t size) {
+bool ReplaceFile(const char* path, Parts parts) {
   const Target target(FollowLinks(path));
   if (target.exists && faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0) return false;
   RemoveLeftovers(target);
   std::string temporary;
   FileDescriptor file(CreateTemporary(target, temporary));
-  if (!file.IsOpen()) return IsFoldersRefusal(errno) && target.exists && WriteInPlace(target, bytes, size);
+  if (!file.IsOpen()) return IsFoldersRefusal(errno) && target.exists && WriteInPlace(target, parts);
   TakePermissions(file.Get(), target);
-  const bool isWritten = WriteAll(file.Get(), bytes, size) && Flush(file.Get());
+  const bool isWritten = WriteAll(file.Get(), parts) && Flush(file.Get());
   if (isWritten && std::rename(temporary.c_str(), target.path.c_str()) == 0) {
     FlushFolder(target);
     return file.Close();
   }
   const bool isRefused = isWritten && IsFoldersRefusal(errno);
   unlink(temporary.c_str());
-  return isRefused && target.exists && WriteInPlace(target, bytes, size);
+  return isRefused && target.exists && WriteInPlace(target, parts);
 }

@@ -6,6 +6,7 @@
 #include <limits>
 #include <numeric>
 
+#include "platform/large_block.h"
 #include "scene/block_average.h"
 #include "scene/pixel_view.h"
 #include "scene/tone_curve.h"
@@ -18,7 +19,9 @@ constexpr std::int32_t kShortestReducedSide = 50;
 CIDXImage::PixelBlock AllocateBlock(std::int64_t size) {
   // One byte where none is asked for, so that null always means that there was no memory.
   const auto bytes = static_cast<std::size_t>(std::max<std::int64_t>(size, 1));
-  return CIDXImage::PixelBlock(static_cast<std::uint8_t*>(std::malloc(bytes)));
+  CIDXImage::PixelBlock block(static_cast<std::uint8_t*>(std::malloc(bytes)));
+  AdviseLargeBlock(block.get(), bytes);
+  return block;
 }
 
 ToneTable Unchanged() {

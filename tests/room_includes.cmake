@@ -3,12 +3,12 @@
 set(ROOMS
   "base: CoreFoundation catalogcore.h"
   "store: base catalogcore.h"
-  "scene: base CoreFoundation catalogcore.h"
+  "scene: base platform/large_block.h CoreFoundation catalogcore.h"
   "api: base scene store CoreFoundation catalogcore.h"
   "persist: api base store CoreFoundation catalogcore.h"
   "engines: scene/brenn.h scene/orlo.h"
   "app: CoreFoundation catalogcore.h"
-  "platform/corefoundation: CoreFoundation")
+  "platform/corefoundation: platform/large_block.h CoreFoundation")
 
 foreach(line IN LISTS ROOMS)
   string(REGEX MATCH "^([^:]+): (.*)$" _ "${line}")

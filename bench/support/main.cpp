@@ -3,6 +3,7 @@
 #include <string>
 
 #include "bench/engines/engines_bench.h"
+#include "bench/persist/files_bench.h"
 #include "bench/scene/reduce_bench.h"
 #include "bench/store/store_bench.h"
 #include "bench/support/plot.h"
@@ -16,6 +17,7 @@ int main(int argc, char** argv) {
   AddStoreRows();
   AddKeyTableRows();
   AddShapeRows();
+  AddFileRows();
   AddReduceRows();
   AddRecognizerRows();
   AddFaceRows();

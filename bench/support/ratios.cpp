@@ -70,7 +70,8 @@ int RunRows(int argc, char** argv, const std::string& file, std::vector<Ratio>& 
   KeepingReporter reporter;
   benchmark::RunSpecifiedBenchmarks(&reporter);
 
-  nlohmann::json rows = nlohmann::json::array();
+  nlohmann::json rows = nlohmann::json::parse(std::ifstream(file), nullptr, false);
+  if (!rows.is_array()) rows = nlohmann::json::array();
   std::printf("\n%-28s | %16s | %16s %-18s | %s\n", "what", "ours", "", "alternative", "ratio");
   for (const Ratio& added : Rows()) {
     const double* const ours = reporter.Median(added.name + "/ours");

@@ -22,7 +22,7 @@ struct Ratio {
 void AddRow(const std::string& name, Round ours, const std::string& alternative, Round other, int rounds = 9,
             const std::string& unit = "ns");
 
-// Runs every row, prints them, and writes them to the file as a list of {"name","unit","ours","other","ratio"}, ratio =
+// Runs every row, prints them, and adds them to the file, a list of {"name","unit","ours","other","ratio"}, ratio =
 // ours / other. Arguments are Google Benchmark's; a filter picks rows by name. Returns the exit status and adds the rows
 // to `results`.
 int RunRows(int argc, char** argv, const std::string& file, std::vector<Ratio>& results);

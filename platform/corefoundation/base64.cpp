@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 
 namespace catalogcore::cf {
 
@@ -9,29 +10,62 @@ namespace {
 
 constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-// What a byte of the text is: a digit's value, or one of these.
-constexpr std::uint8_t kSpace = 64;
-constexpr std::uint8_t kPadding = 65;
-constexpr std::uint8_t kForeign = 66;
+// What a character of the text is: a digit's value, or one of these.
+constexpr std::uint32_t kBlank = 1u << 24;  // space, tab or line feed
+constexpr std::uint32_t kForeign = 1u << 25;
 
-constexpr std::array<std::uint8_t, 256> kValues = [] {
-  std::array<std::uint8_t, 256> values{};
-  values.fill(kForeign);
-  std::uint8_t value = 0;
-  for (const char digit : kDigits) values[static_cast<unsigned char>(digit)] = value++;
-  for (const char space : {' ', '\t', '\r', '\n'}) values[static_cast<unsigned char>(space)] = kSpace;
-  values['='] = kPadding;
+// The values of characters, shifted to where the first, second, third and fourth digit of a group belong; so a group is
+// four look-ups, and one comparison tells whether it is four digits.
+using CharacterValues = std::array<std::uint32_t, 256>;
+constexpr std::array<CharacterValues, 4> kValues = [] {
+  std::array<CharacterValues, 4> values{};
+  for (std::size_t place = 0; place < values.size(); ++place) {
+    values[place].fill(kForeign);
+    for (std::uint32_t value = 0; value < kDigits.size(); ++value) {
+      values[place][static_cast<unsigned char>(kDigits[value])] = value << (18 - 6 * place);
+    }
+    for (const char blank : {' ', '\t', '\n'}) values[place][static_cast<unsigned char>(blank)] = kBlank;
+  }
   return values;
 }();
 
+constexpr std::uint32_t ValueOf(char character, std::size_t place) {
+  return kValues[place][static_cast<unsigned char>(character)];
+}
+
+// Decodes the groups of four digits that the text begins with; returns how many.
+std::size_t DecodeGroups(std::string_view text, UInt8*& to) {
+  std::size_t groups = 0;
+  for (const char* at = text.data(); groups < text.size() / 4; ++groups, at += 4) {
+    const std::uint32_t bits = ValueOf(at[0], 0) | ValueOf(at[1], 1) | ValueOf(at[2], 2) | ValueOf(at[3], 3);
+    if (bits >= kBlank) break;
+    *to++ = static_cast<UInt8>(bits >> 16);
+    *to++ = static_cast<UInt8>(bits >> 8);
+    *to++ = static_cast<UInt8>(bits);
+  }
+  return groups;
+}
+
+// The digits of every twelve bits.
+constexpr auto kDigitPairs = [] {
+  std::array<std::array<char, 2>, 4096> pairs{};
+  for (std::size_t bits = 0; bits < pairs.size(); ++bits) pairs[bits] = {kDigits[bits >> 6], kDigits[bits & 63]};
+  return pairs;
+}();
+
+// Three bytes, or as many as there are and padding.
 UInt8* EncodeGroup(std::string_view bytes, UInt8* to) {
   const auto byte = [bytes](std::size_t i) { return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0u; };
   const unsigned bits = byte(0) << 16 | byte(1) << 8 | byte(2);
-  for (std::size_t i = 0; i < 4; ++i) {
-    const auto digit = static_cast<UInt8>(kDigits[bits >> (18 - 6 * i) & 63]);
-    *to++ = i <= bytes.size() ? digit : UInt8{'='};
-  }
-  return to;
+  std::memcpy(to, kDigitPairs[bits >> 12].data(), 2);
+  std::memcpy(to + 2, kDigitPairs[bits & 4095].data(), 2);
+  for (std::size_t i = bytes.size() + 1; i < 4; ++i) to[i] = '=';
+  return to + 4;
+}
+
+UInt8* EncodeLine(std::string_view line, UInt8* to) {
+  for (; line.size() >= 3; line.remove_prefix(3)) to = EncodeGroup(line.substr(0, 3), to);
+  return line.empty() ? to : EncodeGroup(line, to);
 }
 
 }  // namespace
@@ -45,37 +79,49 @@ bool Base64Decoder::Pad() {
   return true;
 }
 
-bool Base64Decoder::Decode(std::string_view piece, ByteBuffer& bytes) {
+// A byte is whole at the second, third and fourth digit.
+void Base64Decoder::TakeDigit(std::uint32_t value, UInt8*& to) {
+  bits_ = bits_ << 6 | value;
+  digits_ = (digits_ + 1) % 4;
+  if (digits_ == 2) *to++ = static_cast<UInt8>(bits_ >> 4);
+  if (digits_ == 3) *to++ = static_cast<UInt8>(bits_ >> 2);
+  if (digits_ == 0) *to++ = static_cast<UInt8>(bits_);
+}
+
+std::size_t Base64Decoder::DecodeDigits(std::string_view text, ByteBuffer& bytes) {
   const std::size_t before = bytes.size();
-  UInt8* const start = bytes.Extend(piece.size() / 4 * 3 + 3);
+  UInt8* const start = bytes.Extend(text.size() / 4 * 3 + 3);
   UInt8* to = start;
-  for (const char character : piece) {
-    const std::uint8_t value = kValues[static_cast<unsigned char>(character)];
-    if (value == kSpace) continue;
-    if (value == kPadding) {
-      if (!Pad()) return false;
-      continue;
-    }
-    if (value == kForeign || isPadded_) return false;
-    bits_ = bits_ << 6 | value;
-    digits_ = (digits_ + 1) % 4;
-    // A byte is whole at the second, third and fourth digit.
-    if (digits_ == 2) *to++ = static_cast<UInt8>(bits_ >> 4);
-    if (digits_ == 3) *to++ = static_cast<UInt8>(bits_ >> 2);
-    if (digits_ == 0) *to++ = static_cast<UInt8>(bits_);
+  std::size_t at = 0;
+  while (at < text.size()) {
+    if (digits_ == 0 && !isPadded_) at += 4 * DecodeGroups(text.substr(at), to);
+    const std::uint32_t value = at < text.size() ? ValueOf(text[at], 3) : kForeign;
+    if (value == kForeign || (value != kBlank && isPadded_)) break;
+    if (value != kBlank) TakeDigit(value, to);
+    ++at;
   }
   bytes.Truncate(before + static_cast<std::size_t>(to - start));
-  return true;
+  return at;
+}
+
+bool Base64Decoder::Decode(std::string_view piece, ByteBuffer& bytes) {
+  for (;;) {
+    piece.remove_prefix(DecodeDigits(piece, bytes));
+    if (piece.empty()) return true;
+    if (piece.front() != '\r' && !(piece.front() == '=' && Pad())) return false;
+    piece.remove_prefix(1);
+  }
 }
 
 void EncodeBase64(std::string_view bytes, std::string_view indent, std::size_t lineLength, ByteBuffer& text) {
   const std::size_t lineBytes = lineLength / 4 * 3;
+  const std::size_t lines = (bytes.size() + lineBytes - 1) / lineBytes;
+  UInt8* to = text.Extend((bytes.size() + 2) / 3 * 4 + lines * (indent.size() + 1));
   while (!bytes.empty()) {
     const std::string_view line = bytes.substr(0, lineBytes);
-    UInt8* to = text.Extend(indent.size() + (line.size() + 2) / 3 * 4 + 1);
     to = std::copy(indent.begin(), indent.end(), to);
-    for (std::size_t at = 0; at < line.size(); at += 3) to = EncodeGroup(line.substr(at, 3), to);
-    *to = '\n';
+    to = EncodeLine(line, to);
+    *to++ = '\n';
     bytes.remove_prefix(line.size());
   }
 }

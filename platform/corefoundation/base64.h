@@ -2,6 +2,7 @@
 #ifndef CATALOGCORE_PLATFORM_COREFOUNDATION_BASE64_H_
 #define CATALOGCORE_PLATFORM_COREFOUNDATION_BASE64_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
@@ -15,11 +16,16 @@ class Base64Decoder {
   // Appends the bytes of a piece. False when it holds anything but digits, padding at the end, and white space.
   [[nodiscard]] bool Decode(std::string_view piece, ByteBuffer& bytes);
 
+  // Appends the bytes of the digits that the text begins with, spaces, tabs and line feeds between them included, and
+  // returns how many characters these are. Padding, carriage returns and all else are left for Decode.
+  std::size_t DecodeDigits(std::string_view text, ByteBuffer& bytes);
+
   // Whether the text may end here: its padding is complete, and the bits that it leaves over are zero.
   bool IsComplete() const { return digits_ % 4 == 0; }
 
  private:
   bool Pad();
+  void TakeDigit(std::uint32_t value, UInt8*& to);
 
   std::uint32_t bits_ = 0;  // of the digits since the last whole group of four
   unsigned digits_ = 0;     // of that group, padding included

@@ -14,6 +14,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/large_block.h"
+
 namespace catalogcore::cf {
 
 // Functions that need memory throw std::bad_alloc without it.
@@ -62,10 +64,12 @@ class ByteBuffer {
 
   void Grow(std::size_t count) {
     constexpr std::size_t kMaxSize = std::numeric_limits<CFIndex>::max();
-    if (count > kMaxSize - size_) throw std::bad_alloc();
-    const std::size_t capacity = std::max(size_ + count, capacity_ + capacity_ / 2);
+    const std::size_t spare = count / 64;  // so that the little that follows much does not move it
+    if (count > kMaxSize - size_ - spare) throw std::bad_alloc();
+    const std::size_t capacity = std::max(size_ + count + spare, capacity_ + capacity_ / 2);
     void* const block = std::realloc(bytes_.get(), capacity);
     if (!block) throw std::bad_alloc();
+    AdviseLargeBlock(block, capacity);
     Hold(block, capacity);
   }
 

@@ -3,6 +3,7 @@
 
 #include <CoreFoundation/CFData.h>
 
+#include <string_view>
 #include <utility>
 
 #include "platform/corefoundation/byte_buffer.h"
@@ -10,8 +11,10 @@
 
 struct __CFData final : catalogcore::cf::Object {
   explicit __CFData(catalogcore::cf::ByteBuffer&& content)
-      : Object(catalogcore::cf::Kind::kData), bytes(std::move(content)) {}
-  const catalogcore::cf::ByteBuffer bytes;
+      : Object(catalogcore::cf::Kind::kData), owned(std::move(content)), bytes(owned.view()) {}
+  explicit __CFData(std::string_view borrowed) : Object(catalogcore::cf::Kind::kData), bytes(borrowed) {}
+  const catalogcore::cf::ByteBuffer owned;  // what `bytes` are of, unless they are borrowed
+  const std::string_view bytes;
 };
 
 namespace catalogcore::cf {

@@ -110,6 +110,10 @@ void PropertyListReader::Text(std::string_view piece) {
   }
 }
 
+std::size_t PropertyListReader::Digits(std::string_view text) {
+  return leaf_ == Element::kData ? decoder_.DecodeDigits(text, content_) : 0;
+}
+
 void PropertyListReader::EndLeaf(Element element) {
   const std::string_view text = TrimSpace(element == Element::kData ? std::string_view() : content_.view());
   switch (element) {

@@ -34,6 +34,9 @@ class PropertyListReader {
   void EndElement(const char* name);
   void Text(std::string_view piece);
 
+  // Takes the base64 that `text` begins with as Text would, if a data element is open, and returns how much that was.
+  std::size_t Digits(std::string_view text);
+
   // The property list, after the last element has ended.
   Ref<Object> TakeResult() { return std::move(result_); }
 

@@ -99,7 +99,7 @@ class Writer {
       case Kind::kString:
         return WriteText("string", static_cast<const __CFString&>(value).utf8);
       case Kind::kData:
-        return WriteData(static_cast<const __CFData&>(value).bytes.view());
+        return WriteData(static_cast<const __CFData&>(value).bytes);
       case Kind::kArray: {
         const auto& array = static_cast<const __CFArray&>(value);
         return StartLevel("array", {&array, nullptr}, array.values.empty());

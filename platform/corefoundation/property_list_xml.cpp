@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <vector>
 
 #include "platform/corefoundation/data_object.h"
 #include "platform/corefoundation/property_list_reader.h"
@@ -62,19 +63,47 @@ class Parser {
 
   // Throws Refusal or std::bad_alloc.
   void Parse(std::string_view xml) {
-    // In pieces, of which expat makes copies.
-    for (; !xml.empty(); xml.remove_prefix(std::min(kPiece, xml.size()))) Feed(xml.substr(0, kPiece), false);
+    while (!xml.empty()) {
+      const std::size_t size = PieceSize(xml);
+      Feed(xml.substr(0, size), false);
+      xml.remove_prefix(size);
+      if (tagEnd_ != fed_) continue;
+      const std::string_view digits = xml.substr(0, reader_.Digits(xml.substr(0, xml.find('<'))));
+      passedBy_.push_back(digits);
+      xml.remove_prefix(digits.size());
+    }
     Feed({}, true);
   }
 
-  std::size_t line() const { return static_cast<std::size_t>(XML_GetCurrentLineNumber(expat_.get())); }
+  std::size_t line() const {
+    auto line = static_cast<std::size_t>(XML_GetCurrentLineNumber(expat_.get()));
+    for (const std::string_view digits : passedBy_) {
+      line += static_cast<std::size_t>(std::count(digits.begin(), digits.end(), '\n'));
+    }
+    return line;
+  }
 
  private:
+  // expat makes copies of the pieces that it is fed.
   static constexpr std::size_t kPiece = std::size_t{1} << 16;
+  static constexpr std::string_view kDataTag = "<data>";
+
+  // The next piece ends with a tag that begins a piece's worth of text without markup, as that of a large data element
+  // does: base64 does not need expat, which goes through it byte by byte. Smaller elements are left in their piece,
+  // because many short pieces would have expat begin again and again with a comment that holds them.
+  static std::size_t PieceSize(std::string_view xml) {
+    const std::size_t size = std::min(kPiece, xml.size());
+    const std::size_t tag = xml.rfind('<', size - 1);
+    if (tag == std::string_view::npos || !xml.substr(tag).starts_with(kDataTag)) return size;
+    const std::string_view text = xml.substr(tag + kDataTag.size(), kPiece);
+    const bool isLong = text.size() == kPiece && text.find('<') == std::string_view::npos;
+    return isLong ? tag + kDataTag.size() : size;
+  }
   static constexpr int kMaxAttributeDeclarations = 256;  // expat compares each with all before it
   static constexpr XML_Memory_Handling_Suite kMemory = {std::malloc, std::realloc, std::free};
 
   void Feed(std::string_view piece, bool isLast) {
+    fed_ += static_cast<XML_Index>(piece.size());
     if (XML_Parse(expat_.get(), piece.data(), static_cast<int>(piece.size()), isLast) == XML_STATUS_OK) return;
     if (refusal_) throw Refusal{refusal_};
     const XML_Error error = XML_GetErrorCode(expat_.get());
@@ -100,6 +129,8 @@ class Parser {
   }
 
   static void StartElement(void* self, const XML_Char* name, const XML_Char** attributes) {
+    Parser& parser = *static_cast<Parser*>(self);
+    parser.tagEnd_ = XML_GetCurrentByteIndex(parser.expat_.get()) + XML_GetCurrentByteCount(parser.expat_.get());
     Run(self, [=](PropertyListReader& reader) { reader.StartElement(name, attributes); });
   }
   static void EndElement(void* self, const XML_Char* name) {
@@ -127,6 +158,9 @@ class Parser {
 
   PropertyListReader& reader_;
   const std::unique_ptr<std::remove_pointer_t<XML_Parser>, Deleter> expat_;
+  XML_Index fed_ = 0;                       // bytes that expat got
+  XML_Index tagEnd_ = -1;                   // of these, those up to the end of the last start tag
+  std::vector<std::string_view> passedBy_;  // what expat did not get
   int attributeDeclarations_ = 0;
   bool hasFailed_ = false;
   const char* refusal_ = nullptr;  // after a failure: its reason, or null when it was memory
@@ -154,7 +188,7 @@ CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef, CFDataRef xml,
   if (error) *error = nullptr;
   if (!xml) return nullptr;
   try {
-    return ReadXml(WithoutFinalZero(xml->bytes.view()), mutability != kCFPropertyListImmutable, error).release();
+    return ReadXml(WithoutFinalZero(xml->bytes), mutability != kCFPropertyListImmutable, error).release();
   } catch (const std::bad_alloc&) {
     return nullptr;
   }

@@ -67,7 +67,7 @@ CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFString
 CFStringRef CFStringCreateFromExternalRepresentation(CFAllocatorRef, CFDataRef data, CFStringEncoding encoding) {
   constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
   if (!data || encoding != kCFStringEncodingUTF8) return nullptr;
-  std::string_view text = data->bytes.view();
+  std::string_view text = data->bytes;
   if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   return catalogcore::cf::CreateString(text);
 }

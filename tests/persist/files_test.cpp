@@ -10,9 +10,13 @@
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <limits>
 
 #include "api/catalogue.h"
+#include "base/file_existence.h"
 #include "persist/catalogue_file.h"
+#include "persist/existing_files.h"
+#include "persist/payload.h"
 #include "persist/property_file.h"
 #include "tests/api/item.h"
 #include "tests/persist/failing_calls.h"
@@ -194,6 +198,56 @@ TEST_F(FilesTest, RecordsAreCutAsTheyStand) {
       found.push_back(cell.key + "=" + cell.name + "=" + std::to_string(cell.attribute));
     EXPECT_EQ(found, added);
   }
+}
+
+TEST_F(FilesTest, ExistingFilesAreFoundAsTheyAreOneByOne) {
+  fs::create_directories(folder_ / "a/inner");
+  fs::create_directory_symlink("a", folder_ / "link");
+  for (const char* name : {"x", "a/x", "a/\xC3\xA4", "a/\xFF", "a/inner/x"}) std::ofstream(folder_ / name) << "x";
+  fs::create_symlink("nowhere", folder_ / "a/dangling");
+  ExistingFiles existing;
+  int count = 0;
+  for (const char* name : {"/x", "/a/x", "/a/x", "/a/y", "/a/dangling", "/a/\xC3\xA4", "/a/\xFF", "/a", "/a/", "/a/x/",
+                           "/a/.", "/a/inner/../x", "/link/x", "/link/inner/x", "/gone/x", "/gone/y", "/x/y", ""}) {
+    const bool isThere = existing.Has((folder_.string() + name).c_str());
+    EXPECT_EQ(isThere, IsFileExistAPI((folder_.string() + name).c_str()) == 1) << name;
+    count += isThere;
+  }
+  EXPECT_EQ(count, 11);
+  for (const char* path : {"/", "/tmp", "x", "", "relative/x"}) {
+    EXPECT_EQ(existing.Has(path), IsFileExistAPI(path) == 1) << path;
+  }
+}
+
+// Its block is there, but nothing below its end is ever touched, so that it takes next to no memory.
+class HugePayload : public CIDXBuffer {
+ public:
+  explicit HugePayload(std::int32_t size) {
+    if (AllocBuffer(std::numeric_limits<std::int32_t>::max())) length = size;
+  }
+};
+
+TEST_F(FilesTest, PayloadBeyondItsLengthsIsRefusedAndTheFileStays) {
+  constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+  constexpr std::int32_t kRecord = sizeof("1/10,255,/a") - 1 + sizeof("\n") - 1;
+  HugePayload fits(kMost - 1 - kRecord);
+  ASSERT_GT(fits.Length(), 0) << "no address space for 2 GB";
+  EXPECT_TRUE(AppendRecord(fits, "1/10", 255, "/a"));
+  EXPECT_EQ(fits.Length(), kMost - 1);
+  EXPECT_STREQ(fits.Text() + fits.Length() - kRecord, "1/10,255,/a\n");
+
+  EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+  const std::string before = Content();
+  EXPECT_EQ(Call([](IDXSTR name) {
+              return WriteCatalogueFile(name, CATALOGCORE_INDEX_KEY, [](CIDXBuffer&) -> IDXSTATUS {
+                HugePayload payload(kMost - kRecord);
+                const bool isAppended = AppendRecord(payload, "1/10", 255, "/a");
+                EXPECT_EQ(payload.Length(), kMost - kRecord);
+                return isAppended ? IDX_OK : IDXERR_MEMORY;
+              });
+            }),
+            IDXERR_MEMORY);
+  EXPECT_EQ(Content(), before);
 }
 
 TEST_F(FilesTest, LinksPermissionsAndLeftoversAreMinded) {

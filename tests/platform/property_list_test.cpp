@@ -168,6 +168,34 @@ TEST(CFPropertyList, RefusesValuesThatAreWrittenWrong) {
   }
 }
 
+// Long runs of base64 are not left to the XML parser; what stands in and around them is.
+TEST(CFPropertyList, ReadsLongDataAsItReadsShort) {
+  const std::string run = Repeat("QUJD\n\tQU JD", 8000);
+  const std::string bytes = Repeat("ABCABC", 8000);
+  const struct {
+    std::string content, bytes, reason;
+  } cases[] = {
+      {run + "QQ==\n", bytes + "A", ""},
+      {run + "\r\n" + run, bytes + bytes, ""},
+      {run + "&#81;UJD" + run + "<!-- <data>" + run + "-->Q<![CDATA[Q]]>=<?p?>=", bytes + "ABC" + bytes + "A", ""},
+      {"<!-- <data>" + run + "-->QQ==", "A", ""},
+      {run + "QQ", "", "line 8001: base64 that is cut short"},
+      {run + "QQ==\n" + run, "", "line 8002: bad base64"},
+      {run + run + "*" + run, "", "line 16001: bad base64"},
+      {run + "<data>" + run + "</data>", "", "line 8001: an element within text"},
+      {"<![CDATA[<data>" + run + "]]>", "", "line 1: bad base64"},
+  };
+  for (const auto& [content, expected, reason] : cases) {
+    std::string error;
+    const Held list = Read(Plist("<data>" + content + "</data>"), &error);
+    EXPECT_EQ(error, reason);
+    EXPECT_TRUE(!list || BytesOf(list.get()) == expected) << content.substr(content.size() - 40);
+  }
+  const std::string text = "<data>" + run;
+  EXPECT_EQ(Write(Read(Plist("<string><![CDATA[" + text + "]]></string>")).get()),
+            Document("<string>&lt;data&gt;" + run + "</string>\n"));
+}
+
 TEST(CFPropertyList, NestsTo512LevelsAndNeverRecurses) {
   const std::string document = Write(Read(Arrays(512)).get());
   ASSERT_NE(document, "");

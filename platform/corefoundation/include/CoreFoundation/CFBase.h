@@ -30,9 +30,11 @@ typedef unsigned long CFTypeID;
 typedef unsigned long CFOptionFlags;
 typedef const void* CFTypeRef;
 
-/* Allocators are accepted and ignored: memory comes from the heap. */
+/* Allocators are accepted and ignored: memory comes from the heap. The null allocator says of bytes that are handed in
+ * that they are not to be freed. */
 typedef const struct __CFAllocator* CFAllocatorRef;
 CF_EXPORT const CFAllocatorRef kCFAllocatorDefault;
+CF_EXPORT const CFAllocatorRef kCFAllocatorNull;
 
 typedef struct {
   CFIndex location;

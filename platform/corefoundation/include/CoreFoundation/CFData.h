@@ -12,6 +12,11 @@ CF_EXPORT CFTypeID CFDataGetTypeID(void);
  * memory. */
 CF_EXPORT CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
 
+/* The bytes themselves, which must stay and not change as long as the object lasts. `deallocator` is kCFAllocatorNull;
+ * null for any other, which would have the bytes freed, and as above. */
+CF_EXPORT CFDataRef CFDataCreateWithBytesNoCopy(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length,
+                                                CFAllocatorRef deallocator);
+
 CF_EXPORT CFIndex CFDataGetLength(CFDataRef data);
 
 /* The bytes, which last as long as the object; null possibly when there are none. */

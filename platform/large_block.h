@@ -1,0 +1,24 @@
+// Memory for large blocks.
+#ifndef CATALOGCORE_PLATFORM_LARGE_BLOCK_H_
+#define CATALOGCORE_PLATFORM_LARGE_BLOCK_H_
+
+#include <sys/mman.h>
+
+#include <cstddef>
+#include <cstdint>
+
+// Asks the system to back a new block of the heap with huge pages, if it is a large one that is about to be filled: page
+// by page the system would take several times as long to provide the memory as filling it takes. Only a hint; the block
+// is used and freed as any other.
+inline void AdviseLargeBlock([[maybe_unused]] void* block, [[maybe_unused]] std::size_t size) {
+#ifdef MADV_HUGEPAGE
+  constexpr std::uintptr_t kPage = std::uintptr_t{1} << 16;  // the largest page that a system has as its smallest
+  constexpr std::size_t kLarge = std::size_t{8} << 20;
+  if (!block || size < kLarge) return;
+  const auto address = reinterpret_cast<std::uintptr_t>(block);
+  const std::uintptr_t first = (address + kPage - 1) & ~(kPage - 1);
+  madvise(reinterpret_cast<void*>(first), address + size - first, MADV_HUGEPAGE);
+#endif
+}
+
+#endif  // CATALOGCORE_PLATFORM_LARGE_BLOCK_H_
