@@ -17,8 +17,8 @@
 //   did, so that they may be out of order and one index may have several; still each marker begins a run of one index.
 // - The key tables: an entry stands in the key table of images, or of its tree's cells, exactly while it stands in its
 //   hash chain. Entries with equal keys, of which there may be several without a root alone, follow one another there
-//   in the order of their chain, so that both give the same first one. `tableNext` and `info->keyHash` belong to the
-//   table (key_table.h).
+//   in the order of their chain, so that both give the same first one. `tableNext` belongs to the table (key_table.h);
+//   `info->keyHash` and `info->bucket` are those of the key.
 // - The links of an image taken out of its lists stay as they were.
 #ifndef CATALOGCORE_STORE_ENTRIES_H_
 #define CATALOGCORE_STORE_ENTRIES_H_

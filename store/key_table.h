@@ -30,7 +30,7 @@ class KeyTable {
   void Insert(Entry* entry) {
     Append(Slot(SlotOf(entry->info->keyHash)), entry);
     ++count;
-    while (count > slotCount + slotCount / 4 && Split()) {
+    for (int splits = 0; splits < kMaxSplits && count > Capacity() && Split(); ++splits) {
     }
   }
 
@@ -51,6 +51,9 @@ class KeyTable {
     return entry;
   }
 
+  // Asks for the memory that Find will look at first.
+  void Prefetch(const HashedKey& key) const { PrefetchEntry(*Slot(SlotOf(key.hash))); }
+
   std::uint64_t Count() const { return count; }
 
   // Forgets all entries, which may be gone already, and gives back the memory.
@@ -68,8 +71,15 @@ class KeyTable {
  private:
   static constexpr int kFirstBits = 4;
   static constexpr std::uint64_t kFirstSlots = std::uint64_t{1} << kFirstBits;
+  // Fewer entries than this lie in the processor's cache, where a longer link costs less than the memory for more slots.
+  static constexpr std::uint64_t kFewEntries = 1 << 16;
+  // More than one, to make up for growth that found no memory; not all, so that no insertion takes long.
+  static constexpr int kMaxSplits = 2;
   static constexpr std::uint64_t kSplitsAhead = 4;
   static constexpr std::uint64_t kMaxSlots = std::uint64_t{1} << 32;  // as many as there are hashes
+
+  // The entries that there are slots for.
+  std::uint64_t Capacity() const { return count < kFewEntries ? slotCount + slotCount / 4 : slotCount; }
 
   // The low bits of the hash, as many as number all slots; one less where that slot is yet to come.
   std::uint64_t SlotOf(std::uint32_t hash) const {
@@ -88,6 +98,12 @@ class KeyTable {
     return segments[SegmentOf(slot)] + (slot < kFirstSlots ? slot : slot - std::bit_floor(slot));
   }
 
+  // Null is no harm.
+  static void PrefetchEntry(const Entry* entry) {
+    constexpr std::uintptr_t kToHash = 40;  // about where an image has its hash and its link
+    __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(entry) + kToHash));
+  }
+
   static void Append(Entry** slot, Entry* entry) {
     while (*slot) slot = &(*slot)->tableNext;
     *slot = entry;
@@ -100,7 +116,7 @@ class KeyTable {
     if (slotCount == kMaxSlots || (slotCount == half && !AddSegment(half))) return false;
     const std::uint64_t source = slotCount - half;
     // The slots come in turn, so what later splits will look at is on its way by then.
-    if (const Entry* const later = *Slot(source + kSplitsAhead)) __builtin_prefetch(&later->tableNext);
+    PrefetchEntry(*Slot(source + kSplitsAhead));
     Entry** from = Slot(source);
     Entry** to = Slot(slotCount);
     while (Entry* const entry = *from) {

@@ -9,13 +9,14 @@ CIDXNode* CIndexData::SearchNode(const CIDXString& key) const { return nodeTable
 std::uint32_t CIndexData::AddNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
                                   std::uint8_t attribute) {
   const HashedKey hashed(key);
-  if (nodeTable.Find(hashed)) return StoreImageExists;
+  nodeTable.Prefetch(hashed);  // comes from memory while the cells are looked up
   CIDXCell* const index = SearchCell(kIndexTree, indexKey);
+  CIDXCell* folder = SearchFolder(folderKey);
+  if (nodeTable.Find(hashed)) return StoreImageExists;
   if (!index) return StoreIndexNotFound;
   // An empty index key gets past this on purpose: it names the root, and the image is filed there.
   if (index == root[kIndexTree] && indexKey.Length() != 0) return StoreInvalidKey;
   if (hashed.size > kMaxKeyBytes) return StoreInvalidKey;
-  CIDXCell* folder = SearchFolder(folderKey);
   if (!folder) {
     const CIDXString noName;
     const std::uint32_t result = AddCell(kFolderTree, folderKey, noName, 0);

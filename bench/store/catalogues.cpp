@@ -76,6 +76,15 @@ void StoreCatalogue::Remove(int image) {
   Require(store_.RemoveNode(images_.keys[static_cast<std::size_t>(image)], 0) == StoreOk, "RemoveNode");
 }
 
+void StoreCatalogue::Resolve() {
+  for (const CIDXString& key : images_.keys) nodes_.push_back(store_.SearchNode(key));
+}
+
+bool StoreCatalogue::Touch(int image) const {
+  const auto at = static_cast<std::size_t>(image);
+  return std::strcmp(nodes_[at]->info->key.Text(), images_.keys[at].Text()) == 0;
+}
+
 double StoreCatalogue::Bytes() {
   double bytes = HeapBytes() - before_;
   for (const CIDXString& key : images_.keys) bytes -= BlockBytes(store_.SearchNode(key)->info->key.Text());

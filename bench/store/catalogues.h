@@ -35,6 +35,11 @@ class StoreCatalogue {
   bool Find(int image);
   void Move(int image, int index);
   void Remove(int image);
+  // Where Touch finds the images.
+  void Resolve();
+  // What no look-up can do without: reads the key sought, a place that tells where the image is, the image, and its key,
+  // and compares the two.
+  bool Touch(int image) const;
   // The bytes of the heap that the catalogue takes for what was added, without the blocks of the paths' texts.
   double Bytes();
   // Each walk returns a sum over what it read of the images: key lengths and attributes.
@@ -47,6 +52,7 @@ class StoreCatalogue {
   Images& images_;
   CIndexData store_;
   double before_ = 0;
+  std::vector<const CIDXNode*> nodes_;
 };
 
 // With a list of the images of each index and of each folder; it is asked only for what a map is good at.

@@ -86,6 +86,16 @@ double FindAll(Images& images) {
   });
 }
 
+double TouchAll(Images& images) {
+  const auto catalogue = Filled<StoreCatalogue>(images);
+  catalogue->Resolve();
+  return TimeEach(images, [&] {
+    for (const int image : images.shuffled) {
+      if (!catalogue->Touch(image)) std::abort();
+    }
+  });
+}
+
 template <typename Catalogue>
 double MoveAll(Images& images) {
   return TimeEachOnNew(
@@ -131,7 +141,7 @@ void AddStoreRows() {
   if (const char* const more = std::getenv("CATALOGCORE_BENCH_IMAGES")) counts.push_back(std::atoi(more));
   for (const int count : counts) {
     const std::string suffix = "_" + std::to_string(count);
-    const int rounds = count > 100000 ? 3 : 9;
+    const int rounds = count > 1000000 ? 1 : count > 100000 ? 3 : 9;
     const auto images = std::make_shared<SharedImages>();
     const auto round = [images, count](double (*measure)(Images&)) -> Round {
       return [images, count, measure] { return measure(*MakeImages(*images, count)); };
@@ -141,6 +151,7 @@ void AddStoreRows() {
       AddRow(name + suffix, round(ours), alternative, round(other), rounds, unit);
     };
     row("lookup", FindAll<StoreCatalogue>, kMap, FindAll<MapCatalogue>);
+    row("lookup_floor", FindAll<StoreCatalogue>, "memory alone", TouchAll);
     row("lookup_sqlite", FindAll<StoreCatalogue>, kSqlite, FindAll<SqliteCatalogue>);
     row("add", AddAll<StoreCatalogue>, kMap, AddAll<MapCatalogue>);
     row("worst_add", WorstAdd<StoreCatalogue>, kMap, WorstAdd<MapCatalogue>);

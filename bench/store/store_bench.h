@@ -1,5 +1,4 @@
-// The store beside std::unordered_map and SQLite in memory, its key table beside other tables, and itself beside a store
-// a tenth as large.
+// The store beside std::unordered_map and SQLite in memory, and its key table beside other tables.
 #ifndef CATALOGCORE_BENCH_STORE_STORE_BENCH_H_
 #define CATALOGCORE_BENCH_STORE_STORE_BENCH_H_
 
@@ -9,8 +8,8 @@ void AddStoreRows();
 // One million entries.
 void AddKeyTableRows();
 
-// Catalogues of one shape, each beside one of the same shape with a tenth of the images: linear is a ratio of 1, as far
-// as the memory's caches go.
+// Catalogues of unusual shapes (everything in one folder, in one index, each image in a folder of its own, folders of 50
+// levels) beside one of as many images in folders of 3,000 and 20 indexes.
 void AddShapeRows();
 
 #endif  // CATALOGCORE_BENCH_STORE_STORE_BENCH_H_

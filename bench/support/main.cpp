@@ -1,5 +1,6 @@
-// catalogcore_bench RATIOS.json [Google Benchmark's arguments]
+// catalogcore_bench RATIOS.json [Google Benchmark's arguments]: also draws performance.svg beside RATIOS.json.
 #include <cstdio>
+#include <filesystem>
 #include <string>
 
 #include "bench/engines/engines_bench.h"
@@ -26,7 +27,7 @@ int main(int argc, char** argv) {
   std::vector<Ratio> results;
   const int status = RunRows(argc - 1, argv + 1, file, results);
   if (status != 0) return status;
-  const std::string plot = std::string(file) + ".svg";
+  const std::string plot = std::filesystem::path(file).replace_filename("performance.svg");
   if (WritePlot(results, {"lookup", "add", "add_sqlite", "walk_index", "walk_folder", "move", "remove"}, plot))
     return 0;
   std::fprintf(stderr, "catalogcore_bench: cannot write %s\n", plot.c_str());

@@ -116,7 +116,7 @@ TEST_F(KeyTableTest, WithoutMemoryToGrowNothingIsLost) {
       table_.Insert(entry);
     }
     ExpectAllFound();
-    InsertNumber(static_cast<int>(entries_.size()));  // now there is memory, and all of the growth is made up for
+    InsertNumber(static_cast<int>(entries_.size()));  // now there is memory
     ExpectAllFound();
   }
 }
