@@ -111,12 +111,12 @@ class Bed {
 
   double Load() {
     const Catalogue catalogue(pictures_.Root());
-    return Time(count_, [] { Call(IDXLoadImageFile, "loaded"); });
+    return ThreadTime(count_, [] { Call(IDXLoadImageFile, "loaded"); });
   }
 
   double LoadDatabase() {
     Map map;
-    const double taken = Time(count_, [&] { ReadDatabase(map); });
+    const double taken = ThreadTime(count_, [&] { ReadDatabase(map); });
     Require(map.size() == pictures_.Paths().size(), "reading every row");
     return taken;
   }
