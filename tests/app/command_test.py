@@ -94,6 +94,9 @@ class CommandTest(unittest.TestCase):
         (self.pictures / "readme.txt").write_text("passed over silently")
         (self.pictures / "scans" / "up").symlink_to(self.pictures)
         (self.pictures / "same").symlink_to(self.pictures / "scans")
+        (self.root / "far").mkdir()
+        (self.root / "far" / "page.png").write_bytes(PAGE)
+        (self.pictures / "link").symlink_to(self.root / "far")
         (self.pictures / "gone.png").symlink_to(self.pictures / "nowhere")
         result = self.sort(self.pictures, self.root / "absent", status=1)
         reasons = {pathlib.Path(skip["file"]).name: skip["reason"] for skip in result["skipped"]}
@@ -101,7 +104,12 @@ class CommandTest(unittest.TestCase):
         for name, reason in (("cut.png", "cut short"), ("fake.jpg", "not an image"), ("up", "leads back"),
                              ("line\nfeed.png", "line feed"), ("gone.png", "nothing"), ("absent", "No such file")):
             self.assertIn(reason, reasons[name])
-        self.assertEqual(result["filed"], 2)
+        self.assertEqual(result["filed"], 3)
+        self.assertIn(str(self.root / "far" / "page.png"), [image["file"] for image in self.listed()])
+        self.run_command("rm", self.pictures / "link" / "page.png")
+        shutil.move(self.pictures / "scans", self.root / "moved")
+        (self.pictures / "scans").symlink_to(self.root / "moved")
+        self.run_command("rm", self.pictures / "scans" / "page.png")
 
     def test_names_that_differ_in_case_alone(self):
         letters = "abcdefghij"
