@@ -216,12 +216,27 @@ class CommandTest(unittest.TestCase):
         self.run_command("check")
         first = [image["file"] for image in self.listed()]
         self.assertEqual(first, sorted(map(str, self.pictures.rglob("*.png")))[:len(first)])
+        shutil.rmtree(self.catalog)
+        ignoring = subprocess.Popen(["sh", "-c", 'trap "" HUP; exec "$0" "$@"', *self.command("sort", self.pictures)],
+                                    stdout=subprocess.DEVNULL)
+        while ignoring.poll() is None and not (self.catalog / "lock").exists():
+            pass
+        ignoring.send_signal(signal.SIGHUP)
+        self.assertEqual(ignoring.wait(120), 0)
         written = []
         for jobs in (1, 4):
             shutil.rmtree(self.catalog, ignore_errors=True)
             self.run_command("sort", "--jobs", jobs, self.pictures)
             written.append((self.catalog / "images.plist").read_bytes())
         self.assertEqual(*written)
+
+    def test_a_sort_that_nobody_listens_to_files_everything(self):
+        (self.pictures / "a.png").write_text("no picture")
+        for outputs in (">&- 2>&-", "2>&1 | true"):
+            shutil.rmtree(self.catalog, ignore_errors=True)
+            subprocess.run(["sh", "-c", f'"$0" "$@" {outputs}', *self.command("sort", self.pictures)])
+            self.assertEqual(len(self.listed()), 2, outputs)
+            self.assertRegex((self.catalog / "lock").read_text(), r"^process \d+ \(catalogcore sort\)\n$")
 
     def test_help_man_page_and_completion_tell_of_every_option(self):
         pages = [pathlib.Path(MAN_PAGE).read_text().replace("\\-", "-"), pathlib.Path(COMPLETION).read_text()]
