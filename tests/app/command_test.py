@@ -185,6 +185,8 @@ class CommandTest(unittest.TestCase):
     def test_indexes(self):
         self.assertEqual(self.run_command("index", "add", "Photographs", "Été, nord", "--no-remove")[0], "1100000\n")
         self.run_command("index", "rename", "Été, nord", "Summer")
+        self.run_command("index", "add", "Documents", "1010000")
+        self.run_command("ls", "1010000")  # the preset of that number
         for arguments, reason in (
                 (("add", "Photographs", "Summer"), "of that name already"), (("add", "Photographs", ""), "not empty"),
                 (("add", "Nowhere", "x"), "no index \"Nowhere\""), (("rename", "People", "x"), "is a preset"),
