@@ -47,7 +47,7 @@ void Change(Session& session, const std::string& command, const std::function<vo
 }
 
 void PrintJsonLine(const nlohmann::ordered_json& value) {
-  std::puts(value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+  std::puts(ForOutput(value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)).c_str());
 }
 
 }  // namespace catalogcore::app

@@ -47,14 +47,14 @@ void Report(Session& session, const Catalog& catalog, bool isJson) {
                           {"missing", missing}});
   }
   for (const FileState* state : {&catalog.IndexFile(), &catalog.ImageFile()}) {
-    std::printf("%s: %s\n", state->file.c_str(), StateWords(*state).c_str());
+    std::printf("%s: %s\n", ForOutput(state->file.string()).c_str(), StateWords(*state).c_str());
   }
   std::printf("%zu indexes, %s, %s missing\n", indexes, Counted(images, "image").c_str(),
               Grouped(missing.size()).c_str());
   if (catalog.Displaced() > 0) {
     std::printf("%s in \"Other\", since their indexes are not there\n", Counted(catalog.Displaced(), "image").c_str());
   }
-  for (const std::string& path : missing) std::printf("  missing: %s\n", path.c_str());
+  for (const std::string& path : missing) std::printf("  missing: %s\n", ForOutput(path).c_str());
   if (!missing.empty()) std::puts("They stay in the catalogue; `catalogcore check --forget` drops them.");
 }
 

@@ -10,6 +10,7 @@
 #include "app/picture.h"
 #include "app/presets.h"
 #include "app/scene.h"
+#include "app/text.h"
 
 namespace catalogcore::app {
 namespace {
@@ -30,7 +31,7 @@ void Print(const std::string& file, const Decision& decision, bool isJson) {
     line["status"] = preset ? "ok" : decision.problem;
     PrintJsonLine(line);
   } else if (preset) {
-    std::printf("%s: %s, %s (%d)\n", file.c_str(), pictureClass ? pictureClass : "undecided", preset->name,
+    std::printf("%s: %s, %s (%d)\n", ForOutput(file).c_str(), pictureClass ? pictureClass : "undecided", preset->name,
                 decision.preset);
   }
 }

@@ -1,4 +1,5 @@
 """The command as people use it: command_test.py CATALOGCORE MAN-PAGE COMPLETION [unittest arguments]"""
+import contextlib
 import csv
 import fcntl
 import io
@@ -7,12 +8,15 @@ import json
 import os
 import pathlib
 import plistlib
+import pty
 import re
 import shutil
 import signal
 import subprocess
 import sys
 import tempfile
+import termios
+import unicodedata
 import unittest
 
 import pictures
@@ -239,6 +243,29 @@ class CommandTest(unittest.TestCase):
             subprocess.run(["sh", "-c", f'"$0" "$@" {outputs}', *self.command("sort", self.pictures)])
             self.assertEqual(len(self.listed()), 2, outputs)
             self.assertRegex((self.catalog / "lock").read_text(), r"^process \d+ \(catalogcore sort\)\n$")
+
+    def test_a_terminal_gets_lines_that_fit_and_no_control_characters(self):
+        for name in ("a\x1b[31m.png", "b\x9b31m.png", "写真" * 12 + ".png"):
+            (self.pictures / name).write_bytes(PHOTOGRAPH)
+        self.run_command("sort", self.pictures)
+        for arguments in (("ls",), ("classify", self.pictures)):
+            process, terminal = pty.fork()
+            if process == 0:
+                termios.tcsetwinsize(0, (24, 40))
+                os.execve(COMMAND, self.command(*arguments), dict(os.environ, TERM="xterm"))
+            out = b""
+            with contextlib.suppress(OSError):  # the end
+                while chunk := os.read(terminal, 4096):
+                    out += chunk
+            os.close(terminal)
+            self.assertEqual(os.waitpid(process, 0)[1], 0)
+            out = out.decode()
+            self.assertNotRegex(out, "\x1b\\[31m|\x9b")
+            lines = re.findall("\r([^\r\n]+)\x1b\\[K", out)
+            self.assertEqual(len(lines), 0 if arguments == ("ls",) else 5)
+            for line in lines:
+                self.assertRegex(line, r"^\d of 5, ")
+                self.assertLess(sum(2 if unicodedata.east_asian_width(c) == "W" else 1 for c in line), 40, line)
 
     def test_help_man_page_and_completion_tell_of_every_option(self):
         pages = [pathlib.Path(MAN_PAGE).read_text().replace("\\-", "-"), pathlib.Path(COMPLETION).read_text()]
