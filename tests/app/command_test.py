@@ -180,10 +180,12 @@ class CommandTest(unittest.TestCase):
             err = self.run_command("rm", self.pictures / "beach.png", status=3)[1]
             self.assertRegex(err, r"is being changed by process \d+ \(catalogcore sort\).*--wait")
             self.assertEqual(len(self.listed()), 2)
-            waiting = subprocess.Popen(self.command("--wait", "rm", self.pictures / "beach.png"))
+            waiting = subprocess.Popen(self.command("--wait", "rm", self.pictures / "beach.png"),
+                                       stderr=subprocess.PIPE, text=True)
             with self.assertRaises(subprocess.TimeoutExpired):
                 waiting.wait(0.3)
-        self.assertEqual(waiting.wait(60), 0)
+        self.assertRegex(waiting.communicate(timeout=60)[1], r"process \d+ \(catalogcore sort\); waiting for it\n")
+        self.assertEqual(waiting.returncode, 0)
         self.assertEqual(len(self.listed()), 1)
 
     def test_indexes(self):
