@@ -54,6 +54,7 @@ void Remove(Session& session, Catalog& catalog, const ImageOptions& options) {
 }
 
 void Protect(Session& session, Catalog& catalog, const ImageOptions& options) {
+  options.protection.RequireAny();
   ChangeImages(session, catalog, options.files, "protect", [&](const ImageEntry& image) {
     return catalog.SetImageAttribute(image.path, options.protection.Applied(image.attribute));
   });

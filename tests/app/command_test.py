@@ -81,10 +81,10 @@ class CommandTest(unittest.TestCase):
 
     def test_classify_says_what_a_picture_is(self):
         (self.pictures / "notes.png").write_text("no picture")
-        done, err = self.run_command("classify", "--json", self.pictures, status=1)
+        done, err = self.run_command("classify", "--json", self.pictures, self.root / "absent", status=1)
         lines = [json.loads(line) for line in done.splitlines()]
         self.assertEqual([(line["class"], line["preset"], line["name"], line["status"]) for line in lines],
-                         [("photograph", 1090000, "Other photographs", "ok"),
+                         [(None, -1, None, "No such file or directory"), ("photograph", 1090000, "Other photographs", "ok"),
                           (None, -1, None, "not an image file"), ("document", 2030000, "Pages", "ok")])
         self.assertIn("notes.png: not an image file (skipped)", err)
         self.assertFalse(self.catalog.exists())
@@ -198,6 +198,7 @@ class CommandTest(unittest.TestCase):
                 (("add", "Nowhere", "x"), "no index \"Nowhere\""), (("rename", "People", "x"), "is a preset"),
                 (("add", "Photographs", "x", "--no-move", "--no-remove", "--no-rename"), "not written"),
                 (("protect", "Summer", "--no-move", "--no-rename"), "not written"),
+                (("protect", "Summer"), "say what may not be done"),
                 (("rm", "Summer"), "--force"), (("rm", "1000000"), "is a preset")):
             self.assertIn(reason, self.run_command("index", *arguments, status=2)[1], arguments)
         self.run_command("sort", self.pictures)
