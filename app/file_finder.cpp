@@ -8,6 +8,7 @@
 #include <system_error>
 #include <utility>
 
+#include "app/gallery/gallery.h"
 #include "app/picture.h"
 
 namespace catalogcore::app {
@@ -66,7 +67,7 @@ class Finder {
     std::error_code error;
     const fs::file_status status = entry.status(error);
     if (fs::is_directory(status)) {
-      folders.push_back(entry.path());
+      if (!fs::exists(entry.path() / kGalleryMark, error)) folders.push_back(entry.path());
     } else if (!fs::status_known(status)) {
       report_(entry.path().string(), error.message());
     } else if (HasPictureName(entry.path())) {

@@ -189,9 +189,9 @@ void AddSort(CLI::App& app, Session& session) {
   command->add_flag("--json", options->isJson, "Print the result as one JSON object");
   AddJobs(*command, options->jobs);
   command->footer(
-      "Folders are searched with all that is below them, hidden files and folders left out, for JPEG, PNG, TIFF, WebP\n"
-      "and HEIF files. The files themselves are never changed or moved. Ctrl-C ends the search and keeps what was\n"
-      "filed.\n\n"
+      "Folders are searched with all that is below them for JPEG, PNG, TIFF, WebP and HEIF files; hidden files and\n"
+      "folders, and galleries, are passed over. The files themselves are never changed or moved. Ctrl-C ends the\n"
+      "search and keeps what was filed.\n\n"
       "Examples:\n"
       "  catalogcore sort ~/Pictures ~/Scans\n"
       "  catalogcore sort --dry-run --json holiday/*.jpg");

@@ -78,6 +78,9 @@ class CommandTest(unittest.TestCase):
         self.run_command("mv", beach, "Other")
         self.assertEqual(self.sort("--again", self.pictures)["filed"], 2)
         self.assertEqual([image["index"] for image in self.listed()], [OTHER_PHOTOGRAPHS, PAGES])
+        self.run_command("gallery", self.pictures / "gallery")
+        self.assertTrue(list(self.pictures.glob("gallery/thumbs/*/*.jpg")))
+        self.assertEqual(self.sort(self.pictures)["filed"], 0)
 
     def test_classify_says_what_a_picture_is(self):
         (self.pictures / "notes.png").write_text("no picture")
