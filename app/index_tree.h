@@ -42,7 +42,8 @@ class IndexTree {
   std::string NameOf(std::int32_t number) const;
 
   // The index that a person means by its number (1010000), its path in numbers (1/1), or else its path in names
-  // (Photographs/People) or its name, in any letter case if there is none in this one. Throws UsageError if there is none or more than one.
+  // (Photographs/People) or its name, in any letter case if there is none in this one. Throws UsageError if there is
+  // none or more than one.
   const IndexNode& Resolve(const std::string& text) const;
 
  private:

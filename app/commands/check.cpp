@@ -37,7 +37,7 @@ void Report(Session& session, const Catalog& catalog, bool isJson) {
     if (!state->problem.empty()) session.status = kCatalogFailed;
     if (state->lost > 0 && session.status == kDone) session.status = kSomeSkipped;
   }
-  if (!missing.empty() && session.status == kDone) session.status = kSomeSkipped;
+  if ((!missing.empty() || catalog.Displaced() > 0) && session.status == kDone) session.status = kSomeSkipped;
   if (isJson) {
     return PrintJsonLine({{"indexFile", StateJson(catalog.IndexFile())},
                           {"imageFile", StateJson(catalog.ImageFile())},
@@ -80,7 +80,7 @@ void AddCheck(CLI::App& app, Session& session) {
   command->add_flag("--json", options->isJson, "Print one JSON object");
   command->footer(
       "Images whose file is gone stay in the catalogue until they are forgotten: a drive may only be unplugged.\n"
-      "Exits with 1 if something is missing, 3 if a file of the catalogue cannot be read.\n\n"
+      "Exits with 1 if something is missing or not in its place, 3 if a file of the catalogue cannot be read.\n\n"
       "Example:\n  catalogcore check");
   command->callback([options, &session] {
     if (options->isForgetting) {

@@ -175,6 +175,7 @@ class CommandTest(unittest.TestCase):
         (self.catalog / "images.plist").write_bytes(item(record.replace(b"1/9", b"10")))
         self.assertIn('now in "Other"', self.run_command("ls")[1])
         self.assertEqual(self.listed()[0]["index"], OTHER)
+        self.run_command("check", status=1)
 
     def test_one_command_at_a_time_changes_a_catalogue(self):
         self.run_command("sort", self.pictures)
