@@ -221,21 +221,24 @@ class CommandTest(unittest.TestCase):
     def test_a_sort_that_is_stopped_keeps_what_it_has_and_jobs_change_nothing(self):
         for number in range(40):
             (self.pictures / f"{number:02}.png").write_bytes(PAGE)
-        process = subprocess.Popen(self.command("sort", "--jobs", "3", self.pictures), stdout=subprocess.DEVNULL)
-        while process.poll() is None and not (self.catalog / "lock").exists():
-            pass
+        (self.pictures / "!.jpg").write_text("no picture: named as soon as the work has begun")
+
+        def begun(*command):
+            process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+            self.addCleanup(process.stderr.close)
+            self.assertIn(b"!.jpg", process.stderr.readline())
+            return process
+        process = begun(*self.command("sort", "--jobs", "3", self.pictures))
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(120), 130)
         self.run_command("check")
         first = [image["file"] for image in self.listed()]
         self.assertEqual(first, sorted(map(str, self.pictures.rglob("*.png")))[:len(first)])
         shutil.rmtree(self.catalog)
-        ignoring = subprocess.Popen(["sh", "-c", 'trap "" HUP; exec "$0" "$@"', *self.command("sort", self.pictures)],
-                                    stdout=subprocess.DEVNULL)
-        while ignoring.poll() is None and not (self.catalog / "lock").exists():
-            pass
+        ignoring = begun("sh", "-c", 'trap "" HUP; exec "$0" "$@"', *self.command("sort", self.pictures))
         ignoring.send_signal(signal.SIGHUP)
-        self.assertEqual(ignoring.wait(120), 0)
+        self.assertEqual(ignoring.wait(120), 1)
+        (self.pictures / "!.jpg").unlink()
         written = []
         for jobs in (1, 4):
             shutil.rmtree(self.catalog, ignore_errors=True)
