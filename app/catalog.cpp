@@ -107,6 +107,8 @@ void Catalog::RefileImages(const std::vector<CatalogRecord>& records) {
       ++imageFile_.lost;
     } else if (!HasImage(path)) {
       RefileImage(path, NumberOfKey(record.key), record.attribute);
+    } else if (!Contains(path)) {
+      ++imageFile_.lost;  // taken for another's
     }
   }
 }
@@ -291,7 +293,8 @@ void Catalog::Save(const FileState& state, FileCall write) const {
   StringVariable name(state.file.filename().string());
   const IDXSTATUS status = write(name.Variable());
   if (status == IDX_OK) return;
-  throw CatalogError("cannot write " + state.file.string() + ": " + FileStatusWords(status) +
+  const std::string reason = status == IDXERR_FAILED ? "" : ": " + FileStatusWords(status);
+  throw CatalogError("cannot write " + state.file.string() + reason +
                      " (the file is as it was; see that its folder can be written and has room)");
 }
 

@@ -23,12 +23,12 @@ std::string Holder(int file) {
   return holder.empty() ? "another process" : holder.substr(0, holder.find('\n'));
 }
 
-int Lock(int file, bool waits) {
+bool Lock(int file, int operation) {
   int result = 0;
   do {
-    result = flock(file, waits ? LOCK_EX : LOCK_EX | LOCK_NB);
-  } while (result != 0 && errno == EINTR && waits);
-  return result;
+    result = flock(file, operation);
+  } while (result != 0 && errno == EINTR);
+  return result == 0;
 }
 
 // That a lock cannot be read by the next one is no reason to fail.
@@ -40,22 +40,27 @@ void WriteHolder(int file, const std::string& command) {
 
 }  // namespace
 
-CatalogLock::CatalogLock(const std::filesystem::path& folder, const std::string& command, bool waits) : file_(-1) {
+CatalogLock::CatalogLock(const std::filesystem::path& folder, const std::string& command, const Waiting& waiting)
+    : file_(-1) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) throw CatalogError("cannot make " + folder.string() + ": " + error.message());
   const std::string name = (folder / "lock").string();
   file_ = open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   if (file_ < 0) throw CatalogError("cannot open " + name + ": " + Reason());
-  if (Lock(file_, waits) == 0) {
-    WriteHolder(file_, command);
-    return;
+  bool isLocked = Lock(file_, LOCK_EX | LOCK_NB);
+  std::string problem = isLocked || errno == EWOULDBLOCK ? "" : "cannot lock " + name + ": " + Reason();
+  if (!isLocked && problem.empty()) {
+    const std::string holder = folder.string() + " is being changed by " + Holder(file_);
+    if (waiting) waiting(holder);
+    isLocked = waiting && Lock(file_, LOCK_EX);
+    problem = holder + " (try again later, or wait for it with --wait)";
   }
-  const std::string problem = errno == EWOULDBLOCK ? folder.string() + " is being changed by " + Holder(file_) +
-                                                         " (try again later, or wait for it with --wait)"
-                                                   : "cannot lock " + name + ": " + Reason();
-  close(file_);
-  throw CatalogError(problem);
+  if (!isLocked) {
+    close(file_);
+    throw CatalogError(problem);
+  }
+  WriteHolder(file_, command);
 }
 
 CatalogLock::~CatalogLock() { close(file_); }

@@ -3,6 +3,7 @@
 #define CATALOGCORE_APP_CATALOG_LOCK_H_
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 namespace catalogcore::app {
@@ -11,8 +12,11 @@ namespace catalogcore::app {
 // ends, however it ends. The file "lock" in the folder says who holds it, and stays.
 class CatalogLock {
  public:
-  // Throws CatalogError: who holds the lock (unless it is to be waited for), or why the folder cannot be used.
-  CatalogLock(const std::filesystem::path& folder, const std::string& command, bool waits);
+  // Told who holds the lock before it is waited for: "FOLDER is being changed by process 4711 (catalogcore sort)".
+  using Waiting = std::function<void(const std::string& holder)>;
+
+  // Throws CatalogError: who holds the lock (unless there is a `waiting`), or why the folder cannot be used.
+  CatalogLock(const std::filesystem::path& folder, const std::string& command, const Waiting& waiting);
   CatalogLock(const CatalogLock&) = delete;
   CatalogLock& operator=(const CatalogLock&) = delete;
   ~CatalogLock();

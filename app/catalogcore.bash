@@ -22,7 +22,7 @@ _catalogcore() {
 
   case $previous in
     --catalog | --folder)
-      mapfile -t COMPREPLY < <(compgen -d -- "$current")
+      compopt -o dirnames +o default
       return
       ;;
     --format)
@@ -52,22 +52,20 @@ _catalogcore() {
     mapfile -t COMPREPLY < <(compgen -W "$options $global" -- "$current")
     return
   fi
-  # Arguments: the names of indexes where one belongs, else files.
-  local files
-  mapfile -t files < <(compgen -f -- "$current")
-  COMPREPLY=("${files[@]}")
+  # Arguments: numbers of indexes where one belongs, else files, which readline completes itself.
   case $command in
-    ls | mv | index\ *)
-      local IFS=$'\n' catalog=()
-      for ((i = 1; i < COMP_CWORD; i++)); do
-        [[ ${COMP_WORDS[i]} == --catalog ]] && catalog=(--catalog "${COMP_WORDS[i + 1]}")
-      done
-      local numbers
-      numbers=$("${COMP_WORDS[0]}" "${catalog[@]}" tree --json 2>/dev/null | grep -o '"index":[0-9]*' | grep -o '[0-9]*$')
-      [[ $command == ls || $command == index\ * ]] && COMPREPLY=()
-      mapfile -t -O "${#COMPREPLY[@]}" COMPREPLY < <(compgen -W "$numbers" -- "$current")
-      ;;
+    mv) [[ $current == [0-9]* ]] || return ;;
+    ls | index\ *) ;;
+    *) return ;;
   esac
+  local catalog=() numbers
+  for ((i = 1; i < COMP_CWORD; i++)); do
+    [[ ${COMP_WORDS[i]} == --catalog ]] || continue
+    word=${COMP_WORDS[i + 1]//[\\\"\']/}  # as typed, with quotes
+    catalog=(--catalog "${word/#~\//$HOME/}")
+  done
+  numbers=$("${COMP_WORDS[0]}" "${catalog[@]}" tree --json 2>/dev/null | grep -o '"index":[0-9]*' | grep -o '[0-9]*$')
+  mapfile -t COMPREPLY < <(compgen -W "$numbers" -- "$current")
 }
 
-complete -o filenames -F _catalogcore catalogcore
+complete -o default -F _catalogcore catalogcore

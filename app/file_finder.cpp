@@ -3,10 +3,12 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <set>
 #include <system_error>
 #include <utility>
 
+#include "app/gallery/gallery.h"
 #include "app/picture.h"
 
 namespace catalogcore::app {
@@ -37,16 +39,19 @@ class Finder {
   }
 
  private:
-  // What can be reached in two ways is searched once; what contains itself is a loop.
+  // What can be reached in two ways is searched once, under its own name; what contains itself is a loop.
   void Folder(const fs::path& folder) {
     struct stat status {};
-    if (stat(folder.c_str(), &status) != 0) return;  // gone meanwhile
+    if (stat(folder.c_str(), &status) != 0) {
+      if (errno != ENOENT) report_(folder.string(), std::generic_category().message(errno));  // else gone meanwhile
+      return;
+    }
     const Identity identity(status.st_dev, status.st_ino);
     if (above_.count(identity) != 0) return report_(folder.string(), "a link that leads back to a folder above it");
     if (!searched_.insert(identity).second) return;
     above_.insert(identity);
     std::error_code error;
-    fs::directory_iterator entries(folder, error);
+    fs::directory_iterator entries(fs::is_symlink(folder, error) ? fs::path(CatalogPath(folder)) : folder, error);
     std::vector<fs::path> folders;
     for (; !error && entries != fs::directory_iterator() && !Stops(); entries.increment(error)) {
       if (entries->path().filename().native().front() != '.') Entry(*entries, folders);
@@ -62,7 +67,9 @@ class Finder {
     std::error_code error;
     const fs::file_status status = entry.status(error);
     if (fs::is_directory(status)) {
-      folders.push_back(entry.path());
+      if (!fs::exists(entry.path() / kGalleryMark, error)) folders.push_back(entry.path());
+    } else if (!fs::status_known(status)) {
+      report_(entry.path().string(), error.message());
     } else if (HasPictureName(entry.path())) {
       if (!fs::exists(status)) return report_(entry.path().string(), "a link to nothing");
       found_.files.push_back(entry.is_symlink(error) ? CatalogPath(entry.path()) : entry.path().string());

@@ -18,8 +18,9 @@ struct FoundFiles {
 };
 
 // Names that are files count whatever they are called; folders are searched for files that are called like pictures.
-// Hidden files and folders in them are passed over. Links are followed; what cannot be read, and a link that leads
-// back to a folder above it, is reported and passed over. `stop` is asked now and then.
+// Hidden files and folders in them are passed over, and so are galleries with their thumbnails. Links are followed; what
+// cannot be read, and a link that leads back to a folder above it, is reported and passed over. `stop` is asked now and
+// then.
 FoundFiles FindPictures(const std::vector<std::string>& names, const std::function<bool(std::size_t found)>& stop,
                         const std::function<void(const std::string& file, const std::string& reason)>& report);
 

@@ -2,7 +2,6 @@
 
 #include <strings.h>
 
-#include <algorithm>
 #include <map>
 
 #include "app/catalog_records.h"
@@ -29,29 +28,27 @@ std::string Listed(const std::vector<const IndexNode*>& nodes) {
 IndexTree::IndexTree(const Catalog& catalog) {
   std::map<std::int32_t, std::size_t> counts;
   catalog.ForEachImage(IDX_ROOT, "", [&counts](const ImageEntry& image) { ++counts[image.index]; });
-  std::map<std::int32_t, std::size_t> positions;
   for (IndexEntry& entry : catalog.Indexes()) {
     IndexNode node;
     node.parent = ParentOf(entry.number);
     node.images = node.below = counts[entry.number];
-    const auto parent = positions.find(node.parent);
-    const bool isTop = parent == positions.end();
+    const auto parent = positions_.find(node.parent);
+    const bool isTop = parent == positions_.end();
     node.level = isTop ? 0 : nodes_[parent->second].level + 1;
     node.path = isTop ? entry.name : nodes_[parent->second].path + '/' + entry.name;
-    positions[entry.number] = nodes_.size();
+    positions_[entry.number] = nodes_.size();
     node.entry = std::move(entry);
     nodes_.push_back(std::move(node));
   }
   for (auto node = nodes_.rbegin(); node != nodes_.rend(); ++node) {
-    const auto parent = positions.find(node->parent);
-    if (parent != positions.end()) nodes_[parent->second].below += node->below;
+    const auto parent = positions_.find(node->parent);
+    if (parent != positions_.end()) nodes_[parent->second].below += node->below;
   }
 }
 
 const IndexNode* IndexTree::Find(std::int32_t number) const {
-  const auto node = std::find_if(nodes_.begin(), nodes_.end(),
-                                 [number](const IndexNode& other) { return other.entry.number == number; });
-  return node == nodes_.end() ? nullptr : &*node;
+  const auto position = positions_.find(number);
+  return position == positions_.end() ? nullptr : &nodes_[position->second];
 }
 
 std::string IndexTree::NameOf(std::int32_t number) const {
@@ -63,8 +60,9 @@ const IndexNode& IndexTree::Resolve(const std::string& text) const {
   std::vector<const IndexNode*> exact;
   std::vector<const IndexNode*> inAnyCase;
   for (const IndexNode& node : nodes_) {
-    const std::string number = std::to_string(node.entry.number);
-    if (text == number || text == KeyOfNumber(node.entry.number) || text == node.path || text == node.entry.name) {
+    // Numbers first, so that every index can be named whatever the others are called.
+    if (text == std::to_string(node.entry.number) || text == KeyOfNumber(node.entry.number)) return node;
+    if (text == node.path || text == node.entry.name) {
       exact.push_back(&node);
     } else if (strcasecmp(text.c_str(), node.path.c_str()) == 0 ||
                strcasecmp(text.c_str(), node.entry.name.c_str()) == 0) {

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -40,12 +41,14 @@ class IndexTree {
   // The name of an index, its number if it is not there.
   std::string NameOf(std::int32_t number) const;
 
-  // The index that a person means by its number (1010000), its path in numbers (1/1) or in names (Photographs/People),
-  // or its name, in any letter case if there is none in this one. Throws UsageError if there is none or more than one.
+  // The index that a person means by its number (1010000), its path in numbers (1/1), or else its path in names
+  // (Photographs/People) or its name, in any letter case if there is none in this one. Throws UsageError if there is
+  // none or more than one.
   const IndexNode& Resolve(const std::string& text) const;
 
  private:
   std::vector<IndexNode> nodes_;
+  std::map<std::int32_t, std::size_t> positions_;  // in nodes_, by number
 };
 
 // The protections of an attribute in words: "move", "remove", "rename".

@@ -14,7 +14,11 @@ const std::atomic<bool>& CatchInterrupts() {
   struct sigaction action {};
   action.sa_handler = [](int) { isInterrupted = true; };
   action.sa_flags = static_cast<int>(SA_RESETHAND) | SA_RESTART;
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaction(signal, &action, nullptr);
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    struct sigaction before {};
+    sigaction(signal, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);  // nohup, or a shell's background
+  }
   return isInterrupted;
 }
 

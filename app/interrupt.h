@@ -3,11 +3,24 @@
 #define CATALOGCORE_APP_INTERRUPT_H_
 
 #include <atomic>
+#include <csignal>
 
 namespace catalogcore::app {
 
-// From now on, SIGINT, SIGTERM and SIGHUP set the flag that is returned.
+// From now on, SIGINT, SIGTERM and SIGHUP set the flag that is returned, but for those that the process ignores.
 const std::atomic<bool>& CatchInterrupts();
+
+// While it lives, nobody reading the output (any more) is no reason to end.
+class IgnoredPipes {
+ public:
+  IgnoredPipes() : before_(std::signal(SIGPIPE, SIG_IGN)) {}
+  IgnoredPipes(const IgnoredPipes&) = delete;
+  IgnoredPipes& operator=(const IgnoredPipes&) = delete;
+  ~IgnoredPipes() { std::signal(SIGPIPE, before_); }
+
+ private:
+  void (*before_)(int);
+};
 
 // What a process that was asked to stop exits with: 128 + SIGINT, as shells have it.
 inline constexpr int kInterruptedStatus = 130;

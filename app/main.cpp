@@ -1,4 +1,7 @@
 // The command catalogcore.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <exception>
@@ -46,6 +49,15 @@ void DescribeCommandLine(CLI::App& app, Session& session) {
       "`catalogcore COMMAND --help` tells about each command.");
 }
 
+// A file that is opened must not become the standard output of a process that was started without one. What is opened
+// here instead fails when it is written to, and so it is noticed.
+void OccupyStandardDescriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(descriptor, F_GETFD) != -1) continue;
+    if (open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY) < 0) return;
+  }
+}
+
 int Run(int argc, char** argv, Session& session) {
   CLI::App app("Files pictures by what they show: documents by their size, photographs by whether faces show.",
                "catalogcore");
@@ -71,6 +83,7 @@ int Run(int argc, char** argv, Session& session) {
 
 int main(int argc, char** argv) {
   using catalogcore::app::Session;
+  catalogcore::app::OccupyStandardDescriptors();
   Session session;
   try {
     return catalogcore::app::Run(argc, argv, session);

@@ -58,7 +58,11 @@ std::size_t RunInOrder(std::size_t count, unsigned jobs, const std::atomic<bool>
   std::vector<std::thread> threads;
   {
     std::unique_lock lock(mutex);
-    for (std::size_t i = 0; i < threadCount; ++i) threads.emplace_back(run);
+    try {
+      for (std::size_t i = 0; i < threadCount; ++i) threads.emplace_back(run);
+    } catch (...) {
+      failure = std::current_exception();
+    }
     for (;;) {
       changed.wait(lock, [&] { return failure || done.count(taken) != 0 || running == 0; });
       if (failure || done.count(taken) == 0) break;

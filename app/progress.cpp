@@ -3,6 +3,7 @@
 #include <sys/ioctl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -26,14 +27,6 @@ std::size_t Columns() {
   winsize size{};
   if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsualColumns;
   return size.ws_col;
-}
-
-// Control characters of a file's name must not reach the terminal.
-std::string Printable(std::string text) {
-  for (char& byte : text) {
-    if (static_cast<unsigned char>(byte) < ' ' || byte == '\x7F') byte = '?';
-  }
-  return text;
 }
 
 std::string Duration(double seconds) {
@@ -65,7 +58,7 @@ bool Progress::IsDue() {
 }
 
 void Progress::Count(const std::string& what, std::size_t found) {
-  if (IsDue()) Show(what + ": " + Grouped(found));
+  if (IsDue()) Show(what + ": " + Grouped(found), "");
 }
 
 void Progress::Step(std::size_t done, std::size_t total, const std::string& file) {
@@ -77,11 +70,13 @@ void Progress::Step(std::size_t done, std::size_t total, const std::string& file
     const double rate = static_cast<double>(done) / seconds;
     line += ", " + Rate(rate) + " a second, " + Duration(static_cast<double>(total - done) / rate) + " left";
   }
-  Show(line + ", " + std::filesystem::path(file).filename().string());
+  Show(line + ", ", Printable(std::filesystem::path(file).filename().string()));
 }
 
-void Progress::Show(const std::string& line) {
-  std::fprintf(stderr, "\r%s\x1B[K", Shortened(Printable(line), Columns() - 1).c_str());
+void Progress::Show(const std::string& numbers, const std::string& name) {
+  const std::size_t columns = Columns() - 1;
+  const std::size_t left = columns - std::min(columns, TextWidth(numbers));
+  std::fprintf(stderr, "\r%s\x1B[K", Shortened(numbers + Shortened(name, left), columns).c_str());
   std::fflush(stderr);
   isShown_ = true;
 }

@@ -20,7 +20,8 @@ class Progress {
   // "Looking for pictures: 1,204".
   void Count(const std::string& what, std::size_t found);
 
-  // "1,204 of 5,000, 12 a second, 5:16 left, beach.jpg". The rate counts from the first call.
+  // "1,204 of 5,000, 12 a second, 5:16 left, beach.jpg", the name cut to what the line has room for. The rate counts
+  // from the first call.
   void Step(std::size_t done, std::size_t total, const std::string& file);
 
   // "catalogcore: MESSAGE", above the progress line.
@@ -33,7 +34,7 @@ class Progress {
   using Clock = std::chrono::steady_clock;
 
   bool IsDue();
-  void Show(const std::string& line);
+  void Show(const std::string& numbers, const std::string& name);  // the name gets the room that is left
 
   bool isOnTerminal_;
   bool isShown_ = false;

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdint>
 
+#include "app/index_tree.h"
 #include "catalogcore.h"
 
 namespace catalogcore::app {
@@ -16,6 +17,12 @@ struct ProtectionOptions {
   bool noRemove = false;
   bool noRename = false;
   bool none = false;
+
+  // Throws UsageError if there is nothing to do.
+  void RequireAny() const {
+    if (!noMove && !noRemove && !noRename && !none)
+      throw UsageError("say what may not be done (see --help), or --none");
+  }
 
   // The attribute with the protections asked for added, or all taken away; an application's own bits stay.
   std::uint8_t Applied(std::uint8_t attribute) const {

@@ -33,7 +33,8 @@ Catalog& OpenForReading(Session& session, std::optional<Catalog>& catalog) {
 }
 
 void ChangeUnchecked(Session& session, const std::string& command, const std::function<void(Catalog&)>& change) {
-  const CatalogLock lock(session.catalogFolder, command, session.waits);
+  const auto waiting = [&session](const std::string& holder) { session.progress.Say(holder + "; waiting for it"); };
+  const CatalogLock lock(session.catalogFolder, command, session.waits ? waiting : CatalogLock::Waiting());
   Catalog catalog(session.catalogFolder);
   SayOddities(session, catalog);
   change(catalog);
@@ -47,7 +48,7 @@ void Change(Session& session, const std::string& command, const std::function<vo
 }
 
 void PrintJsonLine(const nlohmann::ordered_json& value) {
-  std::puts(value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
+  std::puts(ForOutput(value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)).c_str());
 }
 
 }  // namespace catalogcore::app

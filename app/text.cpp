@@ -1,6 +1,8 @@
 #include "app/text.h"
 
-#include <algorithm>
+#include <glib.h>
+#include <unistd.h>
+
 #include <stdexcept>
 
 namespace catalogcore::app {
@@ -11,25 +13,31 @@ CFStringRef NewString(const std::string& text) {
   return CFStringCreateWithCString(kCFAllocatorDefault, text.c_str(), kCFStringEncodingUTF8);
 }
 
-bool BeginsCharacter(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U; }
+struct Character {
+  std::size_t size = 1;     // bytes
+  std::size_t columns = 1;  // of a terminal
+  bool isPrintable = false;
+};
 
-// The first bytes of the text that make up `width` characters.
-std::string Head(const std::string& text, std::size_t width) {
-  std::size_t end = 0;
-  for (; end < text.size(); ++end) {
-    if (!BeginsCharacter(text[end])) continue;
-    if (width == 0) break;
-    --width;
-  }
-  return text.substr(0, end);
+// The one that begins there; a byte that begins none counts as one that cannot be printed.
+Character CharacterAt(const std::string& text, std::size_t at) {
+  const gunichar code = g_utf8_get_char_validated(text.data() + at, static_cast<gssize>(text.size() - at));
+  constexpr gunichar kInvalid = 0xFFFFFFFE;  // this and the next
+  if (code >= kInvalid || code == 0) return {};
+  const std::size_t columns = g_unichar_iszerowidth(code) ? 0 : g_unichar_iswide(code) ? 2 : 1;
+  return {static_cast<std::size_t>(g_unichar_to_utf8(code, nullptr)), columns, g_unichar_iscntrl(code) == 0};
 }
 
-std::string Tail(const std::string& text, std::size_t width) {
-  std::size_t begin = text.size();
-  while (begin > 0 && width > 0) {
-    if (BeginsCharacter(text[--begin])) --width;
+// The bytes of as many characters as `width` columns hold.
+std::size_t Fitting(const std::string& text, std::size_t width) {
+  std::size_t end = 0;
+  while (end < text.size()) {
+    const Character character = CharacterAt(text, end);
+    if (character.columns > width) break;
+    width -= character.columns;
+    end += character.size;
   }
-  return text.substr(begin);
+  return end;
 }
 
 }  // namespace
@@ -55,14 +63,42 @@ void StringVariable::Clear() {
 bool IsText(const std::string& text) { return Owned<CFStringRef>(NewString(text)) != nullptr; }
 
 std::size_t TextWidth(const std::string& text) {
-  return static_cast<std::size_t>(std::count_if(text.begin(), text.end(), BeginsCharacter));
+  std::size_t width = 0;
+  for (std::size_t at = 0; at < text.size();) {
+    const Character character = CharacterAt(text, at);
+    width += character.columns;
+    at += character.size;
+  }
+  return width;
 }
 
 std::string Shortened(const std::string& text, std::size_t width) {
-  if (TextWidth(text) <= width) return text;
-  if (width < 2) return Head(text, width);
+  std::size_t rest = TextWidth(text);
+  if (rest <= width) return text;
+  if (width < 2) return text.substr(0, Fitting(text, width));
   const std::size_t tail = (width - 1) / 2;
-  return Head(text, width - 1 - tail) + "…" + Tail(text, tail);
+  std::size_t begin = 0;
+  while (rest > tail) {
+    const Character character = CharacterAt(text, begin);
+    rest -= character.columns;
+    begin += character.size;
+  }
+  return text.substr(0, Fitting(text, width - 1 - tail)) + "…" + text.substr(begin);
+}
+
+std::string Printable(const std::string& text) {
+  std::string printable;
+  for (std::size_t at = 0; at < text.size();) {
+    const Character character = CharacterAt(text, at);
+    printable += character.isPrintable ? text.substr(at, character.size) : "?";
+    at += character.size;
+  }
+  return printable;
+}
+
+std::string ForOutput(const std::string& text) {
+  static const bool isTerminal = isatty(STDOUT_FILENO) != 0;
+  return isTerminal ? Printable(text) : text;
 }
 
 std::string Grouped(std::size_t number) {

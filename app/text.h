@@ -51,11 +51,17 @@ class StringVariable {
 // Whether the catalogue's calls take the text: valid UTF-8 without a zero byte.
 bool IsText(const std::string& text);
 
-// Columns of a terminal that the text takes, a column a character.
+// Columns of a terminal that the text takes.
 std::size_t TextWidth(const std::string& text);
 
 // The text, cut in its middle if it is wider than `width`.
 std::string Shortened(const std::string& text, std::size_t width);
+
+// The text with "?" for control characters, which would act on a terminal, and for what is no UTF-8.
+std::string Printable(const std::string& text);
+
+// A name from outside as it goes to standard output: printable if that is a terminal, else as it is.
+std::string ForOutput(const std::string& text);
 
 // The number with its thousands set apart: 1,204.
 std::string Grouped(std::size_t number);

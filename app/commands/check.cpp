@@ -37,7 +37,7 @@ void Report(Session& session, const Catalog& catalog, bool isJson) {
     if (!state->problem.empty()) session.status = kCatalogFailed;
     if (state->lost > 0 && session.status == kDone) session.status = kSomeSkipped;
   }
-  if (!missing.empty() && session.status == kDone) session.status = kSomeSkipped;
+  if ((!missing.empty() || catalog.Displaced() > 0) && session.status == kDone) session.status = kSomeSkipped;
   if (isJson) {
     return PrintJsonLine({{"indexFile", StateJson(catalog.IndexFile())},
                           {"imageFile", StateJson(catalog.ImageFile())},
@@ -47,14 +47,14 @@ void Report(Session& session, const Catalog& catalog, bool isJson) {
                           {"missing", missing}});
   }
   for (const FileState* state : {&catalog.IndexFile(), &catalog.ImageFile()}) {
-    std::printf("%s: %s\n", state->file.c_str(), StateWords(*state).c_str());
+    std::printf("%s: %s\n", ForOutput(state->file.string()).c_str(), StateWords(*state).c_str());
   }
   std::printf("%zu indexes, %s, %s missing\n", indexes, Counted(images, "image").c_str(),
               Grouped(missing.size()).c_str());
   if (catalog.Displaced() > 0) {
     std::printf("%s in \"Other\", since their indexes are not there\n", Counted(catalog.Displaced(), "image").c_str());
   }
-  for (const std::string& path : missing) std::printf("  missing: %s\n", path.c_str());
+  for (const std::string& path : missing) std::printf("  missing: %s\n", ForOutput(path).c_str());
   if (!missing.empty()) std::puts("They stay in the catalogue; `catalogcore check --forget` drops them.");
 }
 
@@ -80,7 +80,7 @@ void AddCheck(CLI::App& app, Session& session) {
   command->add_flag("--json", options->isJson, "Print one JSON object");
   command->footer(
       "Images whose file is gone stay in the catalogue until they are forgotten: a drive may only be unplugged.\n"
-      "Exits with 1 if something is missing, 3 if a file of the catalogue cannot be read.\n\n"
+      "Exits with 1 if something is missing or not in its place, 3 if a file of the catalogue cannot be read.\n\n"
       "Example:\n  catalogcore check");
   command->callback([options, &session] {
     if (options->isForgetting) {

@@ -10,6 +10,7 @@
 #include "app/picture.h"
 #include "app/presets.h"
 #include "app/scene.h"
+#include "app/text.h"
 
 namespace catalogcore::app {
 namespace {
@@ -30,7 +31,7 @@ void Print(const std::string& file, const Decision& decision, bool isJson) {
     line["status"] = preset ? "ok" : decision.problem;
     PrintJsonLine(line);
   } else if (preset) {
-    std::printf("%s: %s, %s (%d)\n", file.c_str(), pictureClass ? pictureClass : "undecided", preset->name,
+    std::printf("%s: %s, %s (%d)\n", ForOutput(file).c_str(), pictureClass ? pictureClass : "undecided", preset->name,
                 decision.preset);
   }
 }
@@ -39,7 +40,8 @@ void Classify(Session& session, const ClassifyOptions& options) {
   StartPictures("catalogcore");
   const Library library;
   const std::atomic<bool>& stop = CatchInterrupts();
-  const auto report = [&session](const std::string& file, const std::string& reason) {
+  const auto report = [&](const std::string& file, const std::string& reason) {
+    Print(file, {-1, reason}, options.isJson);
     session.Skip("cannot read " + file + ": " + reason + " (skipped)");
   };
   const std::vector<std::string> files = FindPictures(
@@ -49,8 +51,7 @@ void Classify(Session& session, const ClassifyOptions& options) {
       files.size(), options.jobs, stop, [&files](std::size_t i) { return DecideScene(files[i]); },
       [&](std::size_t i, const Decision& decision) {
         session.progress.Clear();
-        Print(files[i], decision, options.isJson);
-        if (!decision.problem.empty()) report(files[i], decision.problem);
+        decision.problem.empty() ? Print(files[i], decision, options.isJson) : report(files[i], decision.problem);
         session.progress.Step(i + 1, files.size(), files[i]);
       });
   if (stop) session.status = kInterruptedStatus;

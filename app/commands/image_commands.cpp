@@ -15,12 +15,20 @@ struct ImageOptions {
   bool isForced = false;
 };
 
+// By the name as it is given first: since its images were filed, a folder may have become a link.
+std::optional<ImageEntry> FindNamed(Catalog& catalog, const std::string& file) {
+  std::error_code error;
+  const std::optional<ImageEntry> image =
+      catalog.FindImage(std::filesystem::absolute(file, error).lexically_normal().string());
+  return image ? image : catalog.FindImage(CatalogPath(file));
+}
+
 // Changes image after image, names those that cannot be changed, and writes the others.
 void ChangeImages(Session& session, Catalog& catalog, const std::vector<std::string>& files, const std::string& verb,
                   const std::function<IDXSTATUS(const ImageEntry&)>& change) {
   bool isChanged = false;
   for (const std::string& file : files) {
-    const std::optional<ImageEntry> image = catalog.FindImage(CatalogPath(file));
+    const std::optional<ImageEntry> image = FindNamed(catalog, file);
     const IDXSTATUS status = image ? change(*image) : IDXSTATUS{IDXERR_NOIMAGE};
     if (status == IDXERR_MEMORY) throw CatalogError("out of memory (nothing was changed)");
     if (status == IDX_OK) {
@@ -46,6 +54,7 @@ void Remove(Session& session, Catalog& catalog, const ImageOptions& options) {
 }
 
 void Protect(Session& session, Catalog& catalog, const ImageOptions& options) {
+  options.protection.RequireAny();
   ChangeImages(session, catalog, options.files, "protect", [&](const ImageEntry& image) {
     return catalog.SetImageAttribute(image.path, options.protection.Applied(image.attribute));
   });

@@ -85,6 +85,7 @@ void Remove(Catalog& catalog, const IndexOptions& options) {
 }
 
 void Protect(Catalog& catalog, const IndexOptions& options) {
+  options.protection.RequireAny();
   const IndexTree tree(catalog);
   const IndexNode& node = ResolveAdded(tree, options.index);
   const std::uint8_t attribute = options.protection.Applied(node.entry.attribute);
@@ -110,7 +111,9 @@ void AddIndexCommands(CLI::App& app, Session& session) {
   const auto options = std::make_shared<IndexOptions>();
   CLI::App* const index = app.add_subcommand("index", "Add, rename, remove or protect an index");
   index->require_subcommand(1);
-  index->footer("`catalogcore index COMMAND --help` tells about each.");
+  index->footer(
+      "`catalogcore index COMMAND --help` tells about each.\n\n"
+      "Example:\n  catalogcore index add Photographs Holiday");
   const char* const anIndex = "Number, path or name of an index";
 
   CLI::App* const add =

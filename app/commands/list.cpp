@@ -7,6 +7,7 @@
 
 #include "app/commands/commands.h"
 #include "app/file_finder.h"
+#include "app/text.h"
 
 namespace catalogcore::app {
 namespace {
@@ -23,10 +24,11 @@ void List(Session& session, const ListOptions& options) {
   const IndexTree tree(catalog);
   const std::int32_t index = options.index.empty() ? IDX_ROOT : tree.Resolve(options.index).entry.number;
   const std::string folder = options.folder.empty() ? "" : CatalogPath(options.folder);
+  if (!IsText(folder)) throw UsageError("the folder's name is no valid UTF-8; the catalogue holds nothing of it");
   const bool isTerminal = isatty(STDOUT_FILENO) != 0;
   catalog.ForEachImage(index, folder, [&](const ImageEntry& image) {
     if (!options.isJson) {
-      std::printf("%s%s\n", image.path.c_str(), image.isMissing && isTerminal ? "  (missing)" : "");
+      std::printf("%s%s\n", ForOutput(image.path).c_str(), image.isMissing && isTerminal ? "  (missing)" : "");
       return;
     }
     PrintJsonLine({{"file", image.path},

@@ -47,6 +47,7 @@ class Sorter {
       if (IsWriteDue()) Write();
     };
     try {
+      const IgnoredPipes pipes;  // what was filed counts, whoever listens
       notReached_ = files.size() - RunInOrder(files.size(), options_.jobs, stop_, decide, take);
     } catch (const CatalogError&) {
       throw;
@@ -69,13 +70,13 @@ class Sorter {
           session_.progress.Count("Looking for pictures", count);
           return stop_.load();
         },
-        [this](const std::string& file, const std::string& reason) { Skip(file, reason); });
+        [this](const std::string& file, const std::string& reason) { Skip("read", file, reason); });
     if (stop_) return {};
     std::vector<std::string> files;
     for (std::string& file : found.files) {
       const std::string problem = catalog_.WhyNotHeld(file);
       if (!problem.empty()) {
-        Skip(file, problem);
+        Skip("file", file, problem);
       } else if (!options_.isAgain && catalog_.Contains(file)) {
         ++already_;
       } else {
@@ -86,20 +87,25 @@ class Sorter {
   }
 
   void Take(const std::string& file, const Decision& decision) {
-    if (!decision.problem.empty()) return Skip(file, decision.problem);
+    if (!decision.problem.empty()) return Skip("read", file, decision.problem);
     if (!options_.isDryRun) {
-      const IDXSTATUS status = catalog_.Contains(file) ? catalog_.MoveImage(file, decision.preset, false)
-                                                       : catalog_.AddImage(file, decision.preset);
+      const IDXSTATUS status = File(file, decision.preset);
       if (status == IDXERR_MEMORY) throw CatalogError("out of memory");
-      if (status == IDXERR_IMAGEEXISTS) return Skip(file, kCaseTwin);
-      if (status != IDX_OK) return Skip(file, StatusWords(status));
-      ++unwritten_;
+      if (status == IDXERR_IMAGEEXISTS) return Skip("file", file, kCaseTwin);
+      if (status != IDX_OK) return Skip("file", file, StatusWords(status));
     }
     ++filed_[decision.preset];
   }
 
-  void Skip(const std::string& file, const std::string& reason) {
-    session_.Skip("cannot read " + file + ": " + reason + " (skipped)");
+  IDXSTATUS File(const std::string& file, std::int32_t preset) {
+    const std::optional<ImageEntry> image = catalog_.FindImage(file);
+    if (image && image->index == preset) return IDX_OK;  // a protected one may stay where it is
+    ++unwritten_;
+    return image ? catalog_.MoveImage(file, preset, false) : catalog_.AddImage(file, preset);
+  }
+
+  void Skip(const std::string& verb, const std::string& file, const std::string& reason) {
+    session_.Skip("cannot " + verb + ' ' + file + ": " + reason + " (skipped)");
     skipped_.emplace_back(file, reason);
   }
 
@@ -183,9 +189,9 @@ void AddSort(CLI::App& app, Session& session) {
   command->add_flag("--json", options->isJson, "Print the result as one JSON object");
   AddJobs(*command, options->jobs);
   command->footer(
-      "Folders are searched with all that is below them, hidden files and folders left out, for JPEG, PNG, TIFF, WebP\n"
-      "and HEIF files. The files themselves are never changed or moved. Ctrl-C ends the search and keeps what was\n"
-      "filed.\n\n"
+      "Folders are searched with all that is below them for JPEG, PNG, TIFF, WebP and HEIF files; hidden files and\n"
+      "folders, and galleries, are passed over. The files themselves are never changed or moved. Ctrl-C ends the\n"
+      "search and keeps what was filed.\n\n"
       "Examples:\n"
       "  catalogcore sort ~/Pictures ~/Scans\n"
       "  catalogcore sort --dry-run --json holiday/*.jpg");

@@ -22,11 +22,11 @@ void PrintText(const Catalog& catalog, const IndexTree& tree) {
   std::size_t width = 0;
   std::size_t images = 0;
   for (const IndexNode& node : tree.Nodes()) {
-    width = std::max(width, 2 * node.level + TextWidth(node.entry.name));
+    width = std::max(width, 2 * node.level + TextWidth(ForOutput(node.entry.name)));
     images += node.images;
   }
   for (const IndexNode& node : tree.Nodes()) {
-    const std::string name = std::string(2 * node.level, ' ') + node.entry.name;
+    const std::string name = std::string(2 * node.level, ' ') + ForOutput(node.entry.name);
     const std::string padding(width - TextWidth(name), ' ');
     const std::string protection = ProtectionText(node.entry);
     std::printf("%s%s  %9d  %9s%s%s\n", name.c_str(), padding.c_str(), node.entry.number, Grouped(node.below).c_str(),

@@ -20,6 +20,9 @@
 
 namespace catalogcore::app {
 
+// The file that marks a folder as a gallery.
+inline constexpr char kGalleryMark[] = "catalogcore-gallery.json";
+
 struct GalleryIndex {
   std::int32_t number = 0;
   std::int32_t parent = 0;  // a number; -1: top of the tree

@@ -5,6 +5,7 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "app/gallery/gallery.h"
 #include "app/gallery/whole_file.h"
 
 namespace catalogcore::app {
@@ -12,7 +13,6 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr const char* kRecordsFile = "catalogcore-gallery.json";
 constexpr int kFormat = 1;  // records of another format are made anew
 
 Json ToJson(const PictureRecord& record) {
@@ -58,7 +58,7 @@ PictureRecords OpenRecords(const std::filesystem::path& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) throw std::runtime_error("cannot make the folder " + folder.string() + ": " + error.message());
-  if (std::filesystem::exists(folder / kRecordsFile, error)) return ReadRecords(folder / kRecordsFile);
+  if (std::filesystem::exists(folder / kGalleryMark, error)) return ReadRecords(folder / kGalleryMark);
   const bool empty = std::filesystem::is_empty(folder, error);
   if (error) throw std::runtime_error("cannot read the folder " + folder.string() + ": " + error.message());
   if (!empty) {
@@ -72,7 +72,7 @@ void WriteRecords(const std::filesystem::path& folder, const PictureRecords& rec
   Json pictures = Json::object();
   for (const auto& [path, record] : records) pictures[path] = ToJson(record);
   const Json json = {{"format", kFormat}, {"pictures", std::move(pictures)}};
-  WriteWholeFile(folder / kRecordsFile, json.dump(-1, ' ', false, Json::error_handler_t::replace));
+  WriteWholeFile(folder / kGalleryMark, json.dump(-1, ' ', false, Json::error_handler_t::replace));
 }
 
 }  // namespace catalogcore::app

@@ -1,4 +1,5 @@
 """The command as people use it: command_test.py CATALOGCORE MAN-PAGE COMPLETION [unittest arguments]"""
+import contextlib
 import csv
 import fcntl
 import io
@@ -7,12 +8,15 @@ import json
 import os
 import pathlib
 import plistlib
+import pty
 import re
 import shutil
 import signal
 import subprocess
 import sys
 import tempfile
+import termios
+import unicodedata
 import unittest
 
 import pictures
@@ -74,13 +78,16 @@ class CommandTest(unittest.TestCase):
         self.run_command("mv", beach, "Other")
         self.assertEqual(self.sort("--again", self.pictures)["filed"], 2)
         self.assertEqual([image["index"] for image in self.listed()], [OTHER_PHOTOGRAPHS, PAGES])
+        self.run_command("gallery", self.pictures / "gallery")
+        self.assertTrue(list(self.pictures.glob("gallery/thumbs/*/*.jpg")))
+        self.assertEqual(self.sort(self.pictures)["filed"], 0)
 
     def test_classify_says_what_a_picture_is(self):
         (self.pictures / "notes.png").write_text("no picture")
-        done, err = self.run_command("classify", "--json", self.pictures, status=1)
+        done, err = self.run_command("classify", "--json", self.pictures, self.root / "absent", status=1)
         lines = [json.loads(line) for line in done.splitlines()]
         self.assertEqual([(line["class"], line["preset"], line["name"], line["status"]) for line in lines],
-                         [("photograph", 1090000, "Other photographs", "ok"),
+                         [(None, -1, None, "No such file or directory"), ("photograph", 1090000, "Other photographs", "ok"),
                           (None, -1, None, "not an image file"), ("document", 2030000, "Pages", "ok")])
         self.assertIn("notes.png: not an image file (skipped)", err)
         self.assertFalse(self.catalog.exists())
@@ -94,6 +101,9 @@ class CommandTest(unittest.TestCase):
         (self.pictures / "readme.txt").write_text("passed over silently")
         (self.pictures / "scans" / "up").symlink_to(self.pictures)
         (self.pictures / "same").symlink_to(self.pictures / "scans")
+        (self.root / "far").mkdir()
+        (self.root / "far" / "page.png").write_bytes(PAGE)
+        (self.pictures / "link").symlink_to(self.root / "far")
         (self.pictures / "gone.png").symlink_to(self.pictures / "nowhere")
         result = self.sort(self.pictures, self.root / "absent", status=1)
         reasons = {pathlib.Path(skip["file"]).name: skip["reason"] for skip in result["skipped"]}
@@ -101,7 +111,12 @@ class CommandTest(unittest.TestCase):
         for name, reason in (("cut.png", "cut short"), ("fake.jpg", "not an image"), ("up", "leads back"),
                              ("line\nfeed.png", "line feed"), ("gone.png", "nothing"), ("absent", "No such file")):
             self.assertIn(reason, reasons[name])
-        self.assertEqual(result["filed"], 2)
+        self.assertEqual(result["filed"], 3)
+        self.assertIn(str(self.root / "far" / "page.png"), [image["file"] for image in self.listed()])
+        self.run_command("rm", self.pictures / "link" / "page.png")
+        shutil.move(self.pictures / "scans", self.root / "moved")
+        (self.pictures / "scans").symlink_to(self.root / "moved")
+        self.run_command("rm", self.pictures / "scans" / "page.png")
 
     def test_names_that_differ_in_case_alone(self):
         letters = "abcdefghij"
@@ -160,6 +175,7 @@ class CommandTest(unittest.TestCase):
         (self.catalog / "images.plist").write_bytes(item(record.replace(b"1/9", b"10")))
         self.assertIn('now in "Other"', self.run_command("ls")[1])
         self.assertEqual(self.listed()[0]["index"], OTHER)
+        self.run_command("check", status=1)
 
     def test_one_command_at_a_time_changes_a_catalogue(self):
         self.run_command("sort", self.pictures)
@@ -168,20 +184,25 @@ class CommandTest(unittest.TestCase):
             err = self.run_command("rm", self.pictures / "beach.png", status=3)[1]
             self.assertRegex(err, r"is being changed by process \d+ \(catalogcore sort\).*--wait")
             self.assertEqual(len(self.listed()), 2)
-            waiting = subprocess.Popen(self.command("--wait", "rm", self.pictures / "beach.png"))
+            waiting = subprocess.Popen(self.command("--wait", "rm", self.pictures / "beach.png"),
+                                       stderr=subprocess.PIPE, text=True)
             with self.assertRaises(subprocess.TimeoutExpired):
                 waiting.wait(0.3)
-        self.assertEqual(waiting.wait(60), 0)
+        self.assertRegex(waiting.communicate(timeout=60)[1], r"process \d+ \(catalogcore sort\); waiting for it\n")
+        self.assertEqual(waiting.returncode, 0)
         self.assertEqual(len(self.listed()), 1)
 
     def test_indexes(self):
         self.assertEqual(self.run_command("index", "add", "Photographs", "Été, nord", "--no-remove")[0], "1100000\n")
         self.run_command("index", "rename", "Été, nord", "Summer")
+        self.run_command("index", "add", "Documents", "1010000")
+        self.run_command("ls", "1010000")  # the preset of that number
         for arguments, reason in (
                 (("add", "Photographs", "Summer"), "of that name already"), (("add", "Photographs", ""), "not empty"),
                 (("add", "Nowhere", "x"), "no index \"Nowhere\""), (("rename", "People", "x"), "is a preset"),
                 (("add", "Photographs", "x", "--no-move", "--no-remove", "--no-rename"), "not written"),
                 (("protect", "Summer", "--no-move", "--no-rename"), "not written"),
+                (("protect", "Summer"), "say what may not be done"),
                 (("rm", "Summer"), "--force"), (("rm", "1000000"), "is a preset")):
             self.assertIn(reason, self.run_command("index", *arguments, status=2)[1], arguments)
         self.run_command("sort", self.pictures)
@@ -200,20 +221,61 @@ class CommandTest(unittest.TestCase):
     def test_a_sort_that_is_stopped_keeps_what_it_has_and_jobs_change_nothing(self):
         for number in range(40):
             (self.pictures / f"{number:02}.png").write_bytes(PAGE)
-        process = subprocess.Popen(self.command("sort", "--jobs", "3", self.pictures), stdout=subprocess.DEVNULL)
-        while process.poll() is None and not (self.catalog / "lock").exists():
-            pass
+        (self.pictures / "!.jpg").write_text("no picture: named as soon as the work has begun")
+
+        def begun(*command):
+            process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
+            self.addCleanup(process.stderr.close)
+            self.assertIn(b"!.jpg", process.stderr.readline())
+            return process
+        process = begun(*self.command("sort", "--jobs", "3", self.pictures))
         process.send_signal(signal.SIGINT)
         self.assertEqual(process.wait(120), 130)
         self.run_command("check")
         first = [image["file"] for image in self.listed()]
         self.assertEqual(first, sorted(map(str, self.pictures.rglob("*.png")))[:len(first)])
+        shutil.rmtree(self.catalog)
+        ignoring = begun("sh", "-c", 'trap "" HUP; exec "$0" "$@"', *self.command("sort", self.pictures))
+        ignoring.send_signal(signal.SIGHUP)
+        self.assertEqual(ignoring.wait(120), 1)
+        (self.pictures / "!.jpg").unlink()
         written = []
         for jobs in (1, 4):
             shutil.rmtree(self.catalog, ignore_errors=True)
             self.run_command("sort", "--jobs", jobs, self.pictures)
             written.append((self.catalog / "images.plist").read_bytes())
         self.assertEqual(*written)
+
+    def test_a_sort_that_nobody_listens_to_files_everything(self):
+        (self.pictures / "a.png").write_text("no picture")
+        for outputs in (">&- 2>&-", "2>&1 | true"):
+            shutil.rmtree(self.catalog, ignore_errors=True)
+            subprocess.run(["sh", "-c", f'"$0" "$@" {outputs}', *self.command("sort", self.pictures)])
+            self.assertEqual(len(self.listed()), 2, outputs)
+            self.assertRegex((self.catalog / "lock").read_text(), r"^process \d+ \(catalogcore sort\)\n$")
+
+    def test_a_terminal_gets_lines_that_fit_and_no_control_characters(self):
+        for name in ("a\x1b[31m.png", "b\x9b31m.png", "写真" * 12 + ".png"):
+            (self.pictures / name).write_bytes(PHOTOGRAPH)
+        self.run_command("sort", self.pictures)
+        for arguments in (("ls",), ("classify", self.pictures)):
+            process, terminal = pty.fork()
+            if process == 0:
+                termios.tcsetwinsize(0, (24, 40))
+                os.execve(COMMAND, self.command(*arguments), dict(os.environ, TERM="xterm"))
+            out = b""
+            with contextlib.suppress(OSError):  # the end
+                while chunk := os.read(terminal, 4096):
+                    out += chunk
+            os.close(terminal)
+            self.assertEqual(os.waitpid(process, 0)[1], 0)
+            out = out.decode()
+            self.assertNotRegex(out, "\x1b\\[31m|\x9b")
+            lines = re.findall("\r([^\r\n]+)\x1b\\[K", out)
+            self.assertEqual(len(lines), 0 if arguments == ("ls",) else 5)
+            for line in lines:
+                self.assertRegex(line, r"^\d of 5, ")
+                self.assertLess(sum(2 if unicodedata.east_asian_width(c) == "W" else 1 for c in line), 40, line)
 
     def test_help_man_page_and_completion_tell_of_every_option(self):
         pages = [pathlib.Path(MAN_PAGE).read_text().replace("\\-", "-"), pathlib.Path(COMPLETION).read_text()]
