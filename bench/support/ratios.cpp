@@ -77,15 +77,18 @@ int RunRows(int argc, char** argv, const std::string& file, std::vector<Ratio>& 
     const double* const ours = reporter.Median(added.name + "/ours");
     const double* const other = reporter.Median(added.name + "/" + added.alternative);
     if (!ours || !other) continue;
-    Ratio row = added;
-    row.ours = *ours;
-    row.other = *other;
-    const double ratio = row.ours / row.other;
-    std::printf("%-28s | %13.1f %-2s | %13.1f %-2s %-18s | %.3f\n", row.name.c_str(), row.ours, row.unit.c_str(),
-                row.other, row.unit.c_str(), row.alternative.c_str(), ratio);
-    rows.push_back(
-        {{"name", row.name}, {"unit", row.unit}, {"ours", row.ours}, {"other", row.other}, {"ratio", ratio}});
-    results.push_back(row);
+    const double ratio = *ours / *other;
+    std::printf("%-28s | %13.1f %-2s | %13.1f %-2s %-18s | %.3f\n", added.name.c_str(), *ours, added.unit.c_str(),
+                *other, added.unit.c_str(), added.alternative.c_str(), ratio);
+    rows.push_back({{"name", added.name},
+                    {"alternative", added.alternative},
+                    {"unit", added.unit},
+                    {"ours", *ours},
+                    {"other", *other},
+                    {"ratio", ratio}});
+  }
+  for (const nlohmann::json& row : rows) {
+    results.push_back({row["name"], row["alternative"], row["unit"], row["ours"], row["other"]});
   }
   std::ofstream out(file);
   out << rows.dump(2) << '\n';

@@ -22,9 +22,9 @@ struct Ratio {
 void AddRow(const std::string& name, Round ours, const std::string& alternative, Round other, int rounds = 9,
             const std::string& unit = "ns");
 
-// Runs every row, prints them, and adds them to the file, a list of {"name","unit","ours","other","ratio"}, ratio =
-// ours / other. Arguments are Google Benchmark's; a filter picks rows by name. Returns the exit status and adds the rows
-// to `results`.
+// Runs every row, prints them, and adds them to the file, a list of {"name","alternative","unit","ours","other","ratio"},
+// ratio = ours / other. Arguments are Google Benchmark's; a filter picks rows by name. Returns the exit status; `results`
+// gets all rows of the file.
 int RunRows(int argc, char** argv, const std::string& file, std::vector<Ratio>& results);
 
 // The nanoseconds of this thread that `work` takes for each of `operations`: what else runs on the machine takes none.
