@@ -9,6 +9,7 @@
 #include "store/entries.h"
 #include "store/hash_chain.h"
 #include "store/key_table.h"
+#include "store/open_finds.h"
 #include "store/result_codes.h"
 #include "store/search_handle.h"
 
@@ -20,8 +21,11 @@ inline constexpr std::int32_t kMaxKeyBytes = 4096;
 //
 // In what follows `tree` is kIndexTree or kFolderTree, and `force` (non-zero) sets an entry's protection aside. A
 // refusal comes before anything changes, and the checks come in the order in which they are listed, unless said
-// otherwise. Keys handed in must not be the store's own strings. An entry that a walk stands on must not be removed
-// before the walk goes on.
+// otherwise. Keys handed in must not be the store's own strings.
+//
+// Walks: between two steps of one that was opened (Finds().Open) anything may change; one that was not opened goes to
+// its end while nothing is removed. A step sees the catalogue as it is by then, but for what lies ahead of a removed
+// image, which is what stood behind it in its list when it was removed. A walk on a removed cell ends.
 class CIndexData {
  public:
   CIndexData();
@@ -37,6 +41,9 @@ class CIndexData {
   std::uint32_t Uninitialize();
 
   MPCriticalRegionID* CriticalRegion() { return &criticalRegion; }
+
+  // No find is open after Initialize or Uninitialize, whatever was opened before.
+  OpenFinds& Finds() { return openFinds; }
 
   // The first image of a bucket of the image table, 0 <= bucket < CIDXString::kBucketCount; null if it is
   // empty.
@@ -169,6 +176,7 @@ class CIndexData {
   // What finds an entry of the hash table without a walk along its chain.
   KeyTable<CIDXNode> nodeTable;
   KeyTable<CIDXCell> cellTable[kTreeCount];
+  OpenFinds openFinds;
   CIDXCell* recentFolder = nullptr;  // what SearchFolder found last, as long as it stands in the hash table
 };
 
