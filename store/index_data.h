@@ -25,7 +25,8 @@ inline constexpr std::int32_t kMaxKeyBytes = 4096;
 //
 // Walks: between two steps of one that was opened (Finds().Open) anything may change; one that was not opened goes to
 // its end while nothing is removed. A step sees the catalogue as it is by then, but for what lies ahead of a removed
-// image, which is what stood behind it in its list when it was removed. A walk on a removed cell ends.
+// image, which is what stood behind it in its list when it was removed. A walk on a removed cell ends. One on a moved
+// cell goes on from where that is now, and ends if that is outside the subtree it began at.
 class CIndexData {
  public:
   CIndexData();
@@ -158,6 +159,8 @@ class CIndexData {
   static CIDXCell* ReleaseCell(CIDXCell* cell);
   std::uint32_t RemoveCellSub(std::int32_t tree, CIDXCell* cell, std::int32_t force);
   CIDXCell* GetNextCellSub(SearchHandle* handle, std::int32_t recursive) const;
+  // Whether the cell that the walk stands on was moved out of the subtree it began at.
+  bool HasStrayed(const SearchHandle& handle) const;
   void HashCell(std::int32_t tree, const HashedKey& key, CIDXCell* cell);
   void ReleaseHashCell(std::int32_t tree, CIDXCell* cell);
   std::int32_t IsParent(const CIDXCell* ancestor, const CIDXCell* cell) const;
