@@ -46,10 +46,13 @@ IDXSTATUS IDXFindNextPath(IDXFIND find, IDXITEM* item) {
 int IDXFindFirstHash(int32_t bucket, IDXSTR out) {
   if (bucket < 0 || static_cast<std::uint32_t>(bucket) >= CIDXString::kBucketCount || !idData) return 0;
   const CIDXNode* first = nullptr;
+  OwnedHandle find;  // open until the key is read, which is after the region was left
   {
     const CatalogueGuard guard;
+    find = NewHandle();
     first = idData->FirstNodeOfBucket(static_cast<std::uint32_t>(bucket));
   }
+  if (!find) return 1;  // no memory for a text either
   const CIDXString empty;
   CopyCIDXStringtoIDXSTR(out, first ? first->info->key : empty);
   return 1;
