@@ -4,11 +4,21 @@
 
 #include "base/exception_guard.h"
 #include "base/idx_string.h"
+#include "base/region_guard.h"
 #include "catalogcore.h"
 #include "store/index_data.h"
 
 // The catalogue; null unless the library is initialised.
 extern CIndexData* idData;
+
+// Holds the region of the catalogue, which must be there, for as long as it lives.
+class CatalogueGuard {
+ public:
+  CatalogueGuard() : region_(idData->CriticalRegion()) { idData->Finds().Sweep(); }
+
+ private:
+  const RegionGuard region_;
+};
 
 // The base directory of the catalogue's files, with a "/" at its end; empty until it is set.
 extern CIDXString g_strFilePath;

@@ -1,16 +1,25 @@
-// The frame of every find: one handle from find-first to close.
+// The frame of every find: one handle from find-first to close, open all that time.
 #ifndef CATALOGCORE_API_FIND_H_
 #define CATALOGCORE_API_FIND_H_
 
+#include <cstdlib>
+#include <memory>
+
 #include "api/catalogue.h"
-#include "base/heap_block.h"
-#include "base/region_guard.h"
 #include "store/search_handle.h"
 
-using OwnedHandle = HeapBlock<SearchHandle>;
+struct CloseHandle {
+  void operator()(SearchHandle* handle) const { IDXCloseFind(handle); }
+};
 
-// A handle of zeros; null without memory.
-inline OwnedHandle NewHandle() { return OwnedHandle(static_cast<SearchHandle*>(std::calloc(1, sizeof(SearchHandle)))); }
+using OwnedHandle = std::unique_ptr<SearchHandle, CloseHandle>;
+
+// The handle of an open find, zeros otherwise; null without memory. The caller holds the store's region.
+inline OwnedHandle NewHandle() {
+  OwnedHandle handle(static_cast<SearchHandle*>(std::calloc(1, sizeof(SearchHandle))));
+  if (handle && !idData->Finds().Open(*handle)) handle.reset();
+  return handle;
+}
 
 // Makes a handle and lets `start` place it and fill the record, all while the store's region is held. Returns the
 // handle when `start` gives IDX_OK, else null. `*status` (if not null) gets the status.
@@ -18,7 +27,7 @@ template <typename Start>
 IDXFIND FindFirst(IDXITEM* item, IDXSTATUS* status, Start start) {
   OwnedHandle handle;
   const IDXSTATUS result = CatalogueCall(item, [&]() -> IDXSTATUS {
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     handle = NewHandle();
     return handle ? start(*handle, *item) : static_cast<IDXSTATUS>(IDXERR_MEMORY);
   });
@@ -26,12 +35,14 @@ IDXFIND FindFirst(IDXITEM* item, IDXSTATUS* status, Start start) {
   return result == IDX_OK ? handle.release() : nullptr;
 }
 
-// Lets `advance` move the handle and fill the record while the store's region is held. IDXERR_PARAM without either.
+// Lets `advance` move the handle and fill the record while the store's region is held. IDXERR_PARAM without either;
+// `end` when the catalogue that the find was opened in is gone.
 template <typename Advance>
-IDXSTATUS FindNext(IDXFIND find, IDXITEM* item, Advance advance) {
-  if (!find) return IDXERR_PARAM;
+IDXSTATUS FindNext(IDXFIND find, IDXITEM* item, IDXSTATUS end, Advance advance) {
+  if (!find || !item) return IDXERR_PARAM;
+  if (!idData || !idData->Finds().IsOpen(*find)) return end;
   return CatalogueCall(item, [&]() -> IDXSTATUS {
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     return advance(*find, *item);
   });
 }

@@ -3,7 +3,6 @@
 #include "api/file_path.h"
 #include "api/idx_item.h"
 #include "api/store_status.h"
-#include "base/region_guard.h"
 
 IDXSTATUS IDXAddImage(IDXITEM* item) {
   return CatalogueCall(item, [item]() -> IDXSTATUS {
@@ -17,7 +16,7 @@ IDXSTATUS IDXAddImage(IDXITEM* item) {
     if (status != IDX_OK) return status;
     unsigned char attribute = 0;
     GetIDXAttribute(item, &attribute);
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     return StoreStatus(idData->AddNode(name, index, folder, attribute));
   });
 }
@@ -35,7 +34,7 @@ IDXSTATUS IDXChangeImage(IDXITEM* item) {
       if (status != IDX_OK) return status;
       std::uint32_t moved = StoreOk;
       {
-        const RegionGuard region(idData->CriticalRegion());
+        const CatalogueGuard guard;
         moved = idData->MoveNode(kIndexTree, name, index, GetIDXState(item, IDXSTATE_FORCE));
       }
       if (moved == StoreImageNotFound) return IDXAddImage(item);
@@ -43,7 +42,7 @@ IDXSTATUS IDXChangeImage(IDXITEM* item) {
     }
     unsigned char attribute = 0;
     if (GetIDXAttribute(item, &attribute) != IDX_OK) return IDX_OK;
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     return StoreStatus(idData->ChangeAttributeNode(name, attribute));
   });
 }
@@ -53,7 +52,7 @@ IDXSTATUS IDXRemoveImage(IDXITEM* item) {
     CIDXString name;
     const IDXSTATUS status = GetIDXName(item, name);
     if (status != IDX_OK) return status;
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     return StoreStatus(idData->RemoveNode(name, GetIDXState(item, IDXSTATE_FORCE)));
   });
 }
@@ -63,7 +62,7 @@ IDXSTATUS IDXSearchImage(IDXITEM* item) {
     CIDXString name;
     const IDXSTATUS status = GetIDXName(item, name);
     if (status != IDX_OK) return status;
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     const CIDXNode* const node = idData->SearchNode(name);
     if (!node) return IDXERR_NOIMAGE;
     SetIDXIndex(item, node->cell[kIndexTree]->info->key);

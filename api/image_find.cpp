@@ -39,11 +39,12 @@ IDXFIND IDXFindFirstImage(IDXITEM* item, IDXSTATUS* status) {
 }
 
 IDXSTATUS IDXFindNextImage(IDXFIND find, IDXITEM* item) {
-  return FindNext(find, item,
+  return FindNext(find, item, IDXERR_NOIMAGE,
                   [](SearchHandle& handle, IDXITEM& record) { return Found(idData->GetNextNode(&handle, 1), record); });
 }
 
 IDXSTATUS IDXCloseFind(IDXFIND find) {
+  if (find && idData) idData->Finds().Close(*find);
   std::free(find);
   return IDX_OK;
 }

@@ -7,7 +7,6 @@
 #include "api/idx_item.h"
 #include "api/index_number.h"
 #include "api/store_status.h"
-#include "base/region_guard.h"
 
 namespace {
 
@@ -70,7 +69,7 @@ IDXSTATUS IDXAddIndex(IDXITEM* item) {
     unsigned char attribute = 0;
     GetIDXAttribute(item, &attribute);
     // To the end: no other call may take the group that is chosen.
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     return AddUnder(item, parentKey, name, attribute);
   });
 }
@@ -85,13 +84,13 @@ IDXSTATUS IDXChangeIndex(IDXITEM* item) {
       CIDXString name;
       status = GetIDXName(item, name);
       if (status != IDX_OK) return status;
-      const RegionGuard region(idData->CriticalRegion());
+      const CatalogueGuard guard;
       result = idData->RenameCell(kIndexTree, key, name, GetIDXState(item, IDXSTATE_FORCE));
     }
     unsigned char attribute = 0;
     if (GetIDXAttribute(item, &attribute) == IDX_OK) {
       // Its result takes the place of the renaming's on purpose.
-      const RegionGuard region(idData->CriticalRegion());
+      const CatalogueGuard guard;
       result = idData->ChangeAttributeCell(kIndexTree, key, attribute);
     }
     return StoreStatus(result);
@@ -103,7 +102,7 @@ IDXSTATUS IDXRemoveIndex(IDXITEM* item) {
     CIDXString key;
     const IDXSTATUS status = GetIDXIndex(item, key);
     if (status != IDX_OK) return status;
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     return StoreStatus(idData->RemoveCell(kIndexTree, key, GetIDXState(item, IDXSTATE_FORCE)));
   });
 }
@@ -113,7 +112,7 @@ IDXSTATUS IDXSearchIndex(IDXITEM* item) {
     CIDXString key;
     const IDXSTATUS status = GetIDXIndex(item, key);
     if (status != IDX_OK) return status;
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     const CIDXCell* const cell = idData->SearchCell(kIndexTree, key);
     if (!cell) return IDXERR_NOINDEX;
     SetIDXName(item, cell->info->name);

@@ -31,6 +31,6 @@ IDXFIND IDXFindFirstIndex(IDXITEM* item, IDXSTATUS* status) {
 }
 
 IDXSTATUS IDXFindNextIndex(IDXFIND find, IDXITEM* item) {
-  return FindNext(find, item,
+  return FindNext(find, item, IDXERR_NOINDEX,
                   [](SearchHandle& handle, IDXITEM& record) { return Found(idData->GetNextCell(&handle, 1), record); });
 }

@@ -28,7 +28,7 @@ CIDXCell* FirstFolder(SearchHandle& handle, IDXITEM& item) {
 IDXFIND IDXFindFirstPath(IDXITEM* item, IDXSTATUS* status) {
   OwnedHandle handle;
   *status = CatalogueCall(item, [&]() -> IDXSTATUS {
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     handle = NewHandle();
     const IDXSTATUS found = Found(handle ? FirstFolder(*handle, *item) : nullptr, *item);
     // Left once more by the guard: the region takes a leave by a thread that does not hold it.
@@ -39,17 +39,20 @@ IDXFIND IDXFindFirstPath(IDXITEM* item, IDXSTATUS* status) {
 }
 
 IDXSTATUS IDXFindNextPath(IDXFIND find, IDXITEM* item) {
-  return FindNext(find, item,
+  return FindNext(find, item, IDXERR_NOINDEX,
                   [](SearchHandle& handle, IDXITEM& record) { return Found(idData->GetNextCell(&handle, 1), record); });
 }
 
 int IDXFindFirstHash(int32_t bucket, IDXSTR out) {
   if (bucket < 0 || static_cast<std::uint32_t>(bucket) >= CIDXString::kBucketCount || !idData) return 0;
   const CIDXNode* first = nullptr;
+  OwnedHandle find;  // open until the key is read, which is after the region was left
   {
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
+    find = NewHandle();
     first = idData->FirstNodeOfBucket(static_cast<std::uint32_t>(bucket));
   }
+  if (!find) return 1;  // no memory for a text either
   const CIDXString empty;
   CopyCIDXStringtoIDXSTR(out, first ? first->info->key : empty);
   return 1;

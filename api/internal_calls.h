@@ -9,9 +9,9 @@
 IDXFIND IDXFindFirstPath(IDXITEM* item, IDXSTATUS* status);
 IDXSTATUS IDXFindNextPath(IDXFIND find, IDXITEM* item);
 
-// Hands out the key of the first image of a bucket of the image table, the empty text if there is none. Returns 1; 0,
-// with nothing written, for a number that no bucket has. The key is read after the region was left: no other thread may
-// remove the image meanwhile.
+// Hands out the key of the first image of a bucket of the image table, the empty text if there is none, nothing without
+// memory. Returns 1; 0, with nothing written, for a number that no bucket has. The key is read after the region was
+// left, so that the image may be removed by then.
 int IDXFindFirstHash(int32_t bucket, IDXSTR out);
 
 #endif  // CATALOGCORE_API_INTERNAL_CALLS_H_

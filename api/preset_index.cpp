@@ -7,7 +7,6 @@
 #include "api/catalogue.h"
 #include "api/index_number.h"
 #include "api/store_status.h"
-#include "base/region_guard.h"
 #include "base/string_conversion.h"
 
 IDXSTATUS CreatePresetIndex(int number) {
@@ -15,7 +14,7 @@ IDXSTATUS CreatePresetIndex(int number) {
   CIDXString name;
   if (ConvertINTtoPath(path, number, kIndexDigits) < 0) return IDXERR_PARAM;
   if (name.CopyString(("idx" + std::to_string(number)).c_str()) < 0) return IDXERR_MEMORY;
-  const RegionGuard region(idData->CriticalRegion());
+  const CatalogueGuard guard;
   return StoreStatus(idData->AddCell(kIndexTree, path, name, IDXATTR_NOMOVE | IDXATTR_NOREMOVE | IDXATTR_NORENAME));
 }
 
@@ -37,7 +36,7 @@ IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int
     for (std::int32_t i = 0; i < count; ++i) {
       ConvertINTtoPath(path, numbers[i], kIndexDigits);
       CopyIDXSTRtoCIDXString(name, names[i]);
-      const RegionGuard region(idData->CriticalRegion());
+      const CatalogueGuard guard;
       if (idData->RenameCell(kIndexTree, path, name, 1) != StoreOk) status = IDXERR_PARAM;
     }
     return status;

@@ -10,7 +10,7 @@
  * a find handle and a record belong to one thread at a time, and two writes must not be made to one file at once.
  *
  * No call throws. Every call that takes a record gives IDXERR_PARAM for a null one, and every call on the catalogue
- * gives IDXERR_FAILED before IDXInitialize.
+ * gives IDXERR_FAILED before IDXInitialize, but for the next step of a walk of earlier, which is at its end.
  */
 #ifndef CATALOGCORE_H_
 #define CATALOGCORE_H_
@@ -106,7 +106,18 @@ typedef struct IDXITEM {
   uint8_t state;     /* IDXSTATE_...; never written */
 } IDXITEM;
 
-/* A walk over images or indexes, from a find-first call to IDXCloseFind. */
+/*
+ * A walk over images or indexes, from a find-first call to IDXCloseFind. The catalogue may change between its steps, by
+ * the walker or by any thread:
+ * - A step finds what lies ahead by then: nothing that was removed, and what was added or moved there. So an image that
+ *   is moved ahead is found again.
+ * - From an image that was removed or moved, the walk goes on with what stood behind it then, and passes over what was
+ *   added in between since.
+ * - The walk ends where the index it stands on was removed: the one found last, or, in a walk over images without a
+ *   path, that of the image found last.
+ * What is removed or moved takes memory until every walk is closed that was open then; without IDXCloseFind, until
+ * IDXInitialize or IDXUninitialize.
+ */
 typedef struct SearchHandle* IDXFIND;
 
 /*
@@ -144,8 +155,8 @@ extern "C" {
 IDXSTATUS IDXInitialize(void);
 
 /*
- * Drops the catalogue. IDX_OK, also when there is none. Find handles that are open must only be closed afterwards;
- * the same holds after IDXInitialize.
+ * Drops the catalogue. IDX_OK, also when there is none. Walks that are open are at their end afterwards, and still to be
+ * closed; the same holds after IDXInitialize.
  */
 IDXSTATUS IDXUninitialize(void);
 
@@ -189,12 +200,11 @@ IDXFIND IDXFindFirstImage(IDXITEM* item, IDXSTATUS* status);
 
 /*
  * The next image, written as by IDXFindFirstImage. IDX_OK; IDXERR_NOIMAGE at the end; IDXERR_PARAM: no handle. Give
- * it handles of IDXFindFirstImage only. The image that the walk found last must not be removed or moved, by any
- * thread, before the walk goes on.
+ * it handles of IDXFindFirstImage only.
  */
 IDXSTATUS IDXFindNextImage(IDXFIND find, IDXITEM* item);
 
-/* Ends a walk of either kind and frees its handle; null is allowed. Always IDX_OK. */
+/* Ends a walk of either kind and frees its handle, whatever has become of the catalogue; null is allowed. IDX_OK. */
 IDXSTATUS IDXCloseFind(IDXFIND find);
 
 /* ---- Indexes */
@@ -235,8 +245,7 @@ IDXFIND IDXFindFirstIndex(IDXITEM* item, IDXSTATUS* status);
 
 /*
  * The next index, written as by IDXFindFirstIndex. IDX_OK; IDXERR_NOINDEX at the end; IDXERR_PARAM: no handle. Give
- * it handles of IDXFindFirstIndex only. The index that the walk found last must not be removed before the walk goes
- * on.
+ * it handles of IDXFindFirstIndex only.
  */
 IDXSTATUS IDXFindNextIndex(IDXFIND find, IDXITEM* item);
 

@@ -9,7 +9,6 @@
 
 #include "api/catalogue.h"
 #include "api/file_path.h"
-#include "base/region_guard.h"
 #include "persist/catalogue_file.h"
 #include "persist/existing_files.h"
 #include "persist/payload.h"
@@ -46,7 +45,7 @@ class ExistingImages {
 IDXSTATUS GetImageData(CIDXBuffer& payload) {
   if (!idData) return IDXERR_FAILED;
   if (!SetVersion(payload)) return IDXERR_MEMORY;
-  const RegionGuard region(idData->CriticalRegion());
+  const CatalogueGuard guard;
   SearchHandle handle{};
   CIDXString everyIndex;
   CIDXString everyFolder;
@@ -65,7 +64,7 @@ IDXSTATUS IDXLoadImageFile(IDXSTR name) {
     if (status != IDX_OK) return status;
     PayloadReader reader(TextOf(payload.get()));
     if (!IsValidVersion(reader.VersionLine())) return IDXERR_VERSION;
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     ExistingImages images(reader);
     CIDXString indexKey;
     CIDXString imageKey;

@@ -1,6 +1,5 @@
 // The file of the indexes: key, attribute and name of each.
 #include "api/catalogue.h"
-#include "base/region_guard.h"
 #include "persist/catalogue_file.h"
 #include "persist/payload.h"
 
@@ -14,7 +13,7 @@ constexpr std::uint8_t kAllProtections = IDXATTR_NOMOVE | IDXATTR_NOREMOVE | IDX
 IDXSTATUS GetIndexData(CIDXBuffer& payload) {
   if (!idData) return IDXERR_FAILED;
   if (!SetVersion(payload)) return IDXERR_MEMORY;
-  const RegionGuard region(idData->CriticalRegion());
+  const CatalogueGuard guard;
   SearchHandle handle{};
   CIDXString everything;
   if (!idData->GetFirstCell(&handle, kIndexTree, everything, 1)) return IDX_OK;
@@ -35,7 +34,7 @@ IDXSTATUS IDXLoadIndexFile(IDXSTR name) {
     const std::string_view version = reader.VersionLine();
     if (version.empty()) return IDXERR_EMPTY;
     if (!IsValidVersion(version)) return IDXERR_VERSION;
-    const RegionGuard region(idData->CriticalRegion());
+    const CatalogueGuard guard;
     CIDXString key;
     CIDXString display;
     for (PayloadRecord record{}; reader.NextRecord(record);) {

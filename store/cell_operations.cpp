@@ -73,7 +73,7 @@ std::uint32_t CIndexData::RemoveCellSub(std::int32_t tree, CIDXCell* cell, std::
   DeleteSkipList(cell);
   ReleaseCell(cell);
   ReleaseHashCell(tree, cell);
-  delete cell;
+  openFinds.Keep(cell);
   return StoreOk;
 }
 

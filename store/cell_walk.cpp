@@ -25,8 +25,13 @@ CIDXCell* CIndexData::GetFirstCell(SearchHandle* handle, std::int32_t tree, CIDX
 
 CIDXCell* CIndexData::GetNextCellSub(SearchHandle* handle, std::int32_t recursive) const {
   if (!handle->currentCell) return nullptr;
-  handle->currentCell = recursive ? NextInPreOrder(handle->startCell, handle->currentCell) : nullptr;
+  const bool goesOn = recursive && !HasStrayed(*handle);
+  handle->currentCell = goesOn ? NextInPreOrder(handle->startCell, handle->currentCell) : nullptr;
   return handle->currentCell;
+}
+
+bool CIndexData::HasStrayed(const SearchHandle& handle) const {
+  return movedCells[handle.tree].head && !IsParent(handle.startCell, handle.currentCell);
 }
 
 CIDXCell* CIndexData::GetNextCell(SearchHandle* handle, std::int32_t recursive) const {

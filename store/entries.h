@@ -19,7 +19,10 @@
 //   hash chain. Entries with equal keys, of which there may be several without a root alone, follow one another there
 //   in the order of their chain, so that both give the same first one. `tableNext` belongs to the table (key_table.h);
 //   `info->keyHash` and `info->bucket` are those of the key.
-// - The links of an image taken out of its lists stay as they were.
+// - Walks: what is filed leads to nothing that was removed. A removed image leads on, in `next`, to the image that stood
+//   behind it then, which is filed still or was removed later; so who follows it comes to a filed image of the same cell
+//   or to the end. A removed cell leads nowhere. A removed entry is deleted once every find is closed that was open when
+//   it was removed (open_finds.h), so that a walk stands on nothing that is deleted.
 #ifndef CATALOGCORE_STORE_ENTRIES_H_
 #define CATALOGCORE_STORE_ENTRIES_H_
 
@@ -42,6 +45,7 @@ struct CIDXNodeInfo {
   std::uint32_t keyHash = 0;  // HashedKey
   std::uint16_t bucket = 0;   // of the hash table
   std::uint8_t attribute = 0;
+  bool removed = false;  // filed no more, and kept for the walks that may stand on it
 };
 
 struct CIDXNode {

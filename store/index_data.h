@@ -9,6 +9,7 @@
 #include "store/entries.h"
 #include "store/hash_chain.h"
 #include "store/key_table.h"
+#include "store/open_finds.h"
 #include "store/result_codes.h"
 #include "store/search_handle.h"
 
@@ -20,8 +21,12 @@ inline constexpr std::int32_t kMaxKeyBytes = 4096;
 //
 // In what follows `tree` is kIndexTree or kFolderTree, and `force` (non-zero) sets an entry's protection aside. A
 // refusal comes before anything changes, and the checks come in the order in which they are listed, unless said
-// otherwise. Keys handed in must not be the store's own strings. An entry that a walk stands on must not be removed
-// before the walk goes on.
+// otherwise. Keys handed in must not be the store's own strings.
+//
+// Walks: between two steps of one that was opened (Finds().Open) anything may change; one that was not opened goes to
+// its end while nothing is removed. A step sees the catalogue as it is by then, but for what lies ahead of a removed
+// image, which is what stood behind it in its list when it was removed. A walk on a removed cell ends. One on a moved
+// cell goes on from where that is now, and ends if that is outside the subtree it began at.
 class CIndexData {
  public:
   CIndexData();
@@ -37,6 +42,9 @@ class CIndexData {
   std::uint32_t Uninitialize();
 
   MPCriticalRegionID* CriticalRegion() { return &criticalRegion; }
+
+  // No find is open after Initialize or Uninitialize, whatever was opened before.
+  OpenFinds& Finds() { return openFinds; }
 
   // The first image of a bucket of the image table, 0 <= bucket < CIDXString::kBucketCount; null if it is
   // empty.
@@ -151,6 +159,8 @@ class CIndexData {
   static CIDXCell* ReleaseCell(CIDXCell* cell);
   std::uint32_t RemoveCellSub(std::int32_t tree, CIDXCell* cell, std::int32_t force);
   CIDXCell* GetNextCellSub(SearchHandle* handle, std::int32_t recursive) const;
+  // Whether the cell that the walk stands on was moved out of the subtree it began at.
+  bool HasStrayed(const SearchHandle& handle) const;
   void HashCell(std::int32_t tree, const HashedKey& key, CIDXCell* cell);
   void ReleaseHashCell(std::int32_t tree, CIDXCell* cell);
   std::int32_t IsParent(const CIDXCell* ancestor, const CIDXCell* cell) const;
@@ -169,6 +179,7 @@ class CIndexData {
   // What finds an entry of the hash table without a walk along its chain.
   KeyTable<CIDXNode> nodeTable;
   KeyTable<CIDXCell> cellTable[kTreeCount];
+  OpenFinds openFinds;
   CIDXCell* recentFolder = nullptr;  // what SearchFolder found last, as long as it stands in the hash table
 };
 

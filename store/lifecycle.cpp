@@ -2,7 +2,7 @@
 //
 // Every image stands in a hash chain, and every cell in one or among the moved cells, wherever a move of
 // cells or a root that could not be made has left them: so the chains, not the trees, tell what there is to
-// delete.
+// delete. What was removed and waits for open finds is deleted with these.
 #include "catalogcore.h"
 #include "store/index_data.h"
 
@@ -24,6 +24,7 @@ std::uint32_t CIndexData::Initialize() {
 }
 
 std::uint32_t CIndexData::Uninitialize() {
+  openFinds.Clear();
   DeleteAllNodes();
   for (std::int32_t tree = 0; tree < kTreeCount; ++tree) DeleteAllCells(tree);
   return StoreOk;

@@ -54,7 +54,7 @@ std::uint32_t CIndexData::RemoveNodeSub(CIDXNode* node, std::int32_t force) {
   if (force == 0 && (node->info->attribute & IDXATTR_NOREMOVE) != 0) return StoreRemoveProtected;
   IsolateNode(node);
   ReleaseHashNode(node);
-  delete node;
+  openFinds.Keep(node);
   return StoreOk;
 }
 

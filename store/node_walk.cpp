@@ -24,7 +24,8 @@ CIDXNode* CIndexData::FirstMatchFromCurrentCell(SearchHandle* handle, std::int32
 
 CIDXNode* CIndexData::GetNextNodeSub(SearchHandle* handle, std::int32_t recursive) const {
   if (!handle->currentNode) return nullptr;
-  CIDXNode* node = handle->currentNode->next[handle->tree];
+  CIDXNode* node = HasStrayed(*handle) ? nullptr : handle->currentNode->next[handle->tree];
+  while (node && node->info->removed) node = node->next[handle->tree];
   while (!node && GetNextCell(handle, recursive)) node = handle->currentCell->firstNode;
   handle->currentNode = node;
   return node;

@@ -7,6 +7,8 @@
 
 #include "store/entries.h"
 
+struct FindSpan;
+
 // Owned by the caller, who fills it with zeros before the walk; only the store's walks read and write it.
 struct SearchHandle {
   std::int32_t tree;         // the tree whose cells are walked
@@ -16,6 +18,9 @@ struct SearchHandle {
   CIDXCell* filterCell;      // walks over images: the index cell in whose subtree they must lie
   CIDXNode* currentNode;     // walks over images: returned last
   std::int32_t skipVolumes;  // 1: cells whose key begins with "/Volumes" are passed over
+  // Of finds that were opened (OpenFinds), so that entries may be removed between two steps; else zero.
+  std::uint64_t catalogue;  // the one that the find was opened in
+  FindSpan* span;           // when it was opened; there as long as that catalogue is, and the find is open
 };
 
 static_assert(std::is_trivial_v<SearchHandle>, "callers allocate handles as blocks of zeros");

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <map>
 #include <thread>
 
 #include "api/catalogue.h"
@@ -116,6 +117,32 @@ TEST_F(CallsTest, ResultsAreWrittenWhereTheyAreWanted) {
   EXPECT_EQ(status, IDX_OK);
   EXPECT_EQ(untouched.NameText() + untouched.PathText(), "np");
   EXPECT_EQ(untouched.index + untouched.attribute, 14);
+}
+
+TEST_F(CallsTest, WalksMoveAndRemoveWhatTheyFind) {
+  for (const bool byFolder : {false, true}) {
+    ASSERT_EQ(IDXInitialize(), IDX_OK);
+    for (int i = 0; i < 100; ++i) {
+      const std::string name = "/" + std::to_string(i % 7) + "/" + std::to_string(i);
+      ASSERT_EQ(AddImage(name.c_str(), i % 3 ? 1090000 : 1010000), IDX_OK);
+    }
+    Item item;
+    if (byFolder) item.Path("/");
+    std::map<std::int32_t, int> found;
+    IDXSTATUS status = IDX_OK;
+    const IDXFIND find =
+        IDXFindFirstImage(&item.Name("").Index(-1).Operation(IDXOP_GETINFO | IDXOP_CONDITION), &status);
+    for (; status == IDX_OK; status = IDXFindNextImage(find, &item.Clear())) {
+      ++found[item.index];
+      Item change;
+      change.Name(item.NameText());
+      const bool isMoved = item.index == 1010000;
+      EXPECT_EQ(isMoved ? IDXChangeImage(&change.Index(2010000)) : IDXRemoveImage(&change), IDX_OK);
+    }
+    IDXCloseFind(find);
+    // Those that were moved lie ahead then, and are found again there, to be removed.
+    EXPECT_EQ(found, (std::map<std::int32_t, int>{{1010000, 34}, {1090000, 66}, {2010000, 34}}));
+  }
 }
 
 TEST_F(CallsTest, AddedIndexesTakeTheLowestFreeNumber) {

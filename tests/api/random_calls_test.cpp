@@ -1,5 +1,5 @@
 // Random sequences of the exported calls, on the library and on the model side by side, with records made wrong in every
-// way; then the catalogue is written, the library begun anew, and what it loads compared.
+// way and walks open across them; then the catalogue is written, the library begun anew, and what it loads compared.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -32,7 +32,10 @@ class Random {
       model_.AddCell(kIndexTree, PathOf(number), "idx" + std::to_string(number), 7);
     EXPECT_EQ(IDXInitialize(), IDX_OK);
   }
-  ~Random() { IDXUninitialize(); }
+  ~Random() {
+    IDXUninitialize();
+    EndWalks(0);
+  }
 
   void Step(const Keys& names) {
     Item item;
@@ -108,7 +111,10 @@ class Random {
            indexStatus != IDX_OK ? indexStatus : StoreStatus(model_.RemoveCell(kIndexTree, PathOf(number), force)));
     }
     if (kind == 7) Search(name, number);
-    if (kind == 8) Walk(Below(2) ? number : 0, Below(3) ? folder : "");
+    if (kind == 8) Begin(Below(2) ? number : 0, Below(3) ? folder : "");
+    for (OpenWalk& walk : walks_) {
+      if (Below(4) == 0) Advance(walk);
+    }
     EXPECT_EQ(StateOf(*idData), model_.State()) << log_;
     EXPECT_EQ(BrokenInvariant(*idData), "") << log_;
   }
@@ -133,6 +139,7 @@ class Random {
     EXPECT_EQ(IDXWriteIndexFile(&names[1]), IDX_OK);
     EXPECT_EQ(IDXWriteImageFile(&names[2]), IDX_OK);
     EXPECT_EQ(IDXInitialize(), IDX_OK);
+    EndWalks(walks_.size() / 2);
     EXPECT_EQ(IDXSetFilePath(&names[0]), IDX_OK);
     EXPECT_EQ(IDXLoadIndexFile(&names[1]), IDX_OK);
     EXPECT_EQ(IDXLoadImageFile(&names[2]), IDX_OK);
@@ -149,9 +156,13 @@ class Random {
     EXPECT_EQ(ours, expected) << log_;
   }
 
+  bool IsIndex(const std::string& path) const {
+    CatalogueModel::Walk walk;
+    return !path.empty() && model_.FirstCell(walk, kIndexTree, path, false);
+  }
+
   IDXSTATUS AddIndex(const std::string& parent, const std::string& name, int attribute) {
-    const Keys keys = model_.WalkCells(kIndexTree, parent, true);
-    if (keys.empty()) return IDXERR_NOINDEX;
+    if (!IsIndex(parent)) return IDXERR_NOINDEX;
     const std::string prefix = parent == "." ? "" : parent + "/";
     Keys children;
     for (const CellState& cell : model_.State().cells[kIndexTree]) {
@@ -170,14 +181,12 @@ class Random {
     return IDXERR_INDEXFULL;
   }
 
-  // What the look-ups write into the record, and a whole walk over the indexes.
+  // What the look-ups write into the record.
   void Search(const std::string& name, std::int32_t number) {
     const CatalogueState state = model_.State();
     Item image;
     IDXSTATUS expected = name.empty() ? IDXERR_MEMORY : IDXERR_NOIMAGE;
-    Keys walked;
     for (const CellState& cell : state.cells[kIndexTree]) {
-      if (cell.key != ".") walked.push_back(cell.key + "=" + cell.name + "=" + std::to_string(cell.attribute));
       if (!std::count(cell.images.begin(), cell.images.end(), name)) continue;
       expected = IDX_OK;
       EXPECT_EQ(IDXSearchImage(&image.Name(name).Index(0).Attribute(99)), IDX_OK);
@@ -187,43 +196,86 @@ class Random {
     EXPECT_EQ(IDXSearchImage(&image.Name(name)), expected);
     Item index;
     const IDXSTATUS found = IDXSearchIndex(&index.Index(number).Name("?").Attribute(99));
-    const bool isThere = !PathOf(number).empty() && !model_.WalkCells(kIndexTree, PathOf(number), false).empty();
-    EXPECT_EQ(found, isThere ? IDX_OK : PathOf(number).empty() ? IDXERR_PARAM : IDXERR_NOINDEX);
-    Item each;
-    IDXSTATUS status = IDX_OK;
-    Keys seen;
-    const IDXFIND find = IDXFindFirstIndex(&each.Wanted(), &status);
-    for (IDXSTATUS next = status; next == IDX_OK; next = IDXFindNextIndex(find, &each.Clear())) {
-      seen.push_back(PathOf(each.index) + "=" + each.NameText() + "=" + std::to_string(each.attribute));
-    }
-    IDXCloseFind(find);
-    EXPECT_EQ(seen, walked);
+    EXPECT_EQ(found, IsIndex(PathOf(number)) ? IDX_OK : PathOf(number).empty() ? IDXERR_PARAM : IDXERR_NOINDEX);
   }
 
-  void Walk(std::int32_t number, const std::string& folder) {
+  struct OpenWalk {
+    IDXFIND find;
+    CatalogueModel::Walk model;
+    bool isOverImages;
+    IDXSTATUS Next(Item& item) const { return (isOverImages ? IDXFindNextImage : IDXFindNextIndex)(find, &item); }
+    IDXSTATUS End() const { return isOverImages ? IDXERR_NOIMAGE : IDXERR_NOINDEX; }
+  };
+
+  static std::string Told(const CatalogueModel::Image* image) {
+    return image ? image->key + "=" + image->cell[kIndexTree]->key + "=" + std::to_string(image->attribute) : "the end";
+  }
+  static std::string Told(const CatalogueModel::Cell* cell) {
+    return cell ? cell->name + "=" + cell->key + "=" + std::to_string(cell->attribute) : "the end";
+  }
+  static std::string Told(const Item& item, IDXSTATUS status) {
+    if (status != IDX_OK) return "the end";
+    return item.NameText() + "=" + PathOf(item.index) + "=" + std::to_string(item.attribute);
+  }
+
+  // Begins a walk, which stays open unless it finds nothing. A number of 0, and an empty folder, are not marked.
+  void Begin(std::int32_t number, const std::string& folder) {
+    OpenWalk walk{nullptr, {}, Below(3) != 0};
+    const std::string path = PathOf(number);
+    const bool isBad = number != 0 && path.empty();
     Item item;
-    item.Operation(IDXOP_CONDITION);
+    item.Name("").Operation(IDXOP_GETINFO | (walk.isOverImages || number != 0 ? IDXOP_CONDITION : 0));
     if (number != 0) item.Index(number);
     if (!folder.empty()) item.Path(folder);
-    item.Operation(IDXOP_CONDITION | IDXOP_GETINFO);
-    item.Name("");
-    const bool isBad = number != 0 && PathOf(number).empty();
-    const Keys expected =
-        isBad ? Keys()
-              : model_.WalkImages(number == 0 ? "." : PathOf(number), true, folder.empty() ? "." : folder, true);
+    bool isFound = false;
+    if (walk.isOverImages) {
+      isFound =
+          !isBad && model_.FirstImage(walk.model, number == 0 ? "." : path, true, folder.empty() ? "." : folder, true);
+    } else if (!isBad) {
+      isFound = model_.FirstCell(walk.model, kIndexTree, path, true) && (number != 0 || model_.NextCell(walk.model));
+    }
     IDXSTATUS status = IDX_OK;
-    const IDXFIND find = IDXFindFirstImage(&item, &status);
-    Keys found;
-    for (IDXSTATUS next = status; next == IDX_OK; next = IDXFindNextImage(find, &item.Clear()))
-      found.push_back(item.NameText());
-    EXPECT_EQ(found, expected) << number << " " << folder;
-    EXPECT_EQ(status, isBad ? IDXERR_PARAM : expected.empty() ? IDXERR_NOIMAGE : IDX_OK);
-    EXPECT_EQ(IDXFindNextImage(find, &item), find ? IDXERR_NOIMAGE : IDXERR_PARAM);  // the end is the end
-    IDXCloseFind(find);
+    walk.find = (walk.isOverImages ? IDXFindFirstImage : IDXFindFirstIndex)(&item, &status);
+    EXPECT_EQ(status, isBad     ? IDXSTATUS{IDXERR_PARAM}
+                      : isFound ? IDXSTATUS{IDX_OK}
+                                : walk.End())
+        << number << " " << folder;
+    EXPECT_EQ(walk.find != nullptr, isFound);
+    if (!isFound) return;
+    EXPECT_EQ(item.NameText(), walk.isOverImages ? walk.model.image->key : walk.model.cell->name);
+    if (Below(3) == 0) {
+      while (Advance(walk)) {
+      }
+    }
+    walks_.push_back(walk);
+    if (walks_.size() < 8) return;
+    EXPECT_EQ(IDXCloseFind(walks_.front().find), IDX_OK);
+    walks_.erase(walks_.begin());
+  }
+
+  // One step, also beyond the end, which is the end.
+  bool Advance(OpenWalk& walk) {
+    Item item;
+    const IDXSTATUS status = walk.Next(item.Wanted());
+    EXPECT_EQ(Told(item, status),
+              walk.isOverImages ? Told(model_.NextImage(walk.model)) : Told(model_.NextCell(walk.model)))
+        << log_;
+    EXPECT_TRUE(status == IDX_OK || status == walk.End()) << log_;
+    return status == IDX_OK;
+  }
+
+  // Once their catalogue is gone they find nothing, and can be closed. The first `count` stay.
+  void EndWalks(std::size_t count) {
+    for (; walks_.size() > count; walks_.pop_back()) {
+      Item item;
+      EXPECT_EQ(walks_.back().Next(item.Wanted()), walks_.back().End());
+      EXPECT_EQ(IDXCloseFind(walks_.back().find), IDX_OK);
+    }
   }
 
   std::mt19937_64 random_;
   CatalogueModel model_;
+  std::vector<OpenWalk> walks_;
   std::string log_;
 };
 

@@ -87,6 +87,31 @@ TEST(FailedAllocation, MovingAnImageMayLoseIt) {
   FailEach([&](CIndexData& s) { return s.MoveCell(kIndexTree, two, newParent, 0); }, ExpectUnchanged);
 }
 
+TEST(FailedAllocation, FindsAreOpenOrNotAndKeepWhatIsRemovedWithoutAny) {
+  CIndexData store;
+  Fill(store);
+  SearchHandle refused{}, open{};
+  const Key one("1"), two("2"), image("/p/a");
+  const FailingAllocation opening(0);
+  EXPECT_FALSE(store.Finds().Open(refused));
+  EXPECT_EQ(store.RemoveCell(kIndexTree, one, 1), StoreOk);
+  EXPECT_EQ(StoreInspector(store).Waiting(), 0u);
+  EXPECT_TRUE(store.Finds().Open(open));
+  {
+    const FailingAllocation removing(0);
+    EXPECT_EQ(store.RemoveNode(image, 1), StoreOk);
+    EXPECT_EQ(store.RemoveCell(kIndexTree, two, 1), StoreOk);
+    EXPECT_FALSE(removing.HasFailed());
+  }
+  EXPECT_EQ(StoreInspector(store).Waiting(), 2u);
+  store.Finds().Close(refused);
+  store.Finds().Sweep();
+  EXPECT_EQ(StoreInspector(store).Waiting(), 2u);
+  store.Finds().Close(open);
+  store.Finds().Sweep();
+  EXPECT_EQ(StoreInspector(store).Waiting(), 0u);
+}
+
 TEST(FailedAllocation, MissingRootsLeakNothing) {
   for (int failing = 0; failing < 9; ++failing) {
     CIndexData store;

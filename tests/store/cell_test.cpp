@@ -102,6 +102,48 @@ TEST_F(CellTest, MovedCellIsFoundByWalksAloneAndLeavesItsDescendants) {
   EXPECT_EQ(Indexes(), Keys({".", "1", "1/2", "6", "5"}));
 }
 
+TEST_F(CellTest, WalksGoOnFromWhereTheirCellWasMovedTo) {
+  for (const char* key : {"1", "1/2", "1/2/3", "1/4", "5", "5/6", "7"}) {
+    AddIndex(key);
+    for (const char* name : {"/a", "/b"}) {
+      ASSERT_EQ(store_.AddNode(Key(std::string("/p/") + key + name), Key(key), Key("/p"), 0), StoreOk);
+    }
+  }
+  struct Walk {
+    const char *start, *from;
+    Keys cells, images;  // what is still found after 1/2 was moved below 5, from the first image of `from` on
+    SearchHandle overCells{}, overImages{};
+  } walks[] = {
+      {"", "1/2", {"7"}, {"/p/1/2/b", "/p/7/a", "/p/7/b"}},
+      {"", "1/2/3", {"7"}, {"/p/1/2/3/b", "/p/7/a", "/p/7/b"}},
+      {"",
+       "1",
+       {"1/4", "5", "5/6", "1/2", "7"},
+       {"/p/1/b", "/p/1/4/a", "/p/1/4/b", "/p/5/a", "/p/5/b", "/p/5/6/a", "/p/5/6/b", "/p/1/2/a", "/p/1/2/b", "/p/7/a",
+        "/p/7/b"}},
+      {"1", "1/2", {}, {}},
+      {"1", "1/2/3", {}, {}},
+      {"1/2", "1/2/3", {}, {"/p/1/2/3/b"}},
+  };
+  for (Walk& walk : walks) {
+    Key cells(walk.start), images(walk.start);
+    CIDXString folder;
+    const CIDXCell* cell = store_.GetFirstCell(&walk.overCells, kIndexTree, cells, 1);
+    while (cell && cell != Index(walk.from)) cell = store_.GetNextCell(&walk.overCells, 1);
+    const CIDXNode* node = store_.GetFirstNode(&walk.overImages, images, folder, 1);
+    while (node && node->cell[kIndexTree] != Index(walk.from)) node = store_.GetNextNode(&walk.overImages, 1);
+    ASSERT_TRUE(cell && node);
+  }
+  ASSERT_EQ(Move("1/2", "5/2"), StoreOk);
+  for (Walk& walk : walks) {
+    Keys cells, images;
+    while (const CIDXCell* cell = store_.GetNextCell(&walk.overCells, 1)) cells.emplace_back(cell->info->key.Text());
+    while (const CIDXNode* node = store_.GetNextNode(&walk.overImages, 1)) images.emplace_back(node->info->key.Text());
+    EXPECT_EQ(cells, walk.cells) << walk.start << " at " << walk.from;
+    EXPECT_EQ(images, walk.images) << walk.start << " at " << walk.from;
+  }
+}
+
 TEST_F(CellTest, GroupsLeftOutOfOrderByAMoveAreDroppedWhole) {
   for (const char* key : {"1", "2", "3", "4"}) AddIndex(key);
   const auto add = [this](const char* image, const char* index) {

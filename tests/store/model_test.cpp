@@ -1,4 +1,4 @@
-// Random sequences of the store's operations, on the store and on the model side by side.
+// Random sequences of the store's operations, on the store and on the model side by side, with walks open across them.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -57,16 +57,33 @@ KeyPool MakePool(bool crowded) {
   return pool;
 }
 
+// What a walk found, in the store and in the model; reading all of it shows that it is there.
+std::string Told(const CIDXNode* node) {
+  if (!node) return "the end";
+  return node->info->key.Text() + std::string(" in ") + node->cell[kIndexTree]->info->key.Text();
+}
+std::string Told(const CatalogueModel::Image* image) {
+  return image ? image->key + " in " + image->cell[kIndexTree]->key : "the end";
+}
+std::string Told(const CIDXCell* cell) {
+  return cell ? cell->info->key.Text() + std::string(" named ") + cell->info->name.Text() : "the end";
+}
+std::string Told(const CatalogueModel::Cell* cell) { return cell ? cell->key + " named " + cell->name : "the end"; }
+
 class SideBySide {
  public:
   SideBySide(const KeyPool& pool, unsigned long seed) : pool_(pool), random_(seed) { store_.Initialize(); }
 
-  // One random operation on both; adds to `log_` what it was.
+  // One random operation on both, and maybe a step of a walk; adds to `log_` what it was.
   void Step() {
-    const Key image(Any(pool_.images));
-    const int tree = Below(2);
+    store_.Finds().Sweep();
+    ExpectOnlyNeededWaits();
+    const CatalogueModel::Walk at = walks_.empty() || Below(3) ? CatalogueModel::Walk() : AnyWalk().model;
+    const Key image(at.image ? KeyFrom(at) : Any(pool_.images));
+    const int tree = at.cell ? at.tree : Below(2);
     const Key index(Any(pool_.indexes)), folder(Any(pool_.folders));
-    const Key cell(Any(tree == kIndexTree ? pool_.indexes : pool_.folders)), name(Any(pool_.images));
+    const Key cell(at.cell ? at.cell->key : Any(tree == kIndexTree ? pool_.indexes : pool_.folders));
+    const Key name(Any(pool_.images));
     const int force = Below(2);
     const auto attribute = static_cast<std::uint8_t>(Below(3) ? 0 : Below(16));
     log_ = std::string(" tree ") + std::to_string(tree) + " image " + image.Text() + " index " + index.Text() +
@@ -94,13 +111,23 @@ class SideBySide {
     } else if (kind < 88) {
       Same("ChangeAttributeCell", store_.ChangeAttributeCell(tree, cell, attribute),
            model_.ChangeAttributeCell(tree, cell.Text(), attribute));
-    } else if (kind < 92) {
-      Same("WalkCells", WalkCells(tree, cell.Text(), force), model_.WalkCells(tree, cell.Text(), force));
     } else {
-      const bool hasFolder = Below(4) != 0;
-      Same("WalkImages", WalkImages(index.Text(), hasFolder, folder.Text(), force),
-           model_.WalkImages(index.Text(), hasFolder, folder.Text(), force));
+      OpenWalk walk;
+      const bool staysOpen = walks_.size() < 8 && Below(2);
+      if (staysOpen) Open(walk);
+      walk.isOverImages = kind >= 92;
+      walk.recursive = force;
+      const bool isAnywhere = walk.isOverImages ? BeginImages(walk, index.Text(), Below(4) != 0, folder.Text())
+                                                : BeginCells(walk, tree, cell.Text());
+      while (!staysOpen && Advance(walk)) {
+      }
+      if (isAnywhere && staysOpen) {
+        walks_.push_back(walk);
+      } else {
+        store_.Finds().Close(walk.handle);
+      }
     }
+    GoOnWithWalks();
     EXPECT_EQ(BrokenInvariant(store_), "") << log_;
     EXPECT_EQ(StateOf(store_), model_.State()) << log_;
   }
@@ -113,38 +140,97 @@ class SideBySide {
 
   template <typename Result>
   void Same(const char* operation, const Result& ours, const Result& expected) {
-    log_ = operation + log_;
+    log_ = operation + (";" + log_);
     EXPECT_EQ(ours, expected) << log_;
   }
 
-  Keys WalkCells(int tree, const char* key, int recursive) {
+  struct OpenWalk {
     SearchHandle handle{};
-    Key start(key);
-    Keys keys;
-    for (auto* cell = store_.GetFirstCell(&handle, tree, start, recursive); cell;
-         cell = store_.GetNextCell(&handle, recursive)) {
-      keys.emplace_back(cell->info->key.Text());
-    }
-    EXPECT_EQ(store_.GetNextCell(&handle, recursive), nullptr);
-    return keys;
+    CatalogueModel::Walk model;
+    bool isOverImages = false;
+    int recursive = 0;
+    std::size_t removalsBefore = 0;
+  };
+
+  OpenWalk& AnyWalk() { return walks_[static_cast<std::size_t>(Below(static_cast<int>(walks_.size())))]; }
+
+  // Of the image that the walk stands on, or would come to if that was removed.
+  static std::string KeyFrom(const CatalogueModel::Walk& walk) {
+    const CatalogueModel::Image* image = walk.image;
+    while (image->isRemoved && image->behind[walk.tree]) image = image->behind[walk.tree];
+    return image->key;
   }
 
-  Keys WalkImages(const char* indexKey, bool hasFolder, const char* folderKey, int recursive) {
-    SearchHandle handle{};
+  void Open(OpenWalk& walk) {
+    EXPECT_TRUE(store_.Finds().Open(walk.handle));
+    walk.removalsBefore = model_.Removals();
+  }
+
+  template <typename Entry, typename ModelEntry>
+  bool SameStep(const char* step, const Entry* ours, const ModelEntry* expected) {
+    Same(step, Told(ours), Told(expected));
+    return ours != nullptr;
+  }
+
+  bool BeginCells(OpenWalk& walk, int tree, const char* key) {
+    Key start(key);
+    return SameStep("GetFirstCell", store_.GetFirstCell(&walk.handle, tree, start, walk.recursive),
+                    model_.FirstCell(walk.model, tree, key, walk.recursive));
+  }
+
+  bool BeginImages(OpenWalk& walk, const char* indexKey, bool hasFolder, const char* folderKey) {
     Key index(indexKey), folder(hasFolder ? folderKey : nullptr);
-    Keys keys;
-    for (auto* node = store_.GetFirstNode(&handle, index, folder, recursive); node;
-         node = store_.GetNextNode(&handle, recursive)) {
-      keys.emplace_back(node->info->key.Text());
+    return SameStep("GetFirstNode", store_.GetFirstNode(&walk.handle, index, folder, walk.recursive),
+                    model_.FirstImage(walk.model, indexKey, hasFolder, folderKey, walk.recursive));
+  }
+
+  bool Advance(OpenWalk& walk) {
+    if (!walk.isOverImages) {
+      return SameStep("GetNextCell", store_.GetNextCell(&walk.handle, walk.recursive), model_.NextCell(walk.model));
     }
-    EXPECT_EQ(store_.GetNextNode(&handle, recursive), nullptr);
-    return keys;
+    return SameStep("GetNextNode", store_.GetNextNode(&walk.handle, walk.recursive), model_.NextImage(walk.model));
+  }
+
+  // A few go a step, also beyond their end; some are closed, a few are forgotten; and seldom everything begins anew.
+  void GoOnWithWalks() {
+    if (Below(500) == 0) {
+      store_.Initialize();
+      model_ = CatalogueModel();
+      for (const OpenWalk& walk : walks_) {
+        EXPECT_FALSE(store_.Finds().IsOpen(walk.handle));
+        store_.Finds().Close(walk.handle);
+      }
+      walks_.clear();
+      forgotten_.clear();
+    }
+    for (OpenWalk& walk : walks_) {
+      if (Below(6) == 0) Advance(walk);
+    }
+    if (walks_.empty() || Below(8)) return;
+    OpenWalk& walk = AnyWalk();
+    if (Below(100)) {
+      store_.Finds().Close(walk.handle);
+    } else {
+      forgotten_.push_back(walk);
+    }
+    walk = walks_.back();
+    walks_.pop_back();
+  }
+
+  // What was removed since the oldest of the open finds was opened, and nothing else.
+  void ExpectOnlyNeededWaits() {
+    std::size_t needed = 0;
+    for (const auto* walks : {&walks_, &forgotten_}) {
+      for (const OpenWalk& walk : *walks) needed = std::max(needed, model_.Removals() - walk.removalsBefore);
+    }
+    EXPECT_EQ(StoreInspector(store_).Waiting(), needed);
   }
 
   const KeyPool& pool_;
   std::mt19937_64 random_;
   CIndexData store_;
   CatalogueModel model_;
+  std::vector<OpenWalk> walks_, forgotten_;
   std::string log_;
 };
 

@@ -100,7 +100,10 @@ unsigned CatalogueModel::RemoveNode(const std::string& key, bool force) {
   Image* const image = FindImage(key);
   if (!image) return StoreImageNotFound;
   if (!force && (image->attribute & 2)) return StoreRemoveProtected;
-  images_.remove_if([image](const Image& other) { return &other == image; });
+  for (int tree = 0; tree < kTreeCount; ++tree) image->behind[tree] = Behind(tree, image);
+  image->isRemoved = true;
+  removedImages_.splice(removedImages_.end(), images_,
+                        std::find_if(images_.begin(), images_.end(), [image](auto& other) { return &other == image; }));
   return StoreOk;
 }
 
@@ -112,7 +115,7 @@ unsigned CatalogueModel::MoveNode(int tree, const std::string& key, const std::s
   if (!target) return StoreIndexNotFound;
   if (image->cell[tree] == target) return StoreOk;
   if (!force && (image->attribute & 1)) return StoreMoveProtected;
-  const Image old = *image;
+  const Image old = *image;  // what is filed again is another image
   RemoveNode(key, true);
   return tree == kIndexTree ? AddNode(key, newCellKey, old.cell[kFolderTree]->key, old.attribute)
                             : AddNode(key, old.cell[kIndexTree]->key, newCellKey, old.attribute);
@@ -154,7 +157,9 @@ unsigned CatalogueModel::RemoveCell(int tree, const std::string& key, bool force
     if (const unsigned result = RemoveNode(std::string(image->key), force)) return result;
   }
   std::erase(cell->parent->children, cell);
-  std::erase_if(cells_[tree], [cell](const auto& other) { return other.get() == cell; });
+  const auto own = std::find_if(cells_[tree].begin(), cells_[tree].end(), [cell](auto& c) { return c.get() == cell; });
+  removedCells_.push_back(std::move(*own));
+  cells_[tree].erase(own);
   return StoreOk;
 }
 
@@ -173,33 +178,65 @@ unsigned CatalogueModel::ChangeAttributeCell(int tree, const std::string& key, i
   return StoreOk;
 }
 
-Keys CatalogueModel::WalkCells(int tree, std::string key, bool recursive) const {
-  const bool skipVolumes = tree == kFolderTree && recursive && key == "/";
+const CatalogueModel::Cell* CatalogueModel::FirstCell(Walk& walk, int tree, std::string key, bool recursive) const {
+  walk = {};
+  walk.tree = tree;
+  walk.recursive = recursive;
+  walk.skipsVolumes = tree == kFolderTree && recursive && key == "/";
   TrimSlash(key);
-  const Cell* const start = FindCell(tree, key);
-  Keys keys;
-  if (!start) return keys;
-  for (const Cell* cell : recursive ? PreOrder(start) : std::vector<Cell*>{const_cast<Cell*>(start)}) {
-    if (!skipVolumes || cell->key.rfind("/Volumes", 0) != 0) keys.push_back(cell->key);
-  }
-  return keys;
+  return walk.start = walk.cell = FindCell(tree, key);
 }
 
-Keys CatalogueModel::WalkImages(std::string indexKey, bool hasFolder, const std::string& folderKey,
-                                bool recursive) const {
-  const int tree = hasFolder && folderKey != "." ? kFolderTree : kIndexTree;
-  if (tree == kIndexTree) TrimSlash(indexKey);
-  const Cell* const filter = FindCell(kIndexTree, indexKey);
-  Keys keys;
-  if (!filter) return keys;
-  const std::vector<Cell*> wanted = PreOrder(filter);
-  for (const std::string& key : WalkCells(tree, tree == kIndexTree ? indexKey : folderKey, recursive)) {
-    for (const Image* image : ImagesOf(tree, FindByText(tree, key))) {
-      const bool isWanted = std::count(wanted.begin(), wanted.end(), image->cell[kIndexTree]) > 0;
-      if (isWanted) keys.push_back(image->key);
+const CatalogueModel::Cell* CatalogueModel::NextCell(Walk& walk) const {
+  if (!walk.cell) return nullptr;
+  const std::vector<Cell*> order = walk.recursive ? PreOrder(walk.start) : std::vector<Cell*>();
+  auto at = std::find(order.begin(), order.end(), walk.cell);
+  if (at != order.end()) ++at;
+  while (at != order.end() && walk.skipsVolumes && (*at)->key.rfind("/Volumes", 0) == 0) ++at;
+  return walk.cell = at == order.end() ? nullptr : *at;
+}
+
+const CatalogueModel::Image* CatalogueModel::Behind(int tree, const Image* image) const {
+  if (image->isRemoved) return image->behind[tree];
+  const std::vector<const Image*> images = ImagesOf(tree, image->cell[tree]);
+  const auto at = std::find(images.begin(), images.end(), image) + 1;
+  return at == images.end() ? nullptr : *at;
+}
+
+// From the image, itself included, or else from the next cell on: the first one that is filed, and under the filter.
+const CatalogueModel::Image* CatalogueModel::FirstFrom(Walk& walk) const {
+  const std::vector<Cell*> wanted = PreOrder(walk.filter);
+  const auto isWanted = [&](const Image* i) {
+    return !i->isRemoved && std::count(wanted.begin(), wanted.end(), i->cell[kIndexTree]) > 0;
+  };
+  while (!walk.image || !isWanted(walk.image)) {
+    if (walk.image) walk.image = Behind(walk.tree, walk.image);
+    while (!walk.image && NextCell(walk)) {
+      const std::vector<const Image*> images = ImagesOf(walk.tree, walk.cell);
+      if (!images.empty()) walk.image = images.front();
     }
+    if (!walk.image) break;
   }
-  return keys;
+  return walk.image;
+}
+
+const CatalogueModel::Image* CatalogueModel::FirstImage(Walk& walk, std::string indexKey, bool hasFolder,
+                                                        const std::string& folderKey, bool recursive) const {
+  const bool byFolder = hasFolder && folderKey != ".";
+  if (!byFolder) TrimSlash(indexKey);
+  const Cell* const start =
+      FirstCell(walk, byFolder ? kFolderTree : kIndexTree, byFolder ? folderKey : indexKey, recursive);
+  walk.filter = FindCell(kIndexTree, indexKey);
+  if (!start || !walk.filter) return nullptr;
+  const std::vector<const Image*> images = ImagesOf(walk.tree, start);
+  if (!images.empty()) walk.image = images.front();
+  return FirstFrom(walk);
+}
+
+const CatalogueModel::Image* CatalogueModel::NextImage(Walk& walk) const {
+  if (!walk.image) return nullptr;
+  walk.image = Behind(walk.tree, walk.image);
+  return FirstFrom(walk);
 }
 
 CatalogueState CatalogueModel::State() const {

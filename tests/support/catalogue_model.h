@@ -23,13 +23,6 @@ class CatalogueModel {
   unsigned RenameCell(int tree, const std::string& key, const std::string& newName, bool force);
   unsigned ChangeAttributeCell(int tree, const std::string& key, int attribute);
 
-  // The keys of a whole walk; `hasFolder` false stands for a folder key that was never assigned.
-  Keys WalkCells(int tree, std::string key, bool recursive) const;
-  Keys WalkImages(std::string indexKey, bool hasFolder, const std::string& folderKey, bool recursive) const;
-
-  CatalogueState State() const;
-
- private:
   struct Cell {
     std::string key, name;
     int attribute;
@@ -40,18 +33,44 @@ class CatalogueModel {
     std::string key;
     int attribute;
     Cell* cell[kTreeCount];
+    bool isRemoved = false;
+    const Image* behind[kTreeCount] = {};  // once it is removed: what stood behind it then
   };
 
+  // Where a walk stands. Anything may change between two steps: a removed image leads to what stood behind it, a
+  // removed cell to nothing, and whatever else lies ahead is what lies there by then.
+  struct Walk {
+    int tree = 0;
+    bool recursive = false, skipsVolumes = false;
+    const Cell *start = nullptr, *cell = nullptr, *filter = nullptr;
+    const Image* image = nullptr;
+  };
+
+  // What the walk comes to, null at its end; `hasFolder` false stands for a folder key that was never assigned.
+  const Cell* FirstCell(Walk& walk, int tree, std::string key, bool recursive) const;
+  const Cell* NextCell(Walk& walk) const;
+  const Image* FirstImage(Walk& walk, std::string indexKey, bool hasFolder, const std::string& folderKey,
+                          bool recursive) const;
+  const Image* NextImage(Walk& walk) const;
+
+  // How many entries were removed so far.
+  std::size_t Removals() const { return removedImages_.size() + removedCells_.size(); }
+
+  CatalogueState State() const;
+
+ private:
   Image* FindImage(const std::string& key);
   Cell* FindByText(int tree, const std::string& key) const;
   Cell* FindCell(int tree, const std::string& key) const;
   Cell* NewCell(int tree, Cell* parent, const std::string& key, const std::string& name, int attribute);
   std::vector<Cell*> PreOrder(const Cell* start) const;
   std::vector<const Image*> ImagesOf(int tree, const Cell* cell) const;
+  const Image* Behind(int tree, const Image* image) const;
+  const Image* FirstFrom(Walk& walk) const;
 
-  // In the order of their making; what is removed leaves them.
-  std::list<Image> images_;
-  std::vector<std::unique_ptr<Cell>> cells_[kTreeCount];
+  // In the order of their making; what is removed leaves them for the others, which keep it for walks.
+  std::list<Image> images_, removedImages_;
+  std::vector<std::unique_ptr<Cell>> cells_[kTreeCount], removedCells_;
 };
 
 // The hash of the system and the equality of keys, computed in another way than the library does.

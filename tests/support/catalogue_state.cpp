@@ -76,6 +76,25 @@ std::string BrokenImageList(const CIDXCell* cell, int tree, bool isOrdered, std:
   return cell->lastNode == before ? "" : "last image of " + KeyOf(cell);
 }
 
+// `filed`: every image that is. Nothing that a removed entry leads to is looked at before it is known to be there.
+std::string BrokenWaiting(const FindSpan* first, const std::set<const CIDXNode*>& filed) {
+  std::set<const CIDXNode*> there = filed;
+  for (const FindSpan* span = first; span; span = span->next) {
+    for (const CIDXNode* node = span->nodes.head; node; node = node->hashNext) there.insert(node);
+    for (const CIDXCell* cell = span->cells.head; cell; cell = cell->hashNext) {
+      if (cell->parent || cell->nextSibling || cell->firstChild || cell->firstNode) return "removed " + KeyOf(cell);
+    }
+  }
+  for (const CIDXNode* node : there) {
+    if (node->info->removed == (filed.count(node) == 1)) return "mark of " + KeyOf(node);
+    for (int tree = 0; tree < kTreeCount; ++tree) {
+      const CIDXNode* const next = node->next[tree];
+      if (next && (!there.count(next) || next->cell[tree] != node->cell[tree])) return "what follows " + KeyOf(node);
+    }
+  }
+  return "";
+}
+
 }  // namespace
 
 CatalogueState StateOf(const CIndexData& store) {
@@ -131,7 +150,8 @@ std::string BrokenInvariant(const CIndexData& store) {
   if (inTable != chainedCells.size()) return "a cell in the table is in no tree";
   if (inspector.ImageTable().Count() != chainedImages.size()) return "count of the images' key table";
   const std::uint64_t cells = inspector.CellTable(kIndexTree).Count() + inspector.CellTable(kFolderTree).Count();
-  return cells == chainedCells.size() ? "" : "count of the cells' key tables";
+  if (cells != chainedCells.size()) return "count of the cells' key tables";
+  return BrokenWaiting(inspector.FirstSpan(), chainedImages);
 }
 
 std::ostream& operator<<(std::ostream& out, const CatalogueState& state) {

@@ -2,6 +2,7 @@
 #ifndef CATALOGCORE_TESTS_SUPPORT_STORE_INSPECTOR_H_
 #define CATALOGCORE_TESTS_SUPPORT_STORE_INSPECTOR_H_
 
+#include <cstddef>
 #include <string>
 
 #include "store/index_data.h"
@@ -16,6 +17,16 @@ class StoreInspector {
   const KeyTable<CIDXNode>& ImageTable() const { return store_.nodeTable; }
   const KeyTable<CIDXCell>& CellTable(int tree) const { return store_.cellTable[tree]; }
   const HashChain<CIDXCell>& MovedCells(int tree) const { return store_.movedCells[tree]; }
+  const FindSpan* FirstSpan() const { return store_.openFinds.first; }
+  // How many removed entries are kept for open finds.
+  std::size_t Waiting() const {
+    std::size_t count = 0;
+    for (const FindSpan* span = FirstSpan(); span; span = span->next) {
+      for (const CIDXNode* node = span->nodes.head; node; node = node->hashNext) ++count;
+      for (const CIDXCell* cell = span->cells.head; cell; cell = cell->hashNext) ++count;
+    }
+    return count;
+  }
 
   static int Compare(const CIDXCell* a, const CIDXCell* b) { return CIndexData::CompareCell(kIndexTree, a, b); }
   static bool IsValidKey(int tree, const CIDXString& key) { return CIndexData::IsValidKey(tree, key) == 1; }

@@ -1,0 +1,67 @@
+// The finds that are open, and the entries that were removed under them.
+//
+// Time is cut into spans. A span begins with the opening of finds and goes on with removals; the opening that follows a
+// removal begins the next one. So a find may stand on what was removed in its own span or in a later one, and on nothing
+// that was removed before.
+//
+// What always holds:
+// - While there is a span, a removed entry waits in the last one; without a span it is deleted at once.
+// - A span and all that waits in it are deleted once neither it nor any before it has an open find. Sweep looks at that,
+//   so that afterwards the first span has an open find, and without an open find there is no span.
+#ifndef CATALOGCORE_STORE_OPEN_FINDS_H_
+#define CATALOGCORE_STORE_OPEN_FINDS_H_
+
+#include <atomic>
+#include <cstdint>
+
+#include "store/entries.h"
+#include "store/hash_chain.h"
+#include "store/search_handle.h"
+
+struct FindSpan {
+  std::atomic<std::uint32_t> openFinds{0};
+  HashChain<CIDXNode> nodes;  // removed in it, by the links that their buckets need no more
+  HashChain<CIDXCell> cells;
+  FindSpan* next = nullptr;  // the later one
+};
+
+// Callers hold the store's region, but for Close and IsOpen, which ask for nothing.
+class OpenFinds {
+ public:
+  OpenFinds();
+  ~OpenFinds() { Clear(); }
+  OpenFinds(const OpenFinds&) = delete;
+  OpenFinds& operator=(const OpenFinds&) = delete;
+
+  // Counts the find as open; false without memory. A walk that ends before the region is left needs no opening.
+  bool Open(SearchHandle& handle);
+
+  // Once for each that was opened. Nothing for a find that is not open, or was before the last Clear.
+  void Close(const SearchHandle& handle) const;
+
+  // Whether the find was opened, and not before the last Clear. Closing changes nothing of it.
+  bool IsOpen(const SearchHandle& handle) const { return handle.catalogue == catalogue; }
+
+  // Takes an entry over that stands in no list and no table any more. Cannot fail.
+  void Keep(CIDXNode* node);
+  void Keep(CIDXCell* cell);
+
+  // Deletes what no find can stand on any more. To be called by whoever enters the region.
+  void Sweep() {
+    while (first && first->openFinds.load(std::memory_order_acquire) == 0) DropFirst();
+  }
+
+  // Deletes everything. No find is open afterwards.
+  void Clear();
+
+ private:
+  friend class StoreInspector;
+
+  void DropFirst();
+
+  FindSpan* first = nullptr;
+  FindSpan* last = nullptr;
+  std::uint64_t catalogue;  // never the same twice in a process, and never 0
+};
+
+#endif  // CATALOGCORE_STORE_OPEN_FINDS_H_
