@@ -215,12 +215,7 @@ int main(int argc, char** argv) {
   return RunTool(
       argc, argv, "Measures how well IDXDetectScene decides labelled pictures.",
       [&options](CLI::App& app) {
-        app.add_option("DOCUMENTS", options.documents, "folder of documents")
-            ->required()
-            ->check(CLI::ExistingDirectory);
-        app.add_option("PHOTOS", options.photographs, "folder of photographs")
-            ->required()
-            ->check(CLI::ExistingDirectory);
+        AddPictureFolders(app, options.documents, options.photographs);
         app.add_flag("--cross-validate", options.crossValidate,
                      "decide each picture by a recognizer trained without its source, not by the library's own");
         app.add_flag("--exchange", options.exchange, "count the decisions that change with the order of the samples");

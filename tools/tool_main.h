@@ -12,6 +12,12 @@
 
 namespace catalogcore::tools {
 
+// The two folders of labelled pictures that every tool begins with.
+inline void AddPictureFolders(CLI::App& app, std::string& documents, std::string& photographs) {
+  app.add_option("DOCUMENTS", documents, "folder of documents")->required()->check(CLI::ExistingDirectory);
+  app.add_option("PHOTOS", photographs, "folder of photographs")->required()->check(CLI::ExistingDirectory);
+}
+
 // Lets `addOptions(app)` say what the arguments are, parses them, starts libvips with one thread (pictures, not parts of
 // one, are worked on side by side) and runs `work()`. Returns the exit status; what is thrown is printed, and the status
 // is 1 then.

@@ -45,12 +45,7 @@ int main(int argc, char** argv) {
   return RunTool(
       argc, argv, "Trains the document-type recognizer from a folder of documents and one of photographs.",
       [&options](CLI::App& app) {
-        app.add_option("DOCUMENTS", options.documents, "folder of documents")
-            ->required()
-            ->check(CLI::ExistingDirectory);
-        app.add_option("PHOTOS", options.photographs, "folder of photographs")
-            ->required()
-            ->check(CLI::ExistingDirectory);
+        AddPictureFolders(app, options.documents, options.photographs);
         app.add_option("-o,--output", options.output, "parameter block to write")->required();
         app.add_option("--variants", options.variants, "variants of each picture to train on")
             ->check(CLI::Range(1, 1000));
