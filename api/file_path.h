@@ -4,8 +4,8 @@
 
 #include "base/idx_string.h"
 
-// Sets `folder` to what lies before the last "/" of `file` and returns 1; returns 0, with `folder` unchanged, when
-// there is no "/" or no memory.
+// Sets `folder` to what lies before the last "/" of `file` and returns 1. With `folder` unchanged, returns 0 when there is
+// no "/", -1 without memory.
 int ExtractFilePath(CIDXString& folder, const CIDXString& file);
 
 // Writes "s:" over the first two characters of a key that begins with "//". Always 1. The calls do without it.

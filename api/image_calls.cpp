@@ -12,7 +12,8 @@ IDXSTATUS IDXAddImage(IDXITEM* item) {
     CIDXString index;
     IDXSTATUS status = GetIDXName(item, name);
     if (status != IDX_OK) return status;
-    if (!ExtractFilePath(folder, name)) return IDXERR_PARAM;
+    const int extracted = ExtractFilePath(folder, name);
+    if (extracted != 1) return extracted == 0 ? IDXERR_PARAM : IDXERR_MEMORY;
     status = GetIDXIndex(item, index);
     if (status != IDX_OK) return status;
     unsigned char attribute = 0;
