@@ -39,8 +39,7 @@ bool AppendRecord(CIDXBuffer& payload, const char* first, std::uint8_t attribute
   payload.CatBuffer(first, firstSize + 1);
   payload.CatBuffer(middle.c_str(), middleSize + 1);
   payload.CatBuffer(last, lastSize + 1);
-  payload.CatBuffer("\n", 2);
-  return true;
+  return payload.CatBuffer("\n", 2) >= 0;  // what fills a block to its last byte is allocated once more
 }
 
 bool CopyField(CIDXString& target, std::string_view field) {

@@ -12,8 +12,8 @@
 int IsValidVersion(std::string_view text);
 
 // Sets the payload to the line of the version tag, or appends that of a record. False without memory, or when the
-// payload would be longer than its length can tell; it is as it was then. Its block grows ahead of its text, so that
-// what a payload costs stays in proportion to it.
+// payload would be longer than its length can tell; the end of its last line may be missing then. Its block grows ahead
+// of its text, so that what a payload costs stays in proportion to it.
 bool SetVersion(CIDXBuffer& payload);
 bool AppendRecord(CIDXBuffer& payload, const char* first, std::uint8_t attribute, const char* last);
 
