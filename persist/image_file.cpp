@@ -40,8 +40,11 @@ IDXSTATUS IDXLoadImageFile(IDXSTR name) {
       if (!CopyField(imageKey, record.last)) return IDXERR_MEMORY;
       if (!existing.Has(imageKey.Text())) continue;
       if (!CopyField(indexKey, record.first)) return IDXERR_MEMORY;
-      if (!ExtractFilePath(folderKey, imageKey)) continue;
-      idData->AddNode(imageKey, indexKey, folderKey, record.attribute);  // what the store refuses is skipped
+      const int extracted = ExtractFilePath(folderKey, imageKey);
+      if (extracted == 0) continue;
+      if (extracted < 0) return IDXERR_MEMORY;
+      // What the store refuses is skipped.
+      if (idData->AddNode(imageKey, indexKey, folderKey, record.attribute) == StoreFailed) return IDXERR_MEMORY;
     }
     return IDX_OK;
   });

@@ -40,7 +40,8 @@ IDXSTATUS IDXLoadIndexFile(IDXSTR name) {
     CIDXString display;
     for (PayloadRecord record{}; reader.NextRecord(record);) {
       if (!CopyField(key, record.first) || !CopyField(display, record.last)) return IDXERR_MEMORY;
-      idData->AddCell(kIndexTree, key, display, record.attribute);  // what the store refuses is skipped
+      // What the store refuses is skipped.
+      if (idData->AddCell(kIndexTree, key, display, record.attribute) == StoreFailed) return IDXERR_MEMORY;
     }
     return IDX_OK;
   });
