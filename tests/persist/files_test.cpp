@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -411,11 +412,12 @@ TEST_F(FilesTest, KilledWritersLeaveOneWholeVersion) {
     SCOPED_TRACE(kill);
     const pid_t writer = fork();
     if (writer > 0) {
-      while (progress->begun == progress->done) sched_yield();
+      while (progress->begun == progress->done && waitpid(writer, nullptr, WNOHANG) == 0) sched_yield();
       usleep(static_cast<useconds_t>(random() % 8000));
       ::kill(writer, SIGKILL);
     }
     EXPECT_TRUE(IsKilled(writer, [&] {
+      prctl(PR_SET_PDEATHSIG, SIGKILL);  // it must not outlive a test that is ended
       for (int version = progress->done + 1;; ++version) {
         setVersion(version);
         progress->begun = version;
