@@ -1,4 +1,6 @@
 // Adding, changing, removing and looking up images.
+#include <cstring>
+
 #include "api/catalogue.h"
 #include "api/file_path.h"
 #include "api/idx_item.h"
@@ -11,7 +13,7 @@ IDXSTATUS IDXAddImage(IDXITEM* item) {
     CIDXString index;
     IDXSTATUS status = GetIDXName(item, name);
     if (status != IDX_OK) return status;
-    if (!ExtractFilePath(folder, name)) return IDXERR_PARAM;
+    if (!ExtractFilePath(folder, name)) return std::strchr(name.Text(), '/') ? IDXERR_MEMORY : IDXERR_PARAM;
     status = GetIDXIndex(item, index);
     if (status != IDX_OK) return status;
     unsigned char attribute = 0;

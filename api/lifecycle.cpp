@@ -13,20 +13,22 @@ namespace {
 
 IDXSTATUS Initialize() {
   idData = new (std::nothrow) CIndexData;
-  if (!idData || !*idData->CriticalRegion()) return IDXUninitialize(), IDXERR_MEMORY;
+  if (!idData || !*idData->CriticalRegion()) return IDXERR_MEMORY;
   const std::uint32_t result = idData->Initialize();
   if (result != StoreOk) return StoreStatus(result);
   g_strFilePath.CopyString("");
   MakePresetIndex();  // the library works also without a preset that could not be made
   dsScene = new (std::nothrow) CDetectScene;
-  return dsScene ? dsScene->Initialize() : static_cast<IDXSTATUS>(IDXERR_MEMORY);
+  return dsScene && *dsScene->Region() ? dsScene->Initialize() : static_cast<IDXSTATUS>(IDXERR_MEMORY);
 }
 
 }  // namespace
 
 IDXSTATUS IDXInitialize(void) {
   IDXUninitialize();
-  return WithoutExceptions(Initialize);
+  const IDXSTATUS status = WithoutExceptions(Initialize);
+  if (status == IDXERR_MEMORY) IDXUninitialize();
+  return status;
 }
 
 IDXSTATUS IDXUninitialize(void) {
@@ -40,7 +42,9 @@ IDXSTATUS IDXUninitialize(void) {
 
 IDXSTATUS IDXSetFilePath(IDXSTR path) {
   if (!path) return IDXERR_PARAM;
-  const auto status = static_cast<IDXSTATUS>(CopyIDXSTRtoCIDXString(g_strFilePath, path));
-  if (status != IDX_OK) return status;
-  return g_strFilePath.CatString("/") < 0 ? IDXERR_MEMORY : IDX_OK;
+  auto status = static_cast<IDXSTATUS>(CopyIDXSTRtoCIDXString(g_strFilePath, path));
+  if (status == IDX_OK && g_strFilePath.CatString("/") < 0) status = IDXERR_MEMORY;
+  // Neither the earlier directory nor a path without its "/", which would put the files beside the directory.
+  if (status == IDXERR_MEMORY) g_strFilePath.ClearString();
+  return status;
 }

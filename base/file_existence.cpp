@@ -4,13 +4,20 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstring>
+#include <string_view>
 
 #include "base/cf_reference.h"
+#include "platform/corefoundation/utf8.h"
 
 bool IsUtf8(const char* text) {
-  const bool isAscii = std::all_of(text, text + std::strlen(text), [](char c) { return (c & 0x80) == 0; });
-  return isAscii || CFReference<CFStringRef>(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8));
+  std::string_view rest(text);
+  if (std::all_of(rest.begin(), rest.end(), [](char c) { return (c & 0x80) == 0; })) return true;  // mostly
+  while (!rest.empty()) {
+    const std::size_t bytes = catalogcore::cf::CharacterBytes(rest);
+    if (bytes == 0) return false;
+    rest.remove_prefix(bytes);
+  }
+  return true;
 }
 
 int IsFileExistAPI(const char* path) {

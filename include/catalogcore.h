@@ -11,6 +11,10 @@
  *
  * No call throws. Every call that takes a record gives IDXERR_PARAM for a null one, and every call on the catalogue
  * gives IDXERR_FAILED before IDXInitialize, but for the next step of a walk of earlier, which is at its end.
+ *
+ * Memory: where there is none a call gives IDXERR_MEMORY, but IDXERR_FAILED where it was a string handed in, or a file,
+ * that could not be read or written for want of it. The catalogue is then as it was before the call, if the call says
+ * nothing else; the library can be used on, and what failed called again.
  */
 #ifndef CATALOGCORE_H_
 #define CATALOGCORE_H_
@@ -22,8 +26,8 @@
  * Text that crosses the boundary, UTF-8 inside the library: a pointer to a string variable of the application. On
  * input the library reads the string that the variable holds and never releases it: an empty one gives IDXERR_MEMORY,
  * none or one that cannot be converted IDXERR_FAILED. On output it stores a new string, which the application owns
- * and releases; a string that the variable held before is not released, and text that is no UTF-8 (only a file can
- * bring it) leaves the variable as it is: set it to NULL before the call to tell.
+ * and releases; a string that the variable held before is not released. Text that is no UTF-8 (only a file can bring it),
+ * or that there is no memory for, leaves the variable as it is: set it to NULL before the call to tell.
  */
 typedef CFStringRef* IDXSTR;
 
@@ -149,8 +153,9 @@ extern "C" {
 
 /*
  * Makes an empty catalogue with the ten presets, named "idx" and their numbers, and no base directory. Whatever an
- * earlier call made is dropped first. IDX_OK; IDXERR_MEMORY; IDXERR_DETECTOR: the catalogue works, and so does scene
- * detection where the recognizer is not needed.
+ * earlier call made is dropped first. IDX_OK: a root or a preset is missing only where there was no memory for it;
+ * IDXERR_MEMORY: nothing is initialised; IDXERR_DETECTOR: the catalogue works, and so does scene detection where the
+ * recognizer is not needed.
  */
 IDXSTATUS IDXInitialize(void);
 
@@ -162,7 +167,7 @@ IDXSTATUS IDXUninitialize(void);
 
 /*
  * Sets the directory of the catalogue's files. A "/" is added to it, always. IDX_OK; IDXERR_PARAM: null; else what
- * the string gives, and with IDXERR_MEMORY the directory is not set any more.
+ * the string gives; with IDXERR_MEMORY no directory is set any more.
  */
 IDXSTATUS IDXSetFilePath(IDXSTR path);
 
@@ -171,7 +176,8 @@ IDXSTATUS IDXSetFilePath(IDXSTR path);
 /*
  * Files an image: reads name, index, and attribute (0 if not marked). IDX_OK; IDXERR_PARAM: a field is missing, the
  * name holds no "/", the index is out of range or the root, the folder is no path; IDXERR_IMAGEEXISTS;
- * IDXERR_NOINDEX; IDXERR_MEMORY.
+ * IDXERR_NOINDEX; IDXERR_MEMORY: its folder may be made all the same, or the nearest folder above it that was
+ * there have gone, with its images, if no folder lay below that.
  */
 IDXSTATUS IDXAddImage(IDXITEM* item);
 
@@ -214,7 +220,8 @@ IDXSTATUS IDXCloseFind(IDXFIND find);
  * there. Reads index, name, and attribute (0 if not marked). Under IDXOP_GETINFO writes its number to index, also
  * when adding fails. IDX_OK; IDXERR_PARAM: a field is missing, the parent is out of range or on the fourth level;
  * IDXERR_NOINDEX: no parent; IDXERR_INDEXEXISTS: it has a child of this name, byte for byte, whose number is written
- * under IDXOP_GETINFO; IDXERR_INDEXFULL; IDXERR_MEMORY.
+ * under IDXOP_GETINFO; IDXERR_INDEXFULL; IDXERR_MEMORY: the parent may have gone, with its images, if it has no child and
+ * nothing protects them.
  */
 IDXSTATUS IDXAddIndex(IDXITEM* item);
 
@@ -267,7 +274,9 @@ IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int
 /*
  * Adds the indexes of the file to the catalogue; those that are there already are left as they are. To be called
  * before IDXLoadImageFile. IDX_OK; IDXERR_FAILED: the file cannot be read, or is none of this kind; IDXERR_PARAM:
- * null; IDXERR_NODATA: no such file, or it holds no indexes; IDXERR_EMPTY; IDXERR_VERSION; IDXERR_MEMORY.
+ * null; IDXERR_NODATA: no such file, or it holds no indexes; IDXERR_EMPTY; IDXERR_VERSION; IDXERR_MEMORY: only a part may
+ * be there. After IDXERR_FAILED and IDXERR_MEMORY the file holds more than the catalogue: do not write over it. An entry
+ * that the catalogue refuses, or has no memory for, is skipped, with IDX_OK.
  */
 IDXSTATUS IDXLoadIndexFile(IDXSTR name);
 

@@ -1,4 +1,4 @@
-// Owns an open file.
+// Owns an open file. What closing it says is not looked at: who writes flushes before, and hears of failures then.
 #ifndef CATALOGCORE_PERSIST_FILE_DESCRIPTOR_H_
 #define CATALOGCORE_PERSIST_FILE_DESCRIPTOR_H_
 
@@ -20,11 +20,9 @@ class FileDescriptor {
   bool IsOpen() const { return descriptor_ >= 0; }
   int Get() const { return descriptor_; }
 
-  // Whether closing told of no error that an earlier write kept back. Once closed, it is done.
-  bool Close() {
-    const int descriptor = descriptor_;
+  void Close() {
+    if (descriptor_ >= 0) close(descriptor_);
     descriptor_ = -1;
-    return descriptor < 0 || close(descriptor) == 0;
   }
 
  private:

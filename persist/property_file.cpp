@@ -1,9 +1,10 @@
 #include "persist/property_file.h"
 
 #include <limits.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 #include <string_view>
 
@@ -24,11 +25,18 @@ constexpr std::string_view kFinalZero("", 1);
 
 enum class ReadResult { kRead, kMissing, kFailed };
 
+// Whether there is no such file. A folder or a disk that does not answer leaves that open, and then a catalogue must
+// neither begin empty nor take the file's place.
+bool IsMissing(const char* path) {
+  struct stat status {};
+  return stat(path, &status) != 0 && (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
+}
+
 // The dictionary at the file's top, for changing. kMissing when the URL names nothing; kFailed when it names nothing that
 // this library can read.
 ReadResult ReadDictionary(CFURLRef url, Dictionary& dictionary) {
   char path[PATH_MAX];
-  if (!PathOf(url, path) || access(path, F_OK) != 0) return ReadResult::kMissing;
+  if (!PathOf(url, path) || IsMissing(path)) return ReadResult::kMissing;
   CFDataRef content = nullptr;
   if (!CFURLCreateDataAndPropertiesFromResource(nullptr, url, &content, nullptr, nullptr, nullptr)) {
     return ReadResult::kFailed;
@@ -45,6 +53,7 @@ ReadResult ReadDictionary(CFURLRef url, Dictionary& dictionary) {
 }  // namespace
 
 bool ReadPropertyValue(CFURLRef url, CFStringRef key, CFReference<CFDataRef>& value) {
+  if (!key) return false;  // a constant for which there was no memory: nothing is known of the file
   Dictionary dictionary;
   const ReadResult result = ReadDictionary(url, dictionary);
   if (result != ReadResult::kRead) return result == ReadResult::kMissing;

@@ -37,20 +37,23 @@ struct Target {
     prefix += std::to_string(std::hash<std::string>()(path.substr(slash + 1)));
     prefix += '-';
     exists = stat(path.c_str(), &status) == 0;
+    isKnown = exists || (errno == ENOENT && !path.empty());
   }
 
   std::string path;
   std::string folder;          // with a "/" at its end
   std::string prefix = kMark;  // of its temporary files' names
   bool exists = false;
+  bool isKnown = false;  // whether it exists could be told
   struct stat status {};
 };
 
-// Where the path leads, through symbolic links, also to a file that is not there yet.
+// Where the path leads, through symbolic links, also to a file that is not there yet. Empty if that cannot be told.
 std::string FollowLinks(std::string path) {
   for (int links = 0; links < kMostLinks; ++links) {
     char text[PATH_MAX];
     const ssize_t size = readlink(path.c_str(), text, sizeof text);
+    if (size < 0 && errno != EINVAL && errno != ENOENT) return {};
     if (size <= 0) break;
     const std::string link(text, static_cast<std::size_t>(size));
     path.resize(link.front() == '/' ? 0 : path.rfind('/') + 1);
@@ -89,7 +92,7 @@ int CreateTemporary(const Target& target, std::string& path) {
   for (;;) {
     path = target.folder + target.prefix + std::to_string(getpid()) + '-' + std::to_string(++count);
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-    if (file < 0 && errno == EEXIST) continue;
+    if (file < 0 && (errno == EEXIST || errno == EINTR)) continue;
     if (file < 0) return file;
     struct stat status {};
     flock(file, LOCK_EX | LOCK_NB);
@@ -142,26 +145,27 @@ void TakePermissions(int file, const Target& target) {
 bool IsFoldersRefusal(int error) { return error == EACCES || error == EPERM || error == EROFS || error == EBUSY; }
 
 bool WriteInPlace(const Target& target, Parts parts) {
-  FileDescriptor file(open(target.path.c_str(), O_WRONLY | O_CLOEXEC));
+  const FileDescriptor file(open(target.path.c_str(), O_WRONLY | O_CLOEXEC));
   if (!file.IsOpen() || !WriteAll(file.Get(), parts)) return false;
   const off_t size = lseek(file.Get(), 0, SEEK_CUR);
-  return ftruncate(file.Get(), size) == 0 && Flush(file.Get()) && file.Close();
+  return ftruncate(file.Get(), size) == 0 && Flush(file.Get());
 }
 
 }  // namespace
 
 bool ReplaceFile(const char* path, Parts parts) {
   const Target target(FollowLinks(path));
+  if (!target.isKnown) return false;
   if (target.exists && faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0) return false;
   RemoveLeftovers(target);
   std::string temporary;
-  FileDescriptor file(CreateTemporary(target, temporary));
+  const FileDescriptor file(CreateTemporary(target, temporary));
   if (!file.IsOpen()) return IsFoldersRefusal(errno) && target.exists && WriteInPlace(target, parts);
   TakePermissions(file.Get(), target);
   const bool isWritten = WriteAll(file.Get(), parts) && Flush(file.Get());
   if (isWritten && std::rename(temporary.c_str(), target.path.c_str()) == 0) {
     FlushFolder(target);
-    return file.Close();
+    return true;
   }
   const bool isRefused = isWritten && IsFoldersRefusal(errno);
   unlink(temporary.c_str());

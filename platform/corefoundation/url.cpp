@@ -70,10 +70,17 @@ SInt32 ErrorOfOpen(int systemError) {
   }
 }
 
+int OpenToRead(const char* path) {
+  for (;;) {
+    const int file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // a pipe must not be waited for
+    if (file >= 0 || errno != EINTR) return file;
+  }
+}
+
 // Appends the file, to its end. Returns 0 or a kCFURL error; throws std::bad_alloc.
 SInt32 ReadFile(const std::string& path, catalogcore::cf::ByteBuffer& bytes) {
   constexpr std::size_t kPiece = std::size_t{1} << 20;
-  const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));  // a pipe must not be waited for
+  const FileDescriptor file(OpenToRead(path.c_str()));
   if (file.number() < 0) return ErrorOfOpen(errno);
   struct stat status {};
   if (fstat(file.number(), &status) != 0) return kCFURLUnknownError;

@@ -1,7 +1,7 @@
 #include "tests/persist/failing_calls.h"
 
-#include <fcntl.h>
 #include <signal.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,24 +12,38 @@ namespace {
 
 OnCall armed = OnCall::kNothing;
 int callsLeft = 0;
+int errorOfCall = 0;
 bool reached = false;
 int flushes = 0;
 int flushesBeforeRename = -1;
+
+bool IsInterrupted() {
+  if (armed != OnCall::kShorten || ++callsLeft % 5 != 0) return false;
+  errno = EINTR;
+  return true;
+}
 
 // Whether the call is to fail; errno is set then.
 bool Fails() {
   if (armed == OnCall::kNothing || armed == OnCall::kShorten || callsLeft-- > 0 || reached) return false;
   reached = true;
   if (armed == OnCall::kKill) kill(getpid(), SIGKILL);
-  errno = ENOSPC;
+  errno = errorOfCall;
   return true;
+}
+
+size_t Shortened(size_t size) {
+  if (armed != OnCall::kShorten) return size;
+  reached = true;
+  return std::min<size_t>(size, 7);
 }
 
 }  // namespace
 
-void ArmCalls(OnCall what, int at) {
+void ArmCalls(OnCall what, int at, int error) {
   armed = what;
   callsLeft = at;
+  errorOfCall = error;
   reached = false;
 }
 
@@ -43,29 +57,26 @@ bool CallsWereReached() { return reached; }
 
 extern "C" {
 int __real_open(const char* path, int flags, mode_t mode);
+ssize_t __real_read(int file, void* bytes, size_t size);
 ssize_t __real_write(int file, const void* bytes, size_t size);
 int __real_fsync(int file);
 int __real_rename(const char* from, const char* to);
 int __real_close(int file);
+int __real_stat(const char* path, struct stat* status);
+ssize_t __real_readlink(const char* path, char* text, size_t size);
 
 int __wrap_open(const char* path, int flags, mode_t mode) {
-  return (flags & O_ACCMODE) == O_WRONLY && Fails() ? -1 : __real_open(path, flags, mode);
+  return Fails() || IsInterrupted() ? -1 : __real_open(path, flags, mode);
+}
+ssize_t __wrap_read(int file, void* bytes, size_t size) {
+  return Fails() || IsInterrupted() ? -1 : __real_read(file, bytes, Shortened(size));
 }
 ssize_t __wrap_write(int file, const void* bytes, size_t size) {
-  if (Fails()) return -1;
-  if (armed == OnCall::kShorten) {
-    reached = true;
-    if (++callsLeft % 5 == 0) {
-      errno = EINTR;
-      return -1;
-    }
-    size = std::min<size_t>(size, 7);
-  }
-  return __real_write(file, bytes, size);
+  return Fails() || IsInterrupted() ? -1 : __real_write(file, bytes, Shortened(size));
 }
 int __wrap_fsync(int file) {
   ++flushes;
-  return Fails() ? -1 : __real_fsync(file);
+  return Fails() || IsInterrupted() ? -1 : __real_fsync(file);
 }
 int __wrap_rename(const char* from, const char* to) {
   flushesBeforeRename = flushes;
@@ -73,6 +84,10 @@ int __wrap_rename(const char* from, const char* to) {
 }
 int __wrap_close(int file) {
   const int result = __real_close(file);
-  return Fails() ? -1 : result;
+  return Fails() || IsInterrupted() ? -1 : result;
+}
+int __wrap_stat(const char* path, struct stat* status) { return Fails() ? -1 : __real_stat(path, status); }
+ssize_t __wrap_readlink(const char* path, char* text, size_t size) {
+  return Fails() ? -1 : __real_readlink(path, text, size);
 }
 }

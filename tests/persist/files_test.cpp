@@ -1,16 +1,25 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <signal.h>
 #include <sys/file.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
 #include <iterator>
 #include <limits>
+#include <new>
+#include <random>
 
 #include "api/catalogue.h"
 #include "base/file_existence.h"
@@ -66,8 +75,39 @@ class FilesTest : public testing::Test {
     EXPECT_EQ(_WriteKeyData(url.get(), key, buffer), 1);
     CFRelease(path);
   }
-  std::size_t FileCount() const {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
+  static std::ptrdiff_t EntriesOf(const fs::path& folder) {
+    return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
+  }
+  std::size_t FileCount() const { return static_cast<std::size_t>(EntriesOf(folder_)); }
+  // Fails the system's calls that `call` makes one by one, after `begin` each time. `check` gets whether it succeeded.
+  template <typename Begins, typename Check>
+  void FailEachCall(Load call, int error, Begins begin, Check check) {
+    int at = 0;
+    for (bool isReached = true; isReached; ++at) {
+      SCOPED_TRACE(testing::Message() << std::strerror(error) << " at call " << at);
+      begin();
+      const std::ptrdiff_t descriptors = EntriesOf("/proc/self/fd");
+      ArmCalls(OnCall::kFail, at, error);
+      const IDXSTATUS status = Call(call);
+      isReached = CallsWereReached();
+      ArmCalls(OnCall::kNothing, 0);
+      EXPECT_TRUE(status == IDX_OK || (isReached && status == IDXERR_FAILED)) << status;
+      check(status == IDX_OK);
+      EXPECT_EQ(EntriesOf("/proc/self/fd"), descriptors);
+      EXPECT_EQ(FileCount(), 1u);
+    }
+    EXPECT_GE(at, 5);
+  }
+  // What fork gave: does the work in the child, and says in the parent whether a signal ended it.
+  template <typename Work>
+  static bool IsKilled(pid_t process, Work work) {
+    if (process == 0) {
+      work();
+      _exit(0);
+    }
+    int end = 0;
+    EXPECT_EQ(waitpid(process, &end, 0), process);
+    return WIFSIGNALED(end);
   }
   static std::vector<CellState> AddedIndexes() {
     std::vector<CellState> added;
@@ -160,6 +200,7 @@ TEST_F(FilesTest, ValueIsReadInTwoStepsOrCutToTheRoomThereIs) {
   EXPECT_EQ(_ReadKeyData(url.get(), CATALOGCORE_INDEX_KEY, block, &size), 1);
   EXPECT_EQ(size, 3);
   EXPECT_STREQ(block, "abc????");
+  EXPECT_EQ(_ReadKeyData(url.get(), nullptr, nullptr, &size), 0);  // a key for which there was no memory
   SetContent("garbage");
   EXPECT_EQ(_ReadKeyData(url.get(), CATALOGCORE_INDEX_KEY, block, &size), 0);
   EXPECT_EQ(size, 0);
@@ -302,50 +343,105 @@ TEST_F(FilesTest, LinksPermissionsAndLeftoversAreMinded) {
 }
 
 TEST_F(FilesTest, FileIsTheOldOrTheNewOneWhateverFails) {
-  ASSERT_EQ(Call(IDXWriteIndexFile), IDX_OK);
-  const std::string before = Content();
   IDXAddIndex(&Item().Index(1000000).Name("new"));
-  const auto isWhole = [&before](const std::string& content) {
-    const bool isNew =
-        content.size() > before.size() && content.find("</plist>") != std::string::npos && content.back() == 0;
-    return content == before || isNew;
-  };
-  int failures = 0;
-  for (bool isReached = true; isReached; ++failures) {
-    ArmCalls(OnCall::kFail, failures);
-    const IDXSTATUS status = Call(IDXWriteIndexFile);
-    isReached = CallsWereReached();
-    ArmCalls(OnCall::kNothing, 0);
-    const bool isNew = Content() != before;
-    EXPECT_TRUE(isWhole(Content())) << failures;
-    EXPECT_EQ(FileCount(), 1u) << failures;
-    EXPECT_TRUE(!isReached || isNew || status == IDXERR_FAILED) << failures;
-    EXPECT_EQ(Call(IDXLoadIndexFile), IDX_OK) << failures;
-    SetContent(before);
-  }
+  IDXAddImage(&Item().Name(folder_ / "file").Index(1100000));
+  ASSERT_EQ(Call(IDXWriteImageFile), IDX_OK);
+  const std::string before = Content();
   EXPECT_EQ(FlushesBeforeRename([] { Call(IDXWriteIndexFile); }), 1);
-  SetContent(before);
-  for (int at = 0, wasKilled = 1; wasKilled; ++at) {
-    const pid_t child = fork();
-    if (child == 0) {
-      ArmCalls(OnCall::kKill, at);
-      Call(IDXWriteIndexFile);
-      _exit(0);
-    }
-    int end = 0;
-    ASSERT_EQ(waitpid(child, &end, 0), child);
-    wasKilled = WIFSIGNALED(end);
-    EXPECT_TRUE(isWhole(Content())) << at;
-    EXPECT_EQ(Call(IDXLoadIndexFile), IDX_OK) << at;
-    EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
-    EXPECT_EQ(FileCount(), 1u) << at;
-    SetContent(before);
+  const std::string after = Content();
+  const auto beginBefore = [&] { SetContent(before); };
+  const auto beginAfter = [&] {
+    SetContent(after);
+    Begin();
+  };
+  const auto isWritten = [&](bool isDone) { EXPECT_EQ(Content(), isDone ? after : before); };
+  const auto isLoaded = [&](bool isDone) { EXPECT_EQ(AddedIndexes().size(), isDone ? 1u : 0u); };
+  for (const int error : {ENOSPC, EIO, EACCES, EINTR}) {
+    FailEachCall(IDXWriteIndexFile, error, beginBefore, isWritten);
+    // A file that cannot be read is none that is missing: the catalogue would be begun anew, and written over it.
+    FailEachCall(IDXLoadIndexFile, error, beginAfter, isLoaded);
   }
   ArmCalls(OnCall::kShorten, 0);
+  beginBefore();
   EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+  isWritten(true);
+  beginAfter();
+  EXPECT_EQ(Call(IDXLoadIndexFile), IDX_OK);
+  EXPECT_EQ(Call(IDXLoadImageFile), IDX_OK);
   EXPECT_TRUE(CallsWereReached());
   ArmCalls(OnCall::kNothing, 0);
-  EXPECT_EQ(Call(IDXLoadIndexFile), IDX_OK);
+  EXPECT_EQ(AddedIndexes()[0].images.size(), 1u);
+
+  for (int at = 0, wasKilled = 1; wasKilled; ++at) {
+    SCOPED_TRACE(at);
+    beginBefore();
+    wasKilled = IsKilled(fork(), [at] {
+      ArmCalls(OnCall::kKill, at);
+      Call(IDXWriteIndexFile);
+    });
+    EXPECT_TRUE(Content() == before || Content() == after);
+    EXPECT_LE(FileCount(), 2u);
+    EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+    EXPECT_EQ(FileCount(), 1u);
+  }
+}
+
+// What writers and the one who kills them both see.
+struct Progress {
+  std::atomic<int> begun, done;  // versions
+};
+
+// A process writes version after version, each of some 200 kB, until it is killed. CATALOGCORE_KILLS tells how often.
+TEST_F(FilesTest, KilledWritersLeaveOneWholeVersion) {
+  constexpr int kIndexes = 20;
+  const char* const wanted = std::getenv("CATALOGCORE_KILLS");
+  const int kills = wanted ? std::atoi(wanted) : 30;
+  void* const shared = mmap(nullptr, sizeof(Progress), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(shared, MAP_FAILED);
+  auto* const progress = new (shared) Progress{};
+  const auto setVersion = [](int version) {
+    const std::string name = std::string(8000, 'n') + std::to_string(version);
+    for (int i = 0; i < kIndexes; ++i) IDXChangeIndex(&Item().Index(1100000 + 10000 * i).Name(name));
+  };
+  for (int i = 0; i < kIndexes; ++i) IDXAddIndex(&Item().Index(1000000).Name(std::to_string(i)));
+  setVersion(0);
+  ASSERT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+  std::mt19937 random(1);
+  int interrupted = 0;
+  for (int kill = 0; kill < kills; ++kill) {
+    SCOPED_TRACE(kill);
+    const pid_t writer = fork();
+    if (writer > 0) {
+      while (progress->begun == progress->done && waitpid(writer, nullptr, WNOHANG) == 0) sched_yield();
+      usleep(static_cast<useconds_t>(random() % 8000));
+      ::kill(writer, SIGKILL);
+    }
+    EXPECT_TRUE(IsKilled(writer, [&] {
+      prctl(PR_SET_PDEATHSIG, SIGKILL);  // it must not outlive a test that is ended
+      for (int version = progress->done + 1;; ++version) {
+        setVersion(version);
+        progress->begun = version;
+        if (Call(IDXWriteIndexFile) != IDX_OK) return;
+        progress->done = version;
+      }
+    }));
+    interrupted += progress->begun != progress->done;
+    EXPECT_LE(FileCount(), 2u);
+    Begin();
+    ASSERT_EQ(Call(IDXLoadIndexFile), IDX_OK);
+    const std::vector<CellState> indexes = AddedIndexes();
+    ASSERT_EQ(indexes.size(), static_cast<std::size_t>(kIndexes));
+    for (const CellState& index : indexes) ASSERT_EQ(index.name, indexes[0].name);
+    const int version = std::atoi(indexes[0].name.c_str() + 8000);
+    EXPECT_TRUE(version == progress->done || version == progress->begun) << version;
+    progress->begun = progress->done = version;
+  }
+  EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+  EXPECT_EQ(FileCount(), 1u);
+  EXPECT_GT(interrupted, kills / 3);
+  RecordProperty("interrupted", interrupted);
+  RecordProperty("versions", progress->done);
+  munmap(shared, sizeof(Progress));
 }
 
 }  // namespace

@@ -2,20 +2,10 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <new>
 #include <string_view>
 
 #include "tests/platform/property_list_samples.h"
 #include "tests/support/failing_allocator.h"
-
-// The throwing operator new fails with malloc.
-void* operator new(std::size_t size) {
-  if (void* const block = std::malloc(size > 0 ? size : 1)) return block;
-  throw std::bad_alloc();
-}
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
 
 namespace {
 

@@ -1,6 +1,7 @@
 #include "tests/support/failing_allocator.h"
 
 #include <cstddef>
+#include <cstdlib>
 #include <new>
 
 namespace {
@@ -27,12 +28,21 @@ extern "C" {
 void* __real_malloc(std::size_t size);
 void* __real_calloc(std::size_t count, std::size_t size);
 void* __real_realloc(void* block, std::size_t size);
-void* __real__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag);
 
 void* __wrap_malloc(std::size_t size) { return FailsNow() ? nullptr : __real_malloc(size); }
 void* __wrap_calloc(std::size_t count, std::size_t size) { return FailsNow() ? nullptr : __real_calloc(count, size); }
 void* __wrap_realloc(void* block, std::size_t size) { return FailsNow() ? nullptr : __real_realloc(block, size); }
-void* __wrap__ZnwmRKSt9nothrow_t(std::size_t size, const std::nothrow_t& tag) {
-  return FailsNow() ? nullptr : __real__ZnwmRKSt9nothrow_t(size, tag);
 }
+
+// Every operator new of the program, the standard library's included, fails with malloc.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size > 0 ? size : 1); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept { return std::malloc(size > 0 ? size : 1); }
+void* operator new(std::size_t size) {
+  if (void* const block = operator new(size, std::nothrow)) return block;
+  throw std::bad_alloc();
 }
+void* operator new[](std::size_t size) { return operator new(size); }
+void operator delete(void* block) noexcept { std::free(block); }
+void operator delete(void* block, std::size_t) noexcept { std::free(block); }
+void operator delete[](void* block) noexcept { std::free(block); }
+void operator delete[](void* block, std::size_t) noexcept { std::free(block); }

@@ -1,9 +1,10 @@
-// Makes the allocations of the rooms under test fail: malloc, calloc, realloc and the non-throwing operator new.
+// Makes the allocations of the rooms under test fail: malloc, calloc, realloc and
+// every operator new.
 #ifndef CATALOGCORE_TESTS_SUPPORT_FAILING_ALLOCATOR_H_
 #define CATALOGCORE_TESTS_SUPPORT_FAILING_ALLOCATOR_H_
 
-// While one lives, the allocation number `failing` (0: the next) of this thread fails; none does before or
-// after.
+// While one lives, the allocation number `failing` (0: the next; -1: none) of this thread fails; none does
+// before or after.
 class FailingAllocation {
  public:
   explicit FailingAllocation(int failing);
