@@ -1,231 +1,17 @@
-// Random sequences of the exported calls, on the library and on the model side by side, with records made wrong in every
-// way; then the catalogue is written, the library begun anew, and what it loads compared.
+// Random sequences of the exported calls, on the library and on the model side by side; then the catalogue is written, the
+// library begun anew, and what it loads compared.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <random>
 
-#include "api/catalogue.h"
-#include "api/index_number.h"
-#include "api/preset_index.h"
-#include "api/store_status.h"
-#include "tests/api/item.h"
-#include "tests/support/catalogue_model.h"
-#include "tests/support/store_inspector.h"
+#include "tests/support/compared_calls.h"
 
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string PathOf(std::int32_t number) {
-  CIDXString path;
-  return ConvertINTtoPath(path, number, kIndexDigits) < 0 ? "" : path.Text();
-}
-
-class Random {
- public:
-  explicit Random(unsigned long seed) : random_(seed) {
-    for (const std::int32_t number : kaPresetIndex)
-      model_.AddCell(kIndexTree, PathOf(number), "idx" + std::to_string(number), 7);
-    EXPECT_EQ(IDXInitialize(), IDX_OK);
-  }
-  ~Random() { IDXUninitialize(); }
-
-  void Step(const Keys& names) {
-    Item item;
-    const std::string name =
-        Below(12) ? names[static_cast<std::size_t>(Below(static_cast<int>(names.size())))] : Any({"", "none", "/"});
-    constexpr std::int32_t kNumbers[] = {1000000,  1010000,  1090000, 2010000, 1100000, 1101000,   1110000, 10000000,
-                                         10100000, 11000000, -1,      0,       999999,  100000000, 3000000, 1101010};
-    const std::int32_t number = kNumbers[Below(16)];
-    const int attribute = Below(3) ? 0 : Below(10);
-    const bool force = Below(2);
-    const bool hasName = Below(15), hasIndex = Below(15), hasAttribute = Below(2);
-    item.Force(force);
-    if (hasName) item.Name(name);
-    CFStringRef nothing = nullptr;
-    const int oddName = Below(40);
-    if (oddName == 0) item.name = nullptr;
-    if (oddName == 1) item.name = &nothing;
-    item.index = number;
-    if (hasIndex) item.Index(number);
-    if (hasAttribute) item.Attribute(attribute);
-    log_ = " '" + name + "' " + std::to_string(number) + " attribute " + std::to_string(attribute) + " force " +
-           std::to_string(force) + " mask " + std::to_string(item.mask);
-
-    IDXSTATUS nameStatus = name.empty() ? IDXERR_MEMORY : IDX_OK;
-    if (oddName == 1) nameStatus = IDXERR_FAILED;
-    if (!hasName || oddName == 0) nameStatus = IDXERR_PARAM;
-    const IDXSTATUS indexStatus = !hasIndex || PathOf(number).empty() ? IDXERR_PARAM : IDX_OK;
-    const std::string folder = name.substr(0, name.rfind('/') == std::string::npos ? 0 : name.rfind('/'));
-    const auto add = [&]() -> IDXSTATUS {
-      if (name.find('/') == std::string::npos) return IDXERR_PARAM;
-      if (indexStatus != IDX_OK) return indexStatus;
-      return StoreStatus(model_.AddNode(name, PathOf(number), folder, hasAttribute ? attribute : 0));
-    };
-    const auto first = [](IDXSTATUS a, IDXSTATUS b) { return a != IDX_OK ? a : b; };
-    const int kind = Below(9);
-    if (kind < 2) Same("IDXAddImage", IDXAddImage(&item), nameStatus != IDX_OK ? nameStatus : add());
-    if (kind == 2) {
-      Same(
-          "IDXChangeImage", IDXChangeImage(&item), nameStatus != IDX_OK ? nameStatus : [&]() -> IDXSTATUS {
-            if (number == -1) return StoreStatus(model_.RemoveNode(name, force));
-            if (hasIndex) {
-              if (indexStatus != IDX_OK) return indexStatus;
-              const unsigned moved = model_.MoveNode(kIndexTree, name, PathOf(number), force);
-              if (moved == StoreImageNotFound) return add();
-              if (moved != StoreOk) return StoreStatus(moved);
-            }
-            return hasAttribute ? StoreStatus(model_.ChangeAttributeNode(name, attribute)) : IDXSTATUS{IDX_OK};
-          }());
-    }
-    if (kind == 3) {
-      Same("IDXRemoveImage", IDXRemoveImage(&item),
-           nameStatus != IDX_OK ? nameStatus : StoreStatus(model_.RemoveNode(name, force)));
-    }
-    if (kind == 4) {
-      Same("IDXAddIndex", IDXAddIndex(&item),
-           first(indexStatus, nameStatus) != IDX_OK ? first(indexStatus, nameStatus)
-                                                    : AddIndex(PathOf(number), name, hasAttribute ? attribute : 0));
-    }
-    if (kind == 5) {
-      Same(
-          "IDXChangeIndex", IDXChangeIndex(&item), indexStatus != IDX_OK ? indexStatus : [&]() -> IDXSTATUS {
-            unsigned result = StoreOk;
-            if (hasName) {
-              if (nameStatus != IDX_OK) return nameStatus;
-              result = model_.RenameCell(kIndexTree, PathOf(number), name, force);
-            }
-            if (hasAttribute) result = model_.ChangeAttributeCell(kIndexTree, PathOf(number), attribute);
-            return StoreStatus(result);
-          }());
-    }
-    if (kind == 6) {
-      Same("IDXRemoveIndex", IDXRemoveIndex(&item),
-           indexStatus != IDX_OK ? indexStatus : StoreStatus(model_.RemoveCell(kIndexTree, PathOf(number), force)));
-    }
-    if (kind == 7) Search(name, number);
-    if (kind == 8) Walk(Below(2) ? number : 0, Below(3) ? folder : "");
-    EXPECT_EQ(StateOf(*idData), model_.State()) << log_;
-    EXPECT_EQ(BrokenInvariant(*idData), "") << log_;
-  }
-
-  // Writes, begins anew and loads; the model does what loading is to do with the records written.
-  void WriteAndLoad(const fs::path& folder) {
-    CatalogueModel loaded;
-    const CatalogueState before = model_.State();
-    for (const std::int32_t number : kaPresetIndex)
-      loaded.AddCell(kIndexTree, PathOf(number), "idx" + std::to_string(number), 7);
-    for (const CellState& cell : before.cells[kIndexTree]) {
-      if (cell.attribute != 7) loaded.AddCell(kIndexTree, cell.key, cell.name, cell.attribute);
-    }
-    for (const CellState& cell : before.cells[kIndexTree]) {
-      for (const std::string& image : cell.images) {
-        const std::string imageFolder = image.substr(0, image.rfind('/'));
-        if (fs::exists(image)) loaded.AddNode(image, cell.key, imageFolder, before.attributes.at(image));
-      }
-    }
-    CFStringRef names[] = {Item::Make(folder), Item::Make("index.plist"), Item::Make("images.plist")};
-    EXPECT_EQ(IDXSetFilePath(&names[0]), IDX_OK);
-    EXPECT_EQ(IDXWriteIndexFile(&names[1]), IDX_OK);
-    EXPECT_EQ(IDXWriteImageFile(&names[2]), IDX_OK);
-    EXPECT_EQ(IDXInitialize(), IDX_OK);
-    EXPECT_EQ(IDXSetFilePath(&names[0]), IDX_OK);
-    EXPECT_EQ(IDXLoadIndexFile(&names[1]), IDX_OK);
-    EXPECT_EQ(IDXLoadImageFile(&names[2]), IDX_OK);
-    EXPECT_EQ(StateOf(*idData), loaded.State());
-    for (CFStringRef name : names) CFRelease(name);
-  }
-
- private:
-  int Below(int limit) { return static_cast<int>(random_() % static_cast<unsigned>(limit)); }
-  std::string Any(const Keys& keys) { return keys[static_cast<std::size_t>(Below(static_cast<int>(keys.size())))]; }
-
-  void Same(const char* call, IDXSTATUS ours, IDXSTATUS expected) {
-    log_ = call + log_;
-    EXPECT_EQ(ours, expected) << log_;
-  }
-
-  IDXSTATUS AddIndex(const std::string& parent, const std::string& name, int attribute) {
-    const Keys keys = model_.WalkCells(kIndexTree, parent, true);
-    if (keys.empty()) return IDXERR_NOINDEX;
-    const std::string prefix = parent == "." ? "" : parent + "/";
-    Keys children;
-    for (const CellState& cell : model_.State().cells[kIndexTree]) {
-      const bool isChild =
-          cell.key != "." && cell.key.rfind(prefix, 0) == 0 && cell.key.find('/', prefix.size()) == std::string::npos;
-      if (!isChild) continue;
-      if (cell.name == name) return IDXERR_INDEXEXISTS;
-      children.push_back(cell.key);
-    }
-    for (int group = 10; group < 30; ++group) {
-      const std::string key = prefix + std::to_string(group);
-      if (std::count(children.begin(), children.end(), key)) continue;
-      if (std::count(key.begin(), key.end(), '/') > 3) return IDXERR_PARAM;
-      return StoreStatus(model_.AddCell(kIndexTree, key, name, attribute));
-    }
-    return IDXERR_INDEXFULL;
-  }
-
-  // What the look-ups write into the record, and a whole walk over the indexes.
-  void Search(const std::string& name, std::int32_t number) {
-    const CatalogueState state = model_.State();
-    Item image;
-    IDXSTATUS expected = name.empty() ? IDXERR_MEMORY : IDXERR_NOIMAGE;
-    Keys walked;
-    for (const CellState& cell : state.cells[kIndexTree]) {
-      if (cell.key != ".") walked.push_back(cell.key + "=" + cell.name + "=" + std::to_string(cell.attribute));
-      if (!std::count(cell.images.begin(), cell.images.end(), name)) continue;
-      expected = IDX_OK;
-      EXPECT_EQ(IDXSearchImage(&image.Name(name).Index(0).Attribute(99)), IDX_OK);
-      EXPECT_EQ(PathOf(image.index), cell.key);
-      EXPECT_EQ(image.attribute, state.attributes.at(name));
-    }
-    EXPECT_EQ(IDXSearchImage(&image.Name(name)), expected);
-    Item index;
-    const IDXSTATUS found = IDXSearchIndex(&index.Index(number).Name("?").Attribute(99));
-    const bool isThere = !PathOf(number).empty() && !model_.WalkCells(kIndexTree, PathOf(number), false).empty();
-    EXPECT_EQ(found, isThere ? IDX_OK : PathOf(number).empty() ? IDXERR_PARAM : IDXERR_NOINDEX);
-    Item each;
-    IDXSTATUS status = IDX_OK;
-    Keys seen;
-    const IDXFIND find = IDXFindFirstIndex(&each.Wanted(), &status);
-    for (IDXSTATUS next = status; next == IDX_OK; next = IDXFindNextIndex(find, &each.Clear())) {
-      seen.push_back(PathOf(each.index) + "=" + each.NameText() + "=" + std::to_string(each.attribute));
-    }
-    IDXCloseFind(find);
-    EXPECT_EQ(seen, walked);
-  }
-
-  void Walk(std::int32_t number, const std::string& folder) {
-    Item item;
-    item.Operation(IDXOP_CONDITION);
-    if (number != 0) item.Index(number);
-    if (!folder.empty()) item.Path(folder);
-    item.Operation(IDXOP_CONDITION | IDXOP_GETINFO);
-    item.Name("");
-    const bool isBad = number != 0 && PathOf(number).empty();
-    const Keys expected =
-        isBad ? Keys()
-              : model_.WalkImages(number == 0 ? "." : PathOf(number), true, folder.empty() ? "." : folder, true);
-    IDXSTATUS status = IDX_OK;
-    const IDXFIND find = IDXFindFirstImage(&item, &status);
-    Keys found;
-    for (IDXSTATUS next = status; next == IDX_OK; next = IDXFindNextImage(find, &item.Clear()))
-      found.push_back(item.NameText());
-    EXPECT_EQ(found, expected) << number << " " << folder;
-    EXPECT_EQ(status, isBad ? IDXERR_PARAM : expected.empty() ? IDXERR_NOIMAGE : IDX_OK);
-    EXPECT_EQ(IDXFindNextImage(find, &item), find ? IDXERR_NOIMAGE : IDXERR_PARAM);  // the end is the end
-    IDXCloseFind(find);
-  }
-
-  std::mt19937_64 random_;
-  CatalogueModel model_;
-  std::string log_;
-};
 
 TEST(RandomCalls, LibraryAndModelAgreeAndSoDoesWhatIsLoaded) {
   const fs::path folder = fs::temp_directory_path() / ("catalogcore_calls_" + std::to_string(getpid()));
@@ -237,9 +23,11 @@ TEST(RandomCalls, LibraryAndModelAgreeAndSoDoesWhatIsLoaded) {
     names.push_back(path);
   }
   for (unsigned long seed = 1; seed <= 30 && !testing::Test::HasFailure(); ++seed) {
-    Random run(seed);
+    std::mt19937_64 random(seed);
+    ComparedCalls run([&random](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); },
+                      names);
     for (int step = 0; step < 300; ++step) {
-      run.Step(names);
+      run.Step();
       ASSERT_FALSE(testing::Test::HasFailure()) << "seed " << seed << ", step " << step;
     }
     run.WriteAndLoad(folder);
