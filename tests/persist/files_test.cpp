@@ -5,6 +5,7 @@
 #include <sys/file.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -289,6 +290,75 @@ TEST_F(FilesTest, PayloadBeyondItsLengthsIsRefusedAndTheFileStays) {
             }),
             IDXERR_MEMORY);
   EXPECT_EQ(Content(), before);
+}
+
+// Whatever a file holds, it costs memory and time in proportion to its size alone.
+TEST_F(FilesTest, HostileFileCostsNoMoreThanItsSizeAllows) {
+  constexpr std::size_t kSize = std::size_t{1} << 19;
+  constexpr long kMostTimes = 512;
+  constexpr rlim_t kMostSeconds = 5;
+  const auto times = [](int count, const std::string& part) {
+    std::string text;
+    while (count-- > 0) text += part;
+    return text;
+  };
+  const auto filled = [](auto part) {
+    std::string text;
+    for (int i = 0; text.size() < kSize; ++i) text += part(i);
+    return text;
+  };
+  const auto inDictionary = [](const std::string& xml) { return "<plist><dict>" + xml + "</dict></plist>"; };
+  const std::string levels63 = times(63, "/a");
+  const std::string payloads[] = {
+      filled([&](int i) { return std::to_string(i) + times(1000, "/a") + ",0,x\n"; }),
+      filled([&](int i) { return std::to_string(i) + levels63 + ",0,x\n"; }),
+      "1" + levels63 + ",0," + std::string(kSize, 'x'),
+      filled([](int i) {  // one key but for letter case
+        std::string key(20, 'a');
+        for (std::size_t bit = 0; bit < key.size(); ++bit) key[bit] = i >> bit & 1 ? 'A' : 'a';
+        return key + ",0,x\n";
+      }),
+      filled([&](int i) {  // folders as deep as they may be, all of them there
+        std::string path;
+        for (int bit = 0; bit < 16; ++bit) path += i >> bit & 1 ? "/.." : "/.";
+        return "1,0," + path + times(490, "/.") + "/dev/null\n";
+      }),
+  };
+  std::vector<std::string> files = {
+      "<plist>" + filled([](int) { return "<array>"; }),
+      inDictionary("<key>k</key>" + times(510, "<array>") + filled([](int) { return "<dict/>"; }) +
+                   times(510, "</array>")),
+      inDictionary("<key>IDXIndex</key><data>" + std::string(kSize, ' ') + "</data>"),
+      inDictionary(filled([](int i) { return "<key>" + std::to_string(i) + "</key><data/>"; })),
+      "<!DOCTYPE plist [<!ENTITY e0 \"" + std::string(1000, 'x') + "\">" + filled([&](int i) {
+        return "<!ENTITY e" + std::to_string(i + 1) + " \"" + times(10, "&e" + std::to_string(i) + ";") + "\">";
+      }) + "]><plist><string>&e1000;</string></plist>",
+  };
+  for (const CFStringRef key : {CATALOGCORE_INDEX_KEY, CATALOGCORE_IMAGE_KEY}) {
+    for (const std::string& payload : payloads) {
+      fs::remove(folder_ / "file");
+      SetPayload(key, "CatalogCoreVer1.0\n" + payload);
+      files.push_back(Content());
+    }
+  }
+  for (const std::string& content : files) {
+    SetContent(content);
+    const pid_t child = fork();
+    if (child == 0) {
+      const rlimit limit = {kMostSeconds, kMostSeconds};
+      setrlimit(RLIMIT_CPU, &limit);
+      rusage before{}, after{};
+      getrusage(RUSAGE_SELF, &before);
+      for (const Load call : {IDXLoadIndexFile, IDXLoadImageFile, IDXWriteIndexFile, IDXWriteImageFile}) Call(call);
+      getrusage(RUSAGE_SELF, &after);
+      const long most = kMostTimes * static_cast<long>(content.size() >> 10);
+      EXPECT_TRUE(IS_SANITIZED || after.ru_maxrss - before.ru_maxrss <= most) << after.ru_maxrss - before.ru_maxrss;
+      _exit(HasFailure() ? 1 : 0);
+    }
+    int end = 0;
+    ASSERT_EQ(waitpid(child, &end, 0), child);
+    EXPECT_EQ(end, 0) << content.substr(0, 100);
+  }
 }
 
 TEST_F(FilesTest, LinksPermissionsAndLeftoversAreMinded) {

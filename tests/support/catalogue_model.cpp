@@ -26,6 +26,8 @@ bool IsSameKey(const std::string& a, const std::string& b) { return ModelHash(a)
 bool IsValid(int tree, const std::string& key) {
   if (key.empty()) return tree == kFolderTree;
   if (tree == kIndexTree && key[0] == '/') return false;
+  const auto levels = std::count(key.begin(), key.end(), '/') + (key[0] == '/' ? 0 : 1);
+  if (key.size() > 4096 || levels > (tree == kIndexTree ? 64 : 512)) return false;
   return key.find("//") == std::string::npos && key.back() != '/';
 }
 

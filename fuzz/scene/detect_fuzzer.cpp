@@ -1,0 +1,73 @@
+// Scene records with their pixels, through the detector, the recognizer, and the face detector's copy of them. The input is
+// the record's fields, and then bytes that fill the pixels again and again.
+#include <algorithm>
+#include <cstring>
+#include <vector>
+
+#include "api/preset_index.h"
+#include "engines/orlo/face_search.h"
+#include "fuzz/support/fuzzer.h"
+
+// In place of the search itself, which takes half a second for a thumbnail: looks at every pixel that it is handed.
+void orlo::PrepareFaceSearch() {}
+std::vector<OrloFace> orlo::FindFaces(const GreyView& picture) {
+  std::size_t sum = 0;
+  for (std::int32_t y = 0; y < picture.size.height; ++y) {
+    for (const std::uint8_t tone : picture.Row(y)) sum += tone;
+  }
+  return std::vector<OrloFace>(sum % 3, {0, 0, picture.size.width, picture.size.height});
+}
+
+namespace {
+
+// The next number of the input; zeros where it is at its end.
+template <typename Number>
+Number Next(std::string_view& input) {
+  Number number{};
+  const std::size_t size = std::min(sizeof number, input.size());
+  std::memcpy(&number, input.data(), size);
+  input.remove_prefix(size);
+  return number;
+}
+
+// Mostly one that a program would make.
+IDXDSDATA NextRecord(std::string_view& input) {
+  constexpr std::int32_t kDepths[] = {8, 16, 24, 48};
+  IDXDSDATA record{};
+  const auto shape = Next<std::uint8_t>(input);
+  record.width = Next<std::int16_t>(input);
+  record.height = Next<std::int16_t>(input);
+  record.bitsPerPixel = (shape & 0x60) == 0x60 ? Next<std::int32_t>(input) : kDepths[shape & 3];
+  record.rowBytes = record.width * (record.bitsPerPixel / 8 % 8) + (shape >> 2 & 7);
+  if (shape >= 0xE0) record.rowBytes = Next<std::int32_t>(input);
+  record.resolution = Next<std::int16_t>(input);
+  for (std::int32_t* const hint : {&record.fixedScene, &record.typeHint}) *hint = Next<std::uint8_t>(input);
+  for (std::uint16_t* const hint : {&record.photoHint, &record.photoKind}) *hint = Next<std::uint8_t>(input);
+  return record;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const IDXSTATUS initialized = IDXInitialize();
+  EXPECT_EQ(initialized, IDX_OK);
+  constexpr std::int64_t kMostBytes = 1 << 18, kMostThereCanBe = 0x7FFFFFFF;
+  std::string_view input = AsText(data, size);
+  IDXDSDATA record = NextRecord(input);
+  const std::int64_t bytes = std::int64_t{record.rowBytes} * record.height;
+  if (bytes > kMostBytes && bytes <= kMostThereCanBe) return 0;
+  // Of a picture that cannot be no byte is read.
+  std::vector<char> pixels(bytes > 0 && bytes <= kMostBytes ? static_cast<std::size_t>(bytes) : 1);
+  for (std::size_t at = 0; at < pixels.size() && !input.empty(); ++at) pixels[at] = input[at % input.size()];
+  record.pixels = pixels.data();
+
+  const IDXSTATUS status = IDXDetectScene(&record);
+  const bool isEngines = status > IDXERR_RECOGNIZER && status < IDXERR_FACES + 256 && status != IDXERR_FACES;
+  EXPECT_TRUE(status == IDX_OK || status == IDXERR_IMAGESIZE || isEngines) << status;
+  const bool isPreset = std::count(std::begin(kaPresetIndex), std::end(kaPresetIndex), record.presetIndex) == 1;
+  EXPECT_TRUE(record.presetIndex == -1 || (status == IDX_OK && isPreset)) << status << ' ' << record.presetIndex;
+  IDXDSDATA again = record;
+  EXPECT_EQ(IDXDetectScene(&again), status);
+  EXPECT_EQ(again.presetIndex, record.presetIndex);
+  return 0;
+}
