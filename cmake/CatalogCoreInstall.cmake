@@ -39,7 +39,7 @@ file(RELATIVE_PATH PREFIX_FROM_PKGCONFIG ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig 
 configure_file(cmake/catalogcore.pc.in catalogcore.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/catalogcore.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
-install(FILES docs/file-format.md DESTINATION ${CATALOGCORE_DOC_DIR} COMPONENT development)
+install(FILES docs/compatibility.md docs/file-format.md DESTINATION ${CATALOGCORE_DOC_DIR} COMPONENT development)
 install(DIRECTORY examples DESTINATION ${CATALOGCORE_DOC_DIR} COMPONENT development)
 
 if(CATALOGCORE_APP)
