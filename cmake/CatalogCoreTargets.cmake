@@ -27,10 +27,9 @@ if(CATALOGCORE_SANITIZE)
   target_link_options(catalogcore_options INTERFACE -fsanitize=${CATALOGCORE_SANITIZE})
 endif()
 
-# A C program that uses the library: with the sanitizers it needs what they know of C++.
+# catalogcore_c_program(NAME): a C program that uses the library: with the sanitizers it needs what they know of C++.
 function(catalogcore_c_program name)
-  add_executable(${name} ${ARGN})
-  target_link_libraries(${name} PRIVATE catalogcore catalogcore_options)
+  target_link_libraries(${name} PRIVATE CatalogCore::catalogcore catalogcore_options)
   if(CATALOGCORE_SANITIZE)
     set_target_properties(${name} PROPERTIES LINKER_LANGUAGE CXX)
   endif()

@@ -1,0 +1,157 @@
+"""Debian's packages, installed in a root of their own: packages_test.py CPACK BUILD
+
+The root holds the packages of this machine that they depend on, and what dpkg and the example need, and nothing else, so
+a dependency that is not declared is missed. Where no root can be made (neither root nor user namespaces), the test says so
+and has looked at the packages' contents alone.
+"""
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.path.append(str(pathlib.Path(__file__).parent.parent / "app"))
+import pictures
+
+CPACK, BUILD = sys.argv[1:]
+AS_ROOT = [] if os.geteuid() == 0 else ["unshare", "--map-root-user"]
+COMPILER = ["gcc", "libc6-dev", "pkg-config"]
+
+
+def run(*command, **options):
+    done = subprocess.run(list(map(str, command)), stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True, **options)
+    if done.returncode:
+        raise AssertionError((command, done.returncode, done.stdout))
+    return done.stdout
+
+
+class Machine:
+    """The packages that are installed here."""
+
+    def __init__(self):
+        self.stanzas, self.depends, self.providers, self.essential = {}, {}, {}, []
+        architectures = (run("dpkg", "--print-architecture").strip(), "all")
+        for stanza in pathlib.Path("/var/lib/dpkg/status").read_text().strip().split("\n\n"):
+            fields = dict(re.findall(r"^([\w-]+): (.*)$", stanza, re.M))
+            if fields["Status"] != "install ok installed" or fields["Architecture"] not in architectures:
+                continue
+            name = fields["Package"]
+            self.stanzas[name] = stanza
+            self.depends[name] = [fields.get("Pre-Depends", ""), fields.get("Depends", "")]
+            for provided in [name, *names(fields.get("Provides", ""))]:
+                self.providers.setdefault(provided, name)
+            if fields.get("Essential") == "yes":
+                self.essential.append(name)
+
+    def closure(self, *relations):
+        """The packages that satisfy the relations, the essential ones, and all that these depend on."""
+        found, left = set(), [*relations, *self.essential]
+        while left:
+            for alternatives in filter(None, left.pop().split(",")):
+                package = next((self.providers[name] for name in names(alternatives, "|") if name in self.providers), None)
+                if package and package not in found:
+                    found.add(package)
+                    left += self.depends[package]
+        return sorted(found)
+
+
+def names(relation, separator=","):
+    return [re.sub(r"[ (:].*", "", part.strip()) for part in relation.split(separator) if part.strip()]
+
+
+def make_root(root, machine, packages):
+    """A system of these packages alone."""
+    for name in ("bin", "lib", "lib32", "lib64", "libx32", "sbin"):
+        if os.path.islink("/" + name):
+            (root / "usr" / name).mkdir(parents=True)
+            (root / name).symlink_to("usr/" + name)
+    listed = subprocess.run(["dpkg-query", "-L", *packages], stdout=subprocess.PIPE, text=True).stdout
+    files = "".join(line[1:] + "\n" for line in sorted(set(listed.splitlines())) if line.startswith("/") and len(line) > 1)
+    unused = [f"--exclude=usr/share/{name}/*" for name in ("doc", "i18n", "icons", "info", "locale", "man", "zoneinfo")]
+    with tempfile.TemporaryFile() as names_of_files:
+        names_of_files.write(files.encode())
+        names_of_files.seek(0)
+        with subprocess.Popen(["tar", "-C", "/", "-c", "--no-recursion", "--ignore-failed-read", *unused, "-T", "-"],
+                              stdin=names_of_files, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as archive:
+            run("tar", "-C", root, "-x", "--no-same-owner", stdin=archive.stdout)
+
+    own = pathlib.Path("/var/lib/dpkg")
+    database = root / "var/lib/dpkg"
+    for folder in ("info", "updates", "triggers", "alternatives"):
+        (database / folder).mkdir(parents=True, exist_ok=True)
+    (database / "status").write_text("".join(machine.stanzas[name] + "\n\n" for name in packages))
+    for file in (own / "info").iterdir():
+        if file.stem.split(":")[0] in packages or file.name == "format":
+            shutil.copy(file, database / "info")
+    (database / "triggers/ldconfig").write_text("libc-bin\n")
+    for file in (own / "alternatives").iterdir():  # made by scripts of packages, such as liblapack.so.3
+        link, chosen = file.read_text().split("\n")[1], pathlib.Path("/etc/alternatives", file.name)
+        if chosen.exists() and root.joinpath(os.readlink(chosen)[1:]).exists():
+            (root / "etc/alternatives").mkdir(parents=True, exist_ok=True)
+            for path, target in ((chosen, os.readlink(chosen)), (link, chosen)):
+                root.joinpath(str(path)[1:]).unlink(missing_ok=True)
+                root.joinpath(str(path)[1:]).symlink_to(target)
+
+
+class PackagesTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(dir=BUILD)  # /tmp may not let programs run
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        run(CPACK, "--config", pathlib.Path(BUILD, "CPackConfig.cmake"), "-B", self.folder / "made")
+        self.packages = {file.name.split("_")[0]: file for file in (self.folder / "made").glob("*.deb")}
+
+    def check_contents(self):
+        self.assertEqual(sorted(self.packages), ["catalogcore", "libcatalogcore-dev", "libcatalogcore1"])
+        holds = {
+            "catalogcore": ["usr/bin/catalogcore", "usr/share/man/man1/catalogcore.1",
+                            "usr/share/bash-completion/completions/catalogcore"],
+            "libcatalogcore-dev": ["usr/include/catalogcore.h", "usr/include/catalogcore/CoreFoundation/CFString.h"],
+            "libcatalogcore1": ["usr/share/org.catalogcore.library/brennparam.dat"]}
+        version = run("dpkg-deb", "-f", self.packages["libcatalogcore1"], "Version").strip()
+        for name, file in self.packages.items():
+            run("dpkg-deb", "-x", file, self.folder / "unpacked")
+            self.assertEqual([path for path in holds[name] if f"./{path}\n" not in run("dpkg-deb", "-c", file)], [])
+            if name != "libcatalogcore1":
+                self.assertIn(f"libcatalogcore1 (= {version})", run("dpkg-deb", "-f", file, "Depends"))
+        run("dpkg-deb", "-e", self.packages["libcatalogcore1"], self.folder / "control")
+        self.assertEqual((self.folder / "control/triggers").read_text(), "activate-noawait ldconfig\n")
+        self.assertIn(f"libcatalogcore 1 libcatalogcore1 (>= {version})", (self.folder / "control/shlibs").read_text())
+        for program in [self.folder / "unpacked/usr/bin/catalogcore", *self.folder.glob("unpacked/usr/lib/**/*.so.1")]:
+            self.assertNotRegex(run("readelf", "-d", program), "RUNPATH|RPATH")
+
+    def test_packages_install_and_work_and_leave_nothing(self):
+        self.check_contents()
+        if subprocess.run([*AS_ROOT, "chroot", "/", "true"], stderr=subprocess.DEVNULL).returncode:
+            print("only the contents of the packages were checked: this machine lets no root be made to install them in")
+            return
+        machine = Machine()
+        depends = [run("dpkg-deb", "-f", file, "Depends") for file in self.packages.values()]
+        root = self.folder / "root"
+        (root / "work").mkdir(parents=True)
+        (root / "dev").mkdir()
+        (root / "dev/null").touch()
+        (root / "work/page.png").write_bytes(pictures.page())
+        make_root(root, machine, machine.closure(*depends, *COMPILER))
+        for file in self.packages.values():
+            shutil.copy(file, root / "work")
+
+        def inside(script):
+            environment = {"PATH": "/usr/sbin:/usr/bin:/sbin:/bin", "HOME": "/work", "DEBIAN_FRONTEND": "noninteractive"}
+            return run(*AS_ROOT, "chroot", root, "sh", "-ec", "cd /work\n" + script, env=environment)
+
+        inside("dpkg -i *.deb")
+        self.assertRegex(inside("catalogcore --version"), r"\b1\.\d+\.\d+")
+        self.assertIn("2030000", inside("catalogcore classify page.png"))
+        inside("""cp /usr/share/doc/catalogcore/examples/catalogue.c .
+                  gcc catalogue.c -o catalogue $(pkg-config --cflags --libs catalogcore)
+                  ./catalogue /work""")
+        inside(f"dpkg --purge {' '.join(self.packages)}")
+        self.assertEqual([path for path in root.glob("usr/**/*catalogcore*")], [])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])

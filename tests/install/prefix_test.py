@@ -1,0 +1,61 @@
+"""An installation as an application's developer uses it: prefix_test.py CMAKE BUILD LIBDIR C-COMPILER C++-COMPILER"""
+import os
+import pathlib
+import shlex
+import subprocess
+import sys
+import tempfile
+import unittest
+
+sys.path.append(str(pathlib.Path(__file__).parent.parent / "app"))
+import pictures
+
+CMAKE, BUILD, LIBDIR, C_COMPILER, CXX_COMPILER = sys.argv[1:]
+EXAMPLES = "share/doc/catalogcore/examples"
+PROGRAMS = {"catalogue": [C_COMPILER, "catalogue.c"], "scene": [CXX_COMPILER, "-std=c++17", "scene.cpp"]}
+
+
+class PrefixTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.root = pathlib.Path(folder.name).resolve()
+
+    def run_program(self, *command, folder=None, **environment):
+        done = subprocess.run(list(map(str, command)), cwd=folder or self.root, env={**os.environ, **environment},
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
+        self.assertEqual(done.returncode, 0, (command, done.stdout))
+        return done.stdout
+
+    def build_by_hand(self, prefix, program):
+        flags = self.run_program("pkg-config", "--cflags", "--libs", "catalogcore",
+                                 PKG_CONFIG_PATH=str(prefix / LIBDIR / "pkgconfig"))
+        self.run_program(*PROGRAMS[program], "-o", self.root / program, *shlex.split(flags), folder=prefix / EXAMPLES)
+
+    def run_examples(self, prefix, folder):
+        for program in PROGRAMS:
+            self.run_program(folder / program, self.root, LD_LIBRARY_PATH=str(prefix / LIBDIR))
+
+    def test_programs_are_built_and_run_wherever_the_prefix_is(self):
+        first, moved, built = self.root / "first", self.root / "far/moved", self.root / "built"
+        self.run_program(CMAKE, "--install", BUILD, "--prefix", first)
+        self.build_by_hand(first, "catalogue")
+        self.build_by_hand(first, "scene")
+        self.run_examples(first, self.root)
+
+        moved.parent.mkdir()
+        first.rename(moved)
+        self.run_examples(moved, self.root)
+        self.build_by_hand(moved, "catalogue")
+        self.run_program(CMAKE, "-G", "Ninja", "-S", moved / EXAMPLES, "-B", built, f"-DCMAKE_PREFIX_PATH={moved}",
+                         f"-DCMAKE_C_COMPILER={C_COMPILER}", f"-DCMAKE_CXX_COMPILER={CXX_COMPILER}")
+        self.run_program(CMAKE, "--build", built)
+        self.run_examples(moved, built)
+
+        self.assertRegex(self.run_program(moved / "bin/catalogcore", "--version"), r"\b1\.\d+\.\d+")
+        (self.root / "page.png").write_bytes(pictures.page())
+        self.assertIn("2030000", self.run_program(moved / "bin/catalogcore", "classify", "page.png"))
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1])
