@@ -97,8 +97,8 @@ class Catalogue:
     then.
 
     It begins with the presets. `folder` is that of its files, which need not be there yet; without one the files are
-    named with their paths. Paths of images are full ones and valid UTF-8, and compare without regard to the case of
-    ASCII letters as far as the library does. Paths and names must not hold a line feed: the files cannot.
+    named with their paths. Paths of images are full ones and valid UTF-8; of two that differ in the case of ASCII
+    letters alone, about one pair in 2,000 counts as one. Paths and names must not hold a line feed: the files cannot.
 
     Making a second one raises ClosedError, and so do calls after close(); walks end then. Everything raises
     CatalogueError, of which InvalidError and OutOfMemoryError may come from any call.
