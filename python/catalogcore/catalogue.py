@@ -68,8 +68,8 @@ _HINTS: dict[Kind, dict[str, int]] = {
 
 @dataclass(frozen=True, slots=True)
 class Image:
-    """An image: the full path of its file (empty if that is no UTF-8, which a catalogue file alone can bring), the
-    number of its index, its attribute."""
+    """An image: the full path of its file, the number of its index, its attribute. The path is empty if it is no UTF-8,
+    which a catalogue file alone can bring, or if there was no memory for it."""
 
     path: str
     index: int
