@@ -62,7 +62,12 @@ enum {
 };
 
 /* Bits of IDXITEM.mask: the fields that are there to be read, and wanted to be written. Others are ignored. */
-enum { IDXMASK_NAME = 1, IDXMASK_PATH = 2, IDXMASK_INDEX = 4, IDXMASK_ATTRIBUTE = 8 };
+enum {
+  IDXMASK_NAME = 1,     /* IDXITEM.name */
+  IDXMASK_PATH = 2,     /* IDXITEM.path */
+  IDXMASK_INDEX = 4,    /* IDXITEM.index */
+  IDXMASK_ATTRIBUTE = 8 /* IDXITEM.attribute */
+};
 
 /* Bits of IDXITEM.state. */
 enum {

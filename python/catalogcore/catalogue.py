@@ -1,0 +1,349 @@
+"""The catalogue of this process."""
+from __future__ import annotations
+
+import ctypes
+import enum
+import os
+import threading
+import weakref
+from collections.abc import Callable, Iterator, Mapping
+from dataclasses import dataclass
+from types import TracebackType
+from typing import Any, ClassVar, Union
+
+from catalogcore._library import OP_CONDITION, OP_GETINFO, STATE_FORCE, Item, Picture, String, item_of, library
+from catalogcore._pixels import describe
+from catalogcore.errors import ClosedError, InvalidError, NoDataError, Status, error_of, file_error_of
+
+StrPath = Union[str, "os.PathLike[str]"]
+
+ROOT = -1
+"""The root of the tree of indexes, which holds no image."""
+
+INDEX_FILE, IMAGE_FILE = "index.plist", "images.plist"
+"""The files' names unless told otherwise, as the command has them."""
+
+
+class Preset(enum.IntEnum):
+    """The numbers of the indexes that every catalogue begins with."""
+
+    PHOTO = 1000000
+    PHOTO_FACES = 1010000
+    PHOTO_OTHER = 1090000
+    DOCUMENT = 2000000
+    DOCUMENT_CARD = 2010000
+    DOCUMENT_POST = 2020000
+    DOCUMENT_PAGE = 2030000
+    DOCUMENT_FIXED = 2040000
+    DOCUMENT_OTHER = 2090000
+    OTHER = 9000000
+
+
+class Protection(enum.IntFlag):
+    """Bits of an attribute that forbid something. Others are the application's."""
+
+    NO_MOVE = 1
+    NO_REMOVE = 2
+    NO_RENAME = 4
+
+
+class Kind(enum.Enum):
+    """What is known of a picture beforehand."""
+
+    UNKNOWN = enum.auto()
+    DOCUMENT = enum.auto()
+    DECLARED_DOCUMENT = enum.auto()  # filed as Preset.DOCUMENT_FIXED, whatever its size
+    PHOTO = enum.auto()
+    PHOTO_WITHOUT_FACES = enum.auto()  # faces are not looked for
+
+
+_HINTS: dict[Kind, dict[str, int]] = {
+    Kind.UNKNOWN: {},
+    Kind.DOCUMENT: {"typeHint": 1},
+    Kind.DECLARED_DOCUMENT: {"fixedScene": 1},
+    Kind.PHOTO: {"typeHint": 2},
+    Kind.PHOTO_WITHOUT_FACES: {"photoKind": 1},
+}
+
+
+@dataclass(frozen=True, slots=True)
+class Image:
+    """An image: the full path of its file, the number of its index, its attribute. The path is empty if it is no UTF-8,
+    which a catalogue file alone can bring, or if there was no memory for it."""
+
+    path: str
+    index: int
+    attribute: int
+
+
+@dataclass(frozen=True, slots=True)
+class Index:
+    """An index: its number, its display name, its attribute."""
+
+    number: int
+    name: str
+    attribute: int
+
+
+# Opening and closing must not overlap any call, nor two writes each other: so calls take turns, which they would do in
+# the library for the most part anyway. A classification takes long and goes beside the others. Whoever holds both took
+# that of the scenes first: a walk that is given up while the other is held, by whatever thread, waits for nobody.
+_scenes = threading.RLock()
+_calls = threading.RLock()
+
+
+class Catalogue:
+    """The catalogue of this process, from its making to close() or the end of its with statement; nothing is saved
+    then.
+
+    It begins with the presets. `folder` is that of its files, which need not be there yet; without one the files are
+    named with their paths. Paths of images are full ones and valid UTF-8; of two that differ in the case of ASCII
+    letters alone, about one pair in 2,000 counts as one. Paths and names must not hold a line feed: the files cannot.
+
+    Making a second one raises ClosedError, and so do calls after close(); walks end then. Everything raises
+    CatalogueError, of which InvalidError and OutOfMemoryError may come from any call.
+    """
+
+    _open: ClassVar[weakref.ref[Catalogue] | None] = None
+
+    def __init__(self, folder: StrPath | None = None) -> None:
+        base = None if folder is None else String(os.fspath(folder), "folder")
+        with _scenes, _calls:
+            if Catalogue._open and Catalogue._open():
+                raise ClosedError("cannot open a catalogue: this process has one already; use it, or close it first")
+            status = library.IDXInitialize()
+            if status not in (Status.OK, Status.DETECTOR):
+                raise error_of(status, "open a catalogue")
+            if base:
+                status_of_base = library.IDXSetFilePath(base.pointer())
+                if status_of_base:
+                    raise error_of(status_of_base, f"use the folder {folder}")
+            Catalogue._open = weakref.ref(self)
+        self._recognizes = bool(status == Status.OK)
+
+    def close(self) -> None:
+        """Drops the catalogue; waits for calls of other threads. May be called again."""
+        with _scenes, _calls:
+            if self._is_open():
+                library.IDXUninitialize()
+                Catalogue._open = None
+
+    def __enter__(self) -> Catalogue:
+        return self
+
+    def __exit__(self, kind: type[BaseException] | None, error: BaseException | None,
+                 trace: TracebackType | None) -> None:
+        self.close()
+
+    @property
+    def recognizes(self) -> bool:
+        """Whether the recognizer's parameters were found. Without them classify() wants a kind."""
+        return self._recognizes
+
+    # ---- Images
+
+    def add(self, path: StrPath, index: int, attribute: int = 0) -> None:
+        """Files an image. ExistsError; NotFoundError: no such index; InvalidError: also for the root."""
+        name = _path(path)
+        self._do(f"add {path}", library.IDXAddImage, item_of(name=name, index=index, attribute=attribute))
+
+    def move(self, path: StrPath, index: int, *, force: bool = False) -> None:
+        """Files an image in another index, and also one that was not in the catalogue. NotFoundError: no such index;
+        ProtectedError, unless forced."""
+        if index == ROOT:  # which would remove it
+            raise InvalidError(f"cannot move {path}: the root holds no images; give another index", Status.PARAM)
+        name = _path(path)
+        self._do(f"move {path}", library.IDXChangeImage, item_of(name=name, index=index, state=_state(force)))
+
+    def set_attribute(self, path: StrPath, attribute: int) -> None:
+        """Sets the attribute of an image. NotFoundError."""
+        name = _path(path)
+        self._do(f"change {path}", library.IDXChangeImage, item_of(name=name, attribute=attribute))
+
+    def remove(self, path: StrPath, *, force: bool = False) -> None:
+        """Takes an image out of the catalogue; its file stays. NotFoundError; ProtectedError, unless forced."""
+        name = _path(path)
+        self._do(f"remove {path}", library.IDXRemoveImage, item_of(name=name, state=_state(force)))
+
+    def image(self, path: StrPath) -> Image:
+        """The image of that path, which comes back as it was given. NotFoundError."""
+        name = _path(path)
+        item = item_of(name=name, index=0, attribute=0)
+        self._do(f"find {path}", library.IDXSearchImage, item)
+        return Image(os.fspath(path), item.index, item.attribute)
+
+    def __contains__(self, path: StrPath) -> bool:
+        name = _path(path)
+        item = item_of(name=name)
+        return self._status(library.IDXSearchImage, ctypes.byref(item)) == Status.OK
+
+    def images(self, index: int = ROOT, folder: StrPath | None = None) -> Iterator[Image]:
+        """Walks the images of an index and what is below it, in a folder and what is below it. No image is no error."""
+        name, path = String(), None if folder is None else _path(folder)
+        item = item_of(name=name, path=path, index=index, attribute=0, operation=OP_GETINFO | OP_CONDITION)
+        for text in self._walk(library.IDXFindFirstImage, library.IDXFindNextImage, item, name, Status.NOIMAGE):
+            yield Image(text, item.index, item.attribute)
+
+    # ---- Indexes
+
+    def add_index(self, name: str, parent: int = ROOT, attribute: int = 0, *, exist_ok: bool = False) -> int:
+        """Adds an index below another, and returns its number. ExistsError: the parent has one of that name, whose
+        number is returned with `exist_ok`; FullError; NotFoundError: no parent; InvalidError: also below the fourth
+        level."""
+        text = String(name, "name")
+        item = item_of(name=text, index=parent, attribute=attribute, operation=OP_GETINFO)
+        status = self._status(library.IDXAddIndex, ctypes.byref(item))
+        if status != Status.OK and not (exist_ok and status == Status.INDEXEXISTS):
+            raise error_of(status, f"add the index {name!r}")
+        return int(item.index)
+
+    def rename_index(self, number: int, name: str, *, force: bool = False) -> None:
+        """Changes the display name of an index. NotFoundError; ProtectedError, unless forced: presets are protected."""
+        text = String(name, "name")
+        item = item_of(name=text, index=number, state=_state(force))
+        self._do(f"rename index {number}", library.IDXChangeIndex, item)
+
+    def name_presets(self, names: Mapping[int, str]) -> None:
+        """Gives indexes, protected or not, display names. NotFoundError: one is not there; those before it are
+        renamed."""
+        for number, name in names.items():
+            self.rename_index(number, name, force=True)
+
+    def set_index_attribute(self, number: int, attribute: int) -> None:
+        """Sets the attribute of an index. NotFoundError."""
+        self._do(f"change index {number}", library.IDXChangeIndex, item_of(index=number, attribute=attribute))
+
+    def remove_index(self, number: int, *, force: bool = False) -> None:
+        """Removes an index, and its images from the catalogue. NotFoundError; NotEmptyError: there are indexes below
+        it; ProtectedError, unless forced: it, or one of its images, and those before that one are gone."""
+        self._do(f"remove index {number}", library.IDXRemoveIndex, item_of(index=number, state=_state(force)))
+
+    def index(self, number: int) -> Index:
+        """The index of that number. NotFoundError."""
+        name = String()
+        item = item_of(name=name, index=number, attribute=0)
+        self._do(f"find index {number}", library.IDXSearchIndex, item)
+        return Index(number, name.take(), item.attribute)
+
+    def indexes(self, start: int | None = None) -> Iterator[Index]:
+        """Walks all indexes but the root, parents before what is below them; from `start` on, itself included, it and
+        what is below it. No index is no error."""
+        name = String()
+        item = item_of(name=name, index=ROOT if start is None else start, attribute=0, operation=OP_GETINFO)
+        if start is not None:
+            item.operation |= OP_CONDITION
+        for text in self._walk(library.IDXFindFirstIndex, library.IDXFindNextIndex, item, name, Status.NOINDEX):
+            yield Index(item.index, text, item.attribute)
+
+    # ---- Files
+
+    def load(self, *, missing_ok: bool = False) -> None:
+        """Adds what the two files hold: load_indexes(), then load_images()."""
+        self.load_indexes(missing_ok=missing_ok)
+        self.load_images(missing_ok=missing_ok)
+
+    def save(self) -> None:
+        """Writes the two files. What did not load is lost then: do not save after a load that failed."""
+        self.save_indexes()
+        self.save_images()
+
+    def load_indexes(self, name: StrPath = INDEX_FILE, *, missing_ok: bool = False) -> None:
+        """Adds the indexes of a file; those that are there already stay as they are. FileError; NoDataError, which is a
+        FileError: there is no such file, or it has no indexes, unless that is allowed with `missing_ok`."""
+        self._load(name, library.IDXLoadIndexFile, missing_ok)
+
+    def load_images(self, name: StrPath = IMAGE_FILE, *, missing_ok: bool = False) -> None:
+        """Adds the images of a file, but for those whose own file is not there (any more), whose index is not in the
+        catalogue, or which are there already. Errors as of load_indexes(), which comes first."""
+        self._load(name, library.IDXLoadImageFile, missing_ok)
+
+    def save_indexes(self, name: StrPath = INDEX_FILE) -> None:
+        """Writes the indexes to a file, whose other entries stay: it is the old or the new one, whole, whatever fails.
+        Indexes with all three protections are left out, as the presets are. FileError."""
+        self._file(f"write {name}", library.IDXWriteIndexFile, name)
+
+    def save_images(self, name: StrPath = IMAGE_FILE) -> None:
+        """Writes the images to a file, in the same way. FileError."""
+        self._file(f"write {name}", library.IDXWriteImageFile, name)
+
+    # ---- Scenes
+
+    def classify(self, pixels: object, *, dpi: float = 0, kind: Kind = Kind.UNKNOWN) -> Preset | None:
+        """Decides what a picture shows; returns the preset that it belongs in, or None where nothing is decided.
+
+        `pixels` is a numpy array, or anything else with the buffer protocol, of shape (rows, columns) or (rows,
+        columns, 3), the top row first, with samples of 8 or 16 bits, not negative; bytes become that with
+        memoryview(data).cast("B", (rows, columns, 3)). It is read where it lies if its samples lie side by side and its
+        rows run downward, and copied otherwise: also where a part of the columns of a larger picture ends with that
+        picture's last byte. Nobody may change it meanwhile.
+
+        `dpi` is its resolution, 0 where that is not known. SceneError: more than 4096 pixels on a side, or a failure of
+        the engines. InvalidError: no such pixels.
+        """
+        picture = Picture(resolution=max(0, min(round(dpi), 2**31 - 1)), **_HINTS[kind])
+        view = describe(pixels, picture)
+        with _scenes:
+            self._require_open()
+            status = library.IDXDetectScene(ctypes.byref(picture))
+        del view
+        if status:
+            raise error_of(status, "classify the picture")
+        return None if picture.presetIndex == -1 else Preset(picture.presetIndex)
+
+    # ---- Calls
+
+    def _is_open(self) -> bool:
+        return Catalogue._open is not None and Catalogue._open() is self
+
+    def _require_open(self) -> None:
+        if not self._is_open():
+            raise ClosedError("the catalogue is closed; open another")
+
+    def _status(self, function: Callable[..., int], *arguments: Any) -> int:
+        with _calls:
+            self._require_open()
+            return function(*arguments)
+
+    def _do(self, action: str, function: Callable[..., int], item: Item) -> None:
+        status = self._status(function, ctypes.byref(item))
+        if status:
+            raise error_of(status, action)
+
+    def _file(self, action: str, function: Callable[..., int], name: StrPath) -> None:
+        text = String(os.fspath(name), "file name")
+        status = self._status(function, text.pointer())
+        if status:
+            raise file_error_of(status, action)
+
+    def _load(self, name: StrPath, function: Callable[..., int], missing_ok: bool) -> None:
+        try:
+            self._file(f"load {name}", function, name)
+        except NoDataError:
+            if not missing_ok:
+                raise
+
+    def _walk(self, first: Callable[..., Any], advance: Callable[..., int], item: Item, name: String,
+              end: int) -> Iterator[str]:
+        """The names that a walk finds; its other fields are in the record."""
+        find, status = None, ctypes.c_uint32()
+        try:
+            with _calls:
+                self._require_open()
+                find = first(ctypes.byref(item), ctypes.byref(status))
+            while not status.value:
+                yield name.take()
+                with _calls:
+                    status.value = advance(find, ctypes.byref(item))
+        finally:
+            with _calls:
+                library.IDXCloseFind(find)
+        if status.value != end:
+            raise error_of(status.value, "walk the catalogue")
+
+
+def _path(path: StrPath) -> String:
+    return String(os.fspath(path), "path")
+
+
+def _state(force: bool) -> int:
+    return STATE_FORCE if force else 0

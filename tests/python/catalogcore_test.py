@@ -1,0 +1,291 @@
+"""The Python package: catalogcore_test.py C-COMPILER LIBRARY CF-LIBRARY [unittest arguments], with the environment
+variable CATALOGCORE_LIBRARY and the package on Python's path."""
+import ctypes
+import os
+import pathlib
+import pickle
+import re
+import shutil
+import subprocess
+import sys
+import sysconfig
+import tempfile
+import threading
+import unittest
+from ctypes import POINTER, c_int32, c_uint32, c_void_p
+from unittest import mock
+
+import numpy
+
+import catalogcore
+from catalogcore import Catalogue, Kind, Preset, Status, _library, _pixels
+
+PROJECT = pathlib.Path(__file__).parents[2]
+sys.path.append(str(PROJECT / "tests" / "app"))
+import pictures  # noqa: E402
+
+COMPILER, *LIBRARIES = sys.argv[1:4]
+PAGE = numpy.array([[pictures.page_tone(x, y) for x in range(620)] for y in range(877)], numpy.uint8)
+HILLS = numpy.array([[pictures.hills_tone(x, y) for x in range(300)] for y in range(200)], numpy.uint8)
+
+
+class HeaderTest(unittest.TestCase):
+    def test_constants_are_the_headers(self):
+        header = (PROJECT / "include" / "catalogcore.h").read_text()
+        of_header = {name: int(value) for name, value in re.findall(r"\b(IDX\w+) = (-?\d+)", header)}
+        of_package = {"IDX_OK": Status.OK, "IDX_ROOT": catalogcore.ROOT}
+        of_package.update({f"IDXERR_{status.name}": status for status in Status if status})
+        of_package.update({f"IDXPRESET_{preset.name}": preset for preset in Preset})
+        of_package.update({f"IDXATTR_{bit.name.replace('_', '')}": bit for bit in catalogcore.Protection})
+        of_package.update({f"IDX{name}": value for name, value in vars(_library).items()
+                           if name.startswith(("OP_", "MASK_", "STATE_"))})
+        self.assertEqual(of_package, of_header)
+
+    def test_records_and_calls_are_what_the_compiler_makes_of_the_header(self):
+        names = {c_uint32: "IDXSTATUS", c_int32: "int32_t", c_void_p: "IDXFIND", POINTER(c_void_p): "IDXSTR",
+                 POINTER(c_uint32): "IDXSTATUS*", POINTER(c_int32): "const int32_t*",
+                 POINTER(POINTER(c_void_p)): "const IDXSTR*", POINTER(_library.Item): "IDXITEM*",
+                 POINTER(_library.Picture): "IDXDSDATA*"}
+        lines = ["#include <catalogcore.h>", "#include <stddef.h>"]
+        for record, of_package in ("IDXITEM", _library.Item), ("IDXDSDATA", _library.Picture):
+            lines.append(f'_Static_assert(sizeof({record}) == {ctypes.sizeof(of_package)}, "{record}");')
+            for name, _ in of_package._fields_:
+                field = getattr(of_package, name)
+                lines.append(f"_Static_assert(offsetof({record}, {name}) == {field.offset}"
+                             f' && sizeof((({record}*)0)->{name}) == {field.size}, "{record}.{name}");')
+        calls = {name: types for name, types in _library.PROTOTYPES.items() if name.startswith("IDX")}
+        for name, (result, arguments) in calls.items():
+            lines.append(f"{names[result]} {name}({', '.join(names[type] for type in arguments) or 'void'});")
+        subprocess.run([COMPILER, "-std=c11", "-Werror", "-fsyntax-only", "-I", PROJECT / "include", "-I",
+                        PROJECT / "platform/corefoundation/include", "-xc", "-"], input="\n".join(lines), text=True,
+                       check=True)
+        exported = re.findall(r"\b(IDX\w+);", (PROJECT / "cmake" / "catalogcore.map").read_text())
+        self.assertEqual(sorted(calls), sorted(exported))
+
+
+class CatalogueTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp()).resolve()
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.catalogue = Catalogue(self.folder)
+        self.addCleanup(lambda: self.catalogue.close())
+        self.beach, self.letter = self.folder / "Reise ä" / "beach.jpg", self.folder / "letter.png"
+        for path in self.beach, self.letter:
+            path.parent.mkdir(exist_ok=True)
+            path.touch()
+
+    def paths(self, *arguments):
+        return [image.path for image in self.catalogue.images(*arguments)]
+
+    def test_images_and_indexes_are_filed_found_and_walked(self):
+        catalogue, beach, letter = self.catalogue, self.beach, self.letter
+        holidays = catalogue.add_index("Ferien", Preset.PHOTO)
+        self.assertEqual((holidays, catalogue.add_index("Ferien", Preset.PHOTO, exist_ok=True)), (1100000, 1100000))
+        catalogue.add(beach, holidays, 128 | catalogcore.Protection.NO_MOVE)
+        catalogue.move(str(letter), Preset.OTHER)  # which adds it
+        self.assertEqual(catalogue.image(beach), catalogcore.Image(str(beach), holidays, 129))
+        self.assertEqual((self.paths(), self.paths(holidays)), ([str(beach), str(letter)], [str(beach)]))
+        self.assertEqual(self.paths(-1, beach.parent), [str(beach)])
+        self.assertEqual(self.paths(Preset.OTHER, self.folder), [str(letter)])
+        catalogue.move(beach, Preset.PHOTO_FACES, force=True)
+        catalogue.set_attribute(beach, 0)
+        self.assertEqual(list(catalogue.images(Preset.PHOTO)), [catalogcore.Image(str(beach), Preset.PHOTO_FACES, 0)])
+        catalogue.remove(letter)
+        self.assertEqual((beach in catalogue, letter in catalogue), (True, False))
+
+        catalogue.name_presets({Preset.PHOTO: "Fotos"})
+        catalogue.rename_index(holidays, "Sommer")
+        catalogue.set_index_attribute(holidays, 2)
+        self.assertEqual(list(catalogue.indexes(Preset.PHOTO)),
+                         [catalogcore.Index(Preset.PHOTO, "Fotos", 7), catalogcore.Index(1010000, "idx1010000", 7),
+                          catalogcore.Index(1090000, "idx1090000", 7), catalogcore.Index(holidays, "Sommer", 2)])
+        catalogue.remove_index(holidays, force=True)
+        self.assertEqual(sorted(index.number for index in catalogue.indexes()), sorted(Preset))
+
+    def test_failures_say_what_and_what_to_do(self):
+        catalogue, beach = self.catalogue, self.beach
+        catalogue.add(beach, Preset.OTHER)
+        (self.folder / catalogcore.INDEX_FILE).write_text("none")
+        cases = [
+            (lambda: catalogue.add(beach, 1000000), catalogcore.ExistsError, Status.IMAGEEXISTS, f"add {beach}: .*; "),
+            (lambda: next(catalogue.indexes(5)), ValueError, Status.PARAM, "cannot walk"),
+            (lambda: catalogue.image("/a"), LookupError, Status.NOIMAGE, "cannot find /a"),
+            (lambda: catalogue.move(beach, -1), catalogcore.InvalidError, Status.PARAM, "root"),
+            (lambda: catalogue.add("/a", 2**32 + 1000000), catalogcore.InvalidError, Status.PARAM, "out of range"),
+            (lambda: catalogue.add("/a", 1000000, 256), catalogcore.InvalidError, Status.PARAM, "0 to 255"),
+            (lambda: catalogue.add("/a\0b", 1000000), catalogcore.InvalidError, Status.PARAM, "zero byte"),
+            (lambda: catalogue.add("/\udcff", 1000000), catalogcore.InvalidError, Status.FAILED, "no UTF-8"),
+            (catalogue.load_images, catalogcore.NoDataError, Status.NODATA, "images.plist: .*missing_ok"),
+            (catalogue.load, catalogcore.FileError, Status.FAILED, "index.plist: .*no catalogue file"),
+            (Catalogue, catalogcore.ClosedError, Status.FAILED, "one already"),
+            (lambda: catalogue.classify(numpy.zeros((4097, 50), numpy.uint8)), catalogcore.SceneError, Status.IMAGESIZE,
+             "4096 pixels"),
+        ]
+        for number, (call, kind, status, words) in enumerate(cases):
+            with self.subTest(number), self.assertRaisesRegex(kind, words) as raised:
+                call()
+            self.assertEqual(raised.exception.status, status)
+            self.assertIsInstance(raised.exception, catalogcore.CatalogueError)
+            again = pickle.loads(pickle.dumps(raised.exception))  # as it comes out of another process
+            self.assertEqual((str(again), again.status), (str(raised.exception), status))
+
+    def test_files_bring_the_catalogue_back(self):
+        with self.catalogue as catalogue:
+            catalogue.load(missing_ok=True)
+            catalogue.add(self.beach, catalogue.add_index("Ferien"))
+            catalogue.add(self.letter, Preset.OTHER, 5)
+            catalogue.save()
+            before = list(catalogue.images()), list(catalogue.indexes())
+        self.assertRaises(catalogcore.ClosedError, self.catalogue.save)
+        with Catalogue() as catalogue:
+            catalogue.load_indexes(self.folder / catalogcore.INDEX_FILE)
+            catalogue.load_images(self.folder / catalogcore.IMAGE_FILE)
+            self.assertEqual((list(catalogue.images()), list(catalogue.indexes())), before)
+
+    def test_walks_close_their_handles(self):
+        opened, closed = [], []
+
+        def first(item, status, call=_library.library.IDXFindFirstImage):
+            opened.append(call(item, status))
+            return opened[-1]
+
+        def close(find, call=_library.library.IDXCloseFind):
+            closed.append(find)
+            return call(find)
+
+        for number in range(5):
+            self.catalogue.add(f"/a/{number}", Preset.OTHER)
+        with mock.patch.multiple(_library.library, IDXFindFirstImage=first, IDXCloseFind=close):
+            for image in self.catalogue.images():
+                self.catalogue.remove(image.path)  # a walk stays open across changes
+            self.assertEqual(self.paths(), [])
+            self.catalogue.add("/a/0", Preset.OTHER)
+            for image in self.catalogue.images():
+                break
+            left, late = self.catalogue.images(), self.catalogue.images()
+            next(left), next(late)
+            self.catalogue.close()
+            self.catalogue = Catalogue()
+            self.catalogue.add("/b/other", Preset.OTHER)
+            self.assertEqual(list(left), [])  # of a catalogue that is gone
+            del late
+            self.assertEqual(sorted(opened, key=str), sorted(closed, key=str))
+            self.assertEqual(len(opened), 5)
+
+    def test_pixels_are_read_where_they_lie_if_they_can_be(self):
+        colour = numpy.arange(60 * 70 * 3, dtype=numpy.uint32).astype(numpy.uint8).reshape(60, 70, 3)
+        fixed = colour.copy()
+        fixed.flags.writeable = False
+        deep = numpy.arange(60 * 70, dtype=numpy.uint16).reshape(60, 70) * 13
+        cases = [  # the pixels, whether they are read where they lie, the bits of a pixel
+            (colour, True, 24), (fixed, True, 24), (deep, True, 16), (colour[..., 0].copy()[..., None], True, 8),
+            (numpy.dstack([deep] * 3), True, 48), (colour[5:50], True, 24), (colour[:, :50][:59], True, 24),
+            (colour[::2, :40][:20], True, 24), (deep[7:8, 9:30], True, 16),
+            (memoryview(colour.tobytes()).cast("B", colour.shape), True, 24),
+            (colour[:, 20:], False, 24), (memoryview(colour[:59, 1:40]), True, 24),
+            (colour[::-1], False, 24), (colour[:, ::-1], False, 24), (colour[..., ::-1], False, 24),
+            (colour[..., 1], False, 8), (numpy.asfortranarray(colour), False, 24), (deep.T, False, 16),
+            (numpy.broadcast_to(deep[0], (60, 70)), False, 16),
+        ]
+        for number, (pixels, in_place, bits) in enumerate(cases):
+            with self.subTest(number):
+                picture, array = _library.Picture(), numpy.asarray(pixels)
+                kept = _pixels.describe(pixels, picture)
+                self.assertEqual(picture.pixels == array.ctypes.data, in_place)
+                self.assertEqual((picture.height, picture.width, picture.bitsPerPixel), (*array.shape[:2], bits))
+                read = ctypes.string_at(picture.pixels, picture.rowBytes * picture.height)
+                rows = numpy.frombuffer(read, numpy.uint8).reshape(picture.height, picture.rowBytes)
+                used = rows[:, :picture.width * bits // 8]
+                self.assertEqual(used.tobytes(), array.tobytes())
+                del kept
+        for pixels in (b"bytes", colour[0, 0], colour[..., :2], colour[:0], colour.astype(float), deep.astype(">u2"),
+                       colour.view(numpy.int8)):
+            self.assertRaises(catalogcore.InvalidError, self.catalogue.classify, pixels)
+        self.assertRaises(TypeError, self.catalogue.classify, "text")
+
+    def test_pictures_are_classified(self):
+        self.assertTrue(self.catalogue.recognizes)
+        wide = numpy.zeros((877, 700), numpy.uint8)
+        wide[:, 40:660] = PAGE
+        for pixels, options, preset in [
+                (PAGE, {"dpi": 75}, Preset.DOCUMENT_PAGE), (wide[:, 40:660], {"dpi": 75}, Preset.DOCUMENT_PAGE),
+                (numpy.dstack([PAGE] * 3), {"dpi": 75.2}, Preset.DOCUMENT_PAGE),
+                (PAGE, {"dpi": 260}, Preset.DOCUMENT_CARD),
+                (HILLS, {}, Preset.PHOTO_OTHER), (HILLS.astype(numpy.uint16) * 257, {}, Preset.PHOTO_OTHER),
+                (HILLS, {"kind": Kind.DECLARED_DOCUMENT}, Preset.DOCUMENT_FIXED),
+                (HILLS, {"kind": Kind.DOCUMENT, "dpi": 10}, Preset.DOCUMENT_OTHER),
+                (PAGE, {"kind": Kind.PHOTO}, Preset.PHOTO_OTHER),
+                (PAGE, {"kind": Kind.PHOTO_WITHOUT_FACES}, Preset.PHOTO_OTHER)]:
+            self.assertEqual(self.catalogue.classify(pixels, **options), preset, options)
+
+    def test_threads_work_until_another_closes_the_catalogue(self):
+        filed, failures = [0] * 4, []
+
+        def work(thread):
+            try:
+                for number in range(1000000):
+                    self.catalogue.add(f"/{thread}/{number}", Preset.OTHER)
+                    next(self.catalogue.images(folder=f"/{thread}"))
+                    filed[thread] += 1
+                    if thread == 0:
+                        self.catalogue.classify(HILLS)
+            except catalogcore.ClosedError:
+                return
+            except BaseException as failure:  # noqa: B902
+                failures.append(failure)
+
+        threads = [threading.Thread(target=work, args=[thread]) for thread in range(len(filed))]
+        for thread in threads:
+            thread.start()
+        while not all(count > 5 for count in filed) and not failures:
+            threads[0].join(0.01)
+        self.catalogue.close()
+        for thread in threads:
+            thread.join()
+        self.assertEqual(failures, [])
+
+
+class InstallationTest(unittest.TestCase):
+    def setUp(self):
+        self.prefix = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, self.prefix)
+        self.packages = self.prefix / "lib/python3/dist-packages"
+
+    def python(self, *arguments, **environment):
+        variables = {name: value for name, value in os.environ.items() if name != "CATALOGCORE_LIBRARY"}
+        variables.update({"PYTHONPATH": str(self.packages), **environment})
+        return subprocess.run([sys.executable, *arguments], env=variables, capture_output=True, text=True)
+
+    def test_the_library_is_found_in_the_packages_prefix(self):
+        shutil.copytree(PROJECT / "python/catalogcore", self.packages / "catalogcore")
+        code = "import catalogcore, sys; walk = catalogcore.Catalogue().indexes(); print(next(walk).number)"
+        multiarch = sysconfig.get_config_var("MULTIARCH")
+        for folder in self.prefix / "lib" / multiarch, self.prefix / "lib":
+            folder.mkdir(exist_ok=True)
+            for library, name in zip(LIBRARIES, ("libcatalogcore.so.1", "libcatalogcore-cf.so.1")):
+                shutil.copy(library, folder / name)
+            done = self.python("-c", code, LD_LIBRARY_PATH=str(folder))
+            self.assertEqual((done.stdout, done.stderr), ("1000000\n", ""))  # a walk that is open at the end is no harm
+            shutil.rmtree(folder / "libcatalogcore.so.1", ignore_errors=True)
+        done = self.python("-c", code, CATALOGCORE_LIBRARY="/nowhere")
+        self.assertRegex(done.stderr, "ImportError: cannot load .*/nowhere.*CATALOGCORE_LIBRARY")
+
+    def test_the_example_sorts_a_folder(self):
+        try:
+            import PIL  # noqa: F401
+        except ImportError:
+            self.skipTest("python3-pil is not installed")
+        (self.prefix / "page.png").write_bytes(pictures.page())
+        (self.prefix / "hills.png").write_bytes(pictures.photograph())
+        (self.prefix / "none.png").write_text("no picture")
+        (self.prefix / "files").mkdir()
+        command = [PROJECT / "examples/sort_folder.py", self.prefix, self.prefix / "files"]
+        environment = {name: os.environ[name] for name in ("CATALOGCORE_LIBRARY", "PYTHONPATH")}
+        done = self.python(*command, **environment)
+        self.assertRegex(done.stdout, r"1090000 .*/hills.png\n2030000 .*/page.png\n$", done.stderr)
+        self.assertRegex(done.stderr, r"^sort_folder: cannot read .*/none.png: .*\(skipped\)\n$")
+        self.assertEqual(self.python(*command, **environment).stdout, "")  # all are filed
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
