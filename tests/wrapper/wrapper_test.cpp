@@ -140,6 +140,10 @@ TEST_F(WrapperTest, QueriesChooseByIndexAndFolder) {
   EXPECT_EQ(std::ranges::distance(catalog_.Indexes().value()), 10);
   EXPECT_EQ(std::ranges::distance(catalog_.Indexes(preset::kPhoto).value()), 3);
   EXPECT_EQ(catalog_.Images().value().begin()->attributes, Attributes::kNoMove);
+  for (const Image& image : catalog_.Images({.index = preset::kPhoto, .withPaths = false}).value()) {
+    EXPECT_EQ(image.path, "");
+    EXPECT_EQ(image.index / 1000000, 1);
+  }
 }
 
 TEST_F(WrapperTest, EachFailureIsToldAndThrown) {
