@@ -1,4 +1,4 @@
-// One catalogue, open: the library's calls, with the texts, the checks and the files that the command adds to them.
+// One catalogue, open: the library's calls, with the checks and the files that the command adds to them.
 //
 // A changing command takes the catalogue's lock before it opens it. One catalogue a process, one thread.
 #ifndef CATALOGCORE_APP_CATALOG_H_
@@ -6,14 +6,13 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <unordered_set>
 #include <vector>
 
-#include "catalogcore.h"
+#include "catalogcore.hpp"
 
 namespace catalogcore::app {
 
@@ -28,36 +27,19 @@ class CatalogError : public std::runtime_error {
 // Why an image cannot be added whose path the library takes for another's.
 inline constexpr char kCaseTwin[] = "its name differs from a catalogued one in letter case alone";
 
-struct ImageEntry {
-  std::string path;
-  std::int32_t index = 0;
-  std::uint8_t attribute = 0;
-  bool isMissing = false;  // its file is not there now
-};
-
-struct IndexEntry {
-  std::int32_t number = 0;
-  std::string name;
-  std::uint8_t attribute = 0;
-};
-
 // What loading found of a file.
 struct FileState {
   std::filesystem::path file;
-  IDXSTATUS status = IDX_OK;  // of the library's call
-  std::string problem;        // why the file cannot be used; empty if it can
-  std::size_t lost = 0;       // records that the catalogue does not take, which a write would forget
+  Status status = Status::kOk;  // of the library's call
+  std::string problem;          // why the file cannot be used; empty if it can
+  std::size_t lost = 0;         // records that the catalogue does not take, which a write would forget
 };
 
-// The library without a catalogue, for scene detection.
-class Library {
- public:
-  // Throws CatalogError.
-  Library();
-  Library(const Library&) = delete;
-  Library& operator=(const Library&) = delete;
-  ~Library() { IDXUninitialize(); }
-};
+// What came of a call that loads or writes a file, in words for people.
+std::string FileStatusWords(Status status);
+
+// The library with an empty catalogue, the presets named as people know them. Throws CatalogError.
+catalogcore::Catalog OpenLibrary();
 
 class Catalog {
  public:
@@ -87,24 +69,23 @@ class Catalog {
   bool IsMissing(const std::string& path) const { return missing_.count(path) != 0; }
   std::size_t MissingCount() const { return missing_.size(); }
 
-  // The images of an index (IDX_ROOT: all) and of what is below it, if they lie in the folder (empty: any) or below it.
-  // `visit` must not change the catalogue.
-  void ForEachImage(std::int32_t index, const std::string& folder,
-                    const std::function<void(const ImageEntry&)>& visit) const;
-  std::optional<ImageEntry> FindImage(const std::string& path);
+  // The library's calls, to look and to change what this class does not keep: not to add or remove images.
+  const catalogcore::Catalog& Calls() const { return calls_; }
+  catalogcore::Catalog& Calls() { return calls_; }
 
-  // All indexes but the root, parents before children.
-  std::vector<IndexEntry> Indexes() const;
+  // Gives the images of the query to `visit`, which must not change the catalogue. Throws Error.
+  template <typename Visit>
+  void ForEachImage(const ImageQuery& query, Visit visit) const {
+    for (const Image& image : calls_.Images(query).value()) {
+      if (image.isText) visit(image);
+    }
+  }
+  std::optional<Image> FindImage(const std::string& path);
 
   // The library's calls. A path must be one that Contains() knows, but for AddImage.
-  IDXSTATUS AddImage(const std::string& path, std::int32_t index, std::uint8_t attribute = 0);
-  IDXSTATUS MoveImage(const std::string& path, std::int32_t index, bool isForced);
-  IDXSTATUS SetImageAttribute(const std::string& path, std::uint8_t attribute);
-  IDXSTATUS RemoveImage(const std::string& path, bool isForced);
-  IDXSTATUS AddIndex(std::int32_t parent, const std::string& name, std::uint8_t attribute, std::int32_t& number);
-  IDXSTATUS RenameIndex(std::int32_t number, const std::string& name, bool isForced);
-  IDXSTATUS SetIndexAttribute(std::int32_t number, std::uint8_t attribute);
-  IDXSTATUS RemoveIndex(std::int32_t number, bool isForced);
+  Result<void> AddImage(const std::string& path, IndexNumber index, Attributes attributes = Attributes::kNone);
+  Result<void> RemoveImage(const std::string& path, Options options);
+  Result<void> RemoveIndex(IndexNumber number, Options options);
 
   // Writes a file. Throws CatalogError; the old file is whole then.
   void SaveIndexes() const;
@@ -115,16 +96,14 @@ class Catalog {
   std::size_t ForgetMissing();
 
  private:
-  using FileCall = IDXSTATUS (*)(IDXSTR);
-
-  template <typename Restore>
-  void Load(FileState& state, CFStringRef key, FileCall load, Restore restore);
+  template <typename Call, typename Restore>
+  void Load(FileState& state, CFStringRef key, Call load, Restore restore);
   void CheckIndexes(const std::vector<CatalogRecord>& records);
   void RefileImages(const std::vector<CatalogRecord>& records);
   void RefileImage(const std::string& path, std::int32_t index, std::uint8_t attribute);
-  void Save(const FileState& state, FileCall write) const;
+  void Save(const FileState& state, Result<void> (catalogcore::Catalog::*write)(std::string_view) const) const;
 
-  Library library_;
+  catalogcore::Catalog calls_ = OpenLibrary();
   std::filesystem::path folder_;
   FileState indexFile_;
   FileState imageFile_;

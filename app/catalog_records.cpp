@@ -7,8 +7,6 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "catalogcore.h"
-
 namespace catalogcore::app {
 namespace {
 

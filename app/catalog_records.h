@@ -3,15 +3,25 @@
 #ifndef CATALOGCORE_APP_CATALOG_RECORDS_H_
 #define CATALOGCORE_APP_CATALOG_RECORDS_H_
 
+#include <CoreFoundation/CoreFoundation.h>
+
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
-#include "app/text.h"
-
 namespace catalogcore::app {
+
+struct ReleaseObject {
+  void operator()(CFTypeRef object) const { CFRelease(object); }
+};
+
+// An owned reference of the type, null or not.
+template <typename Reference>
+using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, ReleaseObject>;
 
 struct CatalogRecord {
   std::string_view key;  // of an index, such as 1/10

@@ -12,7 +12,7 @@ namespace {
 std::int32_t ParentOf(std::int32_t number) {
   const std::string key = KeyOfNumber(number);
   const std::size_t slash = key.rfind('/');
-  return slash == std::string::npos ? IDX_ROOT : NumberOfKey(std::string_view(key).substr(0, slash));
+  return slash == std::string::npos ? kRoot : NumberOfKey(std::string_view(key).substr(0, slash));
 }
 
 std::string Listed(const std::vector<const IndexNode*>& nodes) {
@@ -27,8 +27,9 @@ std::string Listed(const std::vector<const IndexNode*>& nodes) {
 
 IndexTree::IndexTree(const Catalog& catalog) {
   std::map<std::int32_t, std::size_t> counts;
-  catalog.ForEachImage(IDX_ROOT, "", [&counts](const ImageEntry& image) { ++counts[image.index]; });
-  for (IndexEntry& entry : catalog.Indexes()) {
+  catalog.ForEachImage({}, [&counts](const Image& image) { ++counts[image.index]; });
+  for (Index entry : catalog.Calls().Indexes().value()) {
+    if (!entry.isText) entry.name = "(no UTF-8)";
     IndexNode node;
     node.parent = ParentOf(entry.number);
     node.images = node.below = counts[entry.number];
@@ -75,11 +76,11 @@ const IndexNode& IndexTree::Resolve(const std::string& text) const {
   return *found.front();
 }
 
-std::vector<std::string> Protections(std::uint8_t attribute) {
+std::vector<std::string> Protections(Attributes attributes) {
   std::vector<std::string> words;
-  if ((attribute & IDXATTR_NOMOVE) != 0) words.emplace_back("move");
-  if ((attribute & IDXATTR_NOREMOVE) != 0) words.emplace_back("remove");
-  if ((attribute & IDXATTR_NORENAME) != 0) words.emplace_back("rename");
+  if (HasAny(attributes, Attributes::kNoMove)) words.emplace_back("move");
+  if (HasAny(attributes, Attributes::kNoRemove)) words.emplace_back("remove");
+  if (HasAny(attributes, Attributes::kNoRename)) words.emplace_back("rename");
   return words;
 }
 

@@ -20,8 +20,8 @@ class UsageError : public std::runtime_error {
 };
 
 struct IndexNode {
-  IndexEntry entry;
-  std::int32_t parent = IDX_ROOT;
+  Index entry;
+  std::int32_t parent = kRoot;
   std::size_t level = 0;   // 0: top of the tree
   std::size_t images = 0;  // filed under it
   std::size_t below = 0;   // filed under it and the indexes below it
@@ -51,8 +51,8 @@ class IndexTree {
   std::map<std::int32_t, std::size_t> positions_;  // in nodes_, by number
 };
 
-// The protections of an attribute in words: "move", "remove", "rename".
-std::vector<std::string> Protections(std::uint8_t attribute);
+// The protections among the attributes in words: "move", "remove", "rename".
+std::vector<std::string> Protections(Attributes attributes);
 
 }  // namespace catalogcore::app
 

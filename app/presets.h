@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdint>
 
-#include "catalogcore.h"
+#include "catalogcore.hpp"
 
 namespace catalogcore::app {
 
@@ -16,16 +16,16 @@ struct Preset {
 };
 
 inline constexpr std::array<Preset, 10> kPresets = {{
-    {IDXPRESET_PHOTO, "Photographs", "photographs"},
-    {IDXPRESET_PHOTO_FACES, "People", "photographs that show faces"},
-    {IDXPRESET_PHOTO_OTHER, "Other photographs", "photographs without faces"},
-    {IDXPRESET_DOCUMENT, "Documents", "documents"},
-    {IDXPRESET_DOCUMENT_CARD, "Cards", "documents of a card's size"},
-    {IDXPRESET_DOCUMENT_POST, "Postcards and 4 × 6", "documents of a postcard's size, or 4 × 6 inches"},
-    {IDXPRESET_DOCUMENT_PAGE, "Pages", "documents of A5, B5, A4, Letter or Legal size"},
-    {IDXPRESET_DOCUMENT_FIXED, "Declared documents", "documents by an application's word"},
-    {IDXPRESET_DOCUMENT_OTHER, "Other documents", "documents of another size, or of none that is known"},
-    {IDXPRESET_OTHER, "Other", "everything else"},
+    {preset::kPhoto, "Photographs", "photographs"},
+    {preset::kPhotoFaces, "People", "photographs that show faces"},
+    {preset::kPhotoOther, "Other photographs", "photographs without faces"},
+    {preset::kDocument, "Documents", "documents"},
+    {preset::kDocumentCard, "Cards", "documents of a card's size"},
+    {preset::kDocumentPost, "Postcards and 4 × 6", "documents of a postcard's size, or 4 × 6 inches"},
+    {preset::kDocumentPage, "Pages", "documents of A5, B5, A4, Letter or Legal size"},
+    {preset::kDocumentFixed, "Declared documents", "documents by an application's word"},
+    {preset::kDocumentOther, "Other documents", "documents of another size, or of none that is known"},
+    {preset::kOther, "Other", "everything else"},
 }};
 
 // The preset of that number; null if it is none.
@@ -38,9 +38,8 @@ constexpr const Preset* FindPreset(std::int32_t number) {
 
 // "document", "photograph", or null, as the number of a preset tells.
 constexpr const char* PictureClass(std::int32_t preset) {
-  if (preset >= IDXPRESET_DOCUMENT && preset < IDXPRESET_DOCUMENT + IDXPRESET_PHOTO) return "document";
-  if (preset >= IDXPRESET_PHOTO && preset < IDXPRESET_DOCUMENT) return "photograph";
-  return nullptr;
+  const SceneKind kind = Scene(preset).Kind();
+  return kind == SceneKind::kUndecided ? nullptr : kind == SceneKind::kDocument ? "document" : "photograph";
 }
 
 }  // namespace catalogcore::app

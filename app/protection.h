@@ -3,14 +3,13 @@
 #define CATALOGCORE_APP_PROTECTION_H_
 
 #include <CLI/CLI.hpp>
-#include <cstdint>
 
 #include "app/index_tree.h"
-#include "catalogcore.h"
+#include "catalogcore.hpp"
 
 namespace catalogcore::app {
 
-inline constexpr std::uint8_t kAllProtections = IDXATTR_NOMOVE | IDXATTR_NOREMOVE | IDXATTR_NORENAME;
+inline constexpr Attributes kAllProtections = Attributes::kNoMove | Attributes::kNoRemove | Attributes::kNoRename;
 
 struct ProtectionOptions {
   bool noMove = false;
@@ -24,15 +23,18 @@ struct ProtectionOptions {
       throw UsageError("say what may not be done (see --help), or --none");
   }
 
-  // The attribute with the protections asked for added, or all taken away; an application's own bits stay.
-  std::uint8_t Applied(std::uint8_t attribute) const {
-    if (none) attribute &= static_cast<std::uint8_t>(~kAllProtections);
-    if (noMove) attribute |= IDXATTR_NOMOVE;
-    if (noRemove) attribute |= IDXATTR_NOREMOVE;
-    if (noRename) attribute |= IDXATTR_NORENAME;
-    return attribute;
+  // The attributes with the protections asked for added, or all taken away; an application's own bits stay.
+  Attributes Applied(Attributes attributes) const {
+    if (none) attributes &= ~kAllProtections;
+    if (noMove) attributes |= Attributes::kNoMove;
+    if (noRemove) attributes |= Attributes::kNoRemove;
+    if (noRename) attributes |= Attributes::kNoRename;
+    return attributes;
   }
 };
+
+// How a change is made that may have been told --force.
+constexpr Options ForcedIf(bool isForced) { return isForced ? Options::kForce : Options::kNone; }
 
 // Only indexes have a name to protect.
 inline void AddProtection(CLI::App& command, ProtectionOptions& options, bool isIndex) {

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+#include "catalogcore.hpp"
+
 namespace catalogcore::app {
 
 struct Decision {
@@ -12,9 +14,9 @@ struct Decision {
   std::string problem;       // why there is none: "not an image file"; empty if there is one
 };
 
-// Decodes the file and asks the library, which must be initialised. Any thread; threads wait for each other only while
-// the library looks at a picture.
-Decision DecideScene(const std::string& file);
+// Decodes the file and asks the library. Any thread; threads wait for each other only while the library looks at a
+// picture.
+Decision DecideScene(const catalogcore::Catalog& library, const std::string& file);
 
 }  // namespace catalogcore::app
 

@@ -3,15 +3,8 @@
 #include <glib.h>
 #include <unistd.h>
 
-#include <stdexcept>
-
 namespace catalogcore::app {
 namespace {
-
-CFStringRef NewString(const std::string& text) {
-  if (text.find('\0') != std::string::npos) return nullptr;
-  return CFStringCreateWithCString(kCFAllocatorDefault, text.c_str(), kCFStringEncodingUTF8);
-}
 
 struct Character {
   std::size_t size = 1;     // bytes
@@ -41,26 +34,6 @@ std::size_t Fitting(const std::string& text, std::size_t width) {
 }
 
 }  // namespace
-
-StringVariable::StringVariable(const std::string& text) : string_(NewString(text)) {
-  if (!string_) throw std::invalid_argument("the text is no valid UTF-8");
-}
-
-std::optional<std::string> StringVariable::Text() const {
-  if (!string_) return std::nullopt;
-  const CFIndex capacity = CFStringGetMaximumSizeForEncoding(CFStringGetLength(string_), kCFStringEncodingUTF8) + 1;
-  std::string text(static_cast<std::size_t>(capacity), '\0');
-  if (!CFStringGetCString(string_, text.data(), capacity, kCFStringEncodingUTF8)) return std::nullopt;
-  text.resize(text.find('\0'));
-  return text;
-}
-
-void StringVariable::Clear() {
-  if (string_) CFRelease(string_);
-  string_ = nullptr;
-}
-
-bool IsText(const std::string& text) { return Owned<CFStringRef>(NewString(text)) != nullptr; }
 
 std::size_t TextWidth(const std::string& text) {
   std::size_t width = 0;

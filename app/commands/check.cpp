@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include "app/commands/commands.h"
-#include "app/status_words.h"
 #include "app/text.h"
 
 namespace catalogcore::app {
@@ -28,11 +27,11 @@ nlohmann::ordered_json StateJson(const FileState& state) {
 void Report(Session& session, const Catalog& catalog, bool isJson) {
   std::vector<std::string> missing;
   std::size_t images = 0;
-  catalog.ForEachImage(IDX_ROOT, "", [&](const ImageEntry& image) {
+  catalog.ForEachImage({}, [&](const Image& image) {
     ++images;
-    if (image.isMissing) missing.push_back(image.path);
+    if (catalog.IsMissing(image.path)) missing.push_back(image.path);
   });
-  const std::size_t indexes = catalog.Indexes().size();
+  const std::ptrdiff_t indexes = std::ranges::distance(catalog.Calls().Indexes().value());
   for (const FileState* state : {&catalog.IndexFile(), &catalog.ImageFile()}) {
     if (!state->problem.empty()) session.status = kCatalogFailed;
     if (state->lost > 0 && session.status == kDone) session.status = kSomeSkipped;
@@ -49,7 +48,7 @@ void Report(Session& session, const Catalog& catalog, bool isJson) {
   for (const FileState* state : {&catalog.IndexFile(), &catalog.ImageFile()}) {
     std::printf("%s: %s\n", ForOutput(state->file.string()).c_str(), StateWords(*state).c_str());
   }
-  std::printf("%zu indexes, %s, %s missing\n", indexes, Counted(images, "image").c_str(),
+  std::printf("%td indexes, %s, %s missing\n", indexes, Counted(images, "image").c_str(),
               Grouped(missing.size()).c_str());
   if (catalog.Displaced() > 0) {
     std::printf("%s in \"Other\", since their indexes are not there\n", Counted(catalog.Displaced(), "image").c_str());

@@ -38,7 +38,7 @@ void Print(const std::string& file, const Decision& decision, bool isJson) {
 
 void Classify(Session& session, const ClassifyOptions& options) {
   StartPictures("catalogcore");
-  const Library library;
+  const catalogcore::Catalog library = OpenLibrary();
   const std::atomic<bool>& stop = CatchInterrupts();
   const auto report = [&](const std::string& file, const std::string& reason) {
     Print(file, {-1, reason}, options.isJson);
@@ -48,7 +48,7 @@ void Classify(Session& session, const ClassifyOptions& options) {
                                              options.paths, [&stop](std::size_t) { return stop.load(); }, report)
                                              .files;
   RunInOrder(
-      files.size(), options.jobs, stop, [&files](std::size_t i) { return DecideScene(files[i]); },
+      files.size(), options.jobs, stop, [&](std::size_t i) { return DecideScene(library, files[i]); },
       [&](std::size_t i, const Decision& decision) {
         session.progress.Clear();
         decision.problem.empty() ? Print(files[i], decision, options.isJson) : report(files[i], decision.problem);

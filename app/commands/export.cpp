@@ -19,23 +19,26 @@ std::string CsvField(const std::string& text) {
 
 void ExportCsv(const Catalog& catalog, const IndexTree& tree) {
   std::fputs("file,folder,index,name,attribute,missing\r\n", stdout);
-  catalog.ForEachImage(IDX_ROOT, "", [&tree](const ImageEntry& image) {
+  catalog.ForEachImage({}, [&](const Image& image) {
     std::printf("%s,%s,%d,%s,%d,%d\r\n", CsvField(image.path).c_str(),
                 CsvField(std::filesystem::path(image.path).parent_path().string()).c_str(), image.index,
-                CsvField(tree.NameOf(image.index)).c_str(), image.attribute, image.isMissing ? 1 : 0);
+                CsvField(tree.NameOf(image.index)).c_str(), static_cast<int>(image.attributes),
+                catalog.IsMissing(image.path) ? 1 : 0);
   });
 }
 
 // A list with a line for each image, made line by line, for catalogues that are larger than is good for one text.
 void ExportJson(const Catalog& catalog, const IndexTree& tree) {
   bool isFirst = true;
-  catalog.ForEachImage(IDX_ROOT, "", [&](const ImageEntry& image) {
+  catalog.ForEachImage({}, [&](const Image& image) {
     std::puts(isFirst ? "[" : ",");
     isFirst = false;
-    const nlohmann::ordered_json line{
-        {"file", image.path},           {"folder", std::filesystem::path(image.path).parent_path().string()},
-        {"index", image.index},         {"name", tree.NameOf(image.index)},
-        {"attribute", image.attribute}, {"missing", image.isMissing}};
+    const nlohmann::ordered_json line{{"file", image.path},
+                                      {"folder", std::filesystem::path(image.path).parent_path().string()},
+                                      {"index", image.index},
+                                      {"name", tree.NameOf(image.index)},
+                                      {"attribute", image.attributes},
+                                      {"missing", catalog.IsMissing(image.path)}};
     std::fputs(line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str(), stdout);
   });
   std::puts(isFirst ? "[]" : "\n]");

@@ -25,8 +25,8 @@ GalleryRequest RequestFor(const Catalog& catalog) {
     const Preset* const preset = FindPreset(node.entry.number);
     request.indexes.push_back({node.entry.number, node.parent, node.entry.name, preset ? preset->meaning : ""});
   }
-  catalog.ForEachImage(IDX_ROOT, "", [&request](const ImageEntry& image) {
-    request.images.push_back({image.path, image.index, image.isMissing});
+  catalog.ForEachImage({}, [&](const Image& image) {
+    request.images.push_back({image.path, image.index, catalog.IsMissing(image.path)});
   });
   return request;
 }

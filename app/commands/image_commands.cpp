@@ -4,7 +4,6 @@
 #include "app/commands/commands.h"
 #include "app/file_finder.h"
 #include "app/protection.h"
-#include "app/status_words.h"
 
 namespace catalogcore::app {
 namespace {
@@ -16,26 +15,26 @@ struct ImageOptions {
 };
 
 // By the name as it is given first: since its images were filed, a folder may have become a link.
-std::optional<ImageEntry> FindNamed(Catalog& catalog, const std::string& file) {
+std::optional<Image> FindNamed(Catalog& catalog, const std::string& file) {
   std::error_code error;
-  const std::optional<ImageEntry> image =
+  const std::optional<Image> image =
       catalog.FindImage(std::filesystem::absolute(file, error).lexically_normal().string());
   return image ? image : catalog.FindImage(CatalogPath(file));
 }
 
 // Changes image after image, names those that cannot be changed, and writes the others.
 void ChangeImages(Session& session, Catalog& catalog, const std::vector<std::string>& files, const std::string& verb,
-                  const std::function<IDXSTATUS(const ImageEntry&)>& change) {
+                  const std::function<Result<void>(const Image&)>& change) {
   bool isChanged = false;
   for (const std::string& file : files) {
-    const std::optional<ImageEntry> image = FindNamed(catalog, file);
-    const IDXSTATUS status = image ? change(*image) : IDXSTATUS{IDXERR_NOIMAGE};
-    if (status == IDXERR_MEMORY) throw CatalogError("out of memory (nothing was changed)");
-    if (status == IDX_OK) {
+    const std::optional<Image> image = FindNamed(catalog, file);
+    const Status status = image ? change(*image).error() : Status::kNoImage;
+    if (status == Status::kMemory) throw CatalogError("out of memory (nothing was changed)");
+    if (status == Status::kOk) {
       isChanged = true;
     } else {
-      session.Skip("cannot " + verb + ' ' + file + ": " + StatusWords(status) +
-                   (status == IDXERR_PROTECTED ? " (--force does it all the same)" : ""));
+      session.Skip("cannot " + verb + ' ' + file + ": " + Message(status) +
+                   (status == Status::kProtected ? " (--force does it all the same)" : ""));
     }
   }
   if (isChanged) catalog.SaveImages();
@@ -44,19 +43,20 @@ void ChangeImages(Session& session, Catalog& catalog, const std::vector<std::str
 void Move(Session& session, Catalog& catalog, const ImageOptions& options) {
   const std::vector<std::string> files(options.files.begin(), options.files.end() - 1);
   const std::int32_t index = IndexTree(catalog).Resolve(options.files.back()).entry.number;
-  ChangeImages(session, catalog, files, "move",
-               [&](const ImageEntry& image) { return catalog.MoveImage(image.path, index, options.isForced); });
+  ChangeImages(session, catalog, files, "move", [&](const Image& image) {
+    return catalog.Calls().ChangeImage(image.path, {.index = index}, ForcedIf(options.isForced));
+  });
 }
 
 void Remove(Session& session, Catalog& catalog, const ImageOptions& options) {
   ChangeImages(session, catalog, options.files, "remove",
-               [&](const ImageEntry& image) { return catalog.RemoveImage(image.path, options.isForced); });
+               [&](const Image& image) { return catalog.RemoveImage(image.path, ForcedIf(options.isForced)); });
 }
 
 void Protect(Session& session, Catalog& catalog, const ImageOptions& options) {
   options.protection.RequireAny();
-  ChangeImages(session, catalog, options.files, "protect", [&](const ImageEntry& image) {
-    return catalog.SetImageAttribute(image.path, options.protection.Applied(image.attribute));
+  ChangeImages(session, catalog, options.files, "protect", [&](const Image& image) {
+    return catalog.Calls().ChangeImage(image.path, {.attributes = options.protection.Applied(image.attributes)});
   });
 }
 

@@ -5,7 +5,6 @@
 #include "app/commands/commands.h"
 #include "app/presets.h"
 #include "app/protection.h"
-#include "app/status_words.h"
 #include "app/text.h"
 
 namespace catalogcore::app {
@@ -25,8 +24,8 @@ void RequireName(const std::string& name) {
   }
 }
 
-void RequireAttribute(std::uint8_t attribute) {
-  if (attribute != kAllProtections) return;
+void RequireWritten(Attributes attributes) {
+  if (attributes != kAllProtections) return;
   throw UsageError(
       "an index that may not be moved, removed or renamed is not written to the catalogue's file, as the presets are "
       "not, and would be gone the next time; leave one protection out");
@@ -39,22 +38,22 @@ const IndexNode& ResolveAdded(const IndexTree& tree, const std::string& text) {
   return node;
 }
 
-void Require(IDXSTATUS status, const std::string& what) {
-  if (status == IDXERR_PROTECTED) throw UsageError(what + ": it is protected (use --force to do it all the same)");
-  if (status == IDXERR_PARAM) throw UsageError(what + ": indexes are at most four levels deep");
-  if (status != IDX_OK) throw UsageError(what + ": " + StatusWords(status));
+void Require(Status status, const std::string& what) {
+  if (status == Status::kProtected) throw UsageError(what + ": it is protected (use --force to do it all the same)");
+  if (status == Status::kParam) throw UsageError(what + ": indexes are at most four levels deep");
+  if (status != Status::kOk) throw UsageError(what + ": " + Message(status));
 }
 
 void Add(Catalog& catalog, const IndexOptions& options) {
   RequireName(options.name);
-  RequireAttribute(options.protection.Applied(0));
+  const Attributes attributes = options.protection.Applied(Attributes::kNone);
+  RequireWritten(attributes);
   const bool isTop = options.index == "." || options.index == "/";
-  const std::int32_t parent = isTop ? IDX_ROOT : IndexTree(catalog).Resolve(options.index).entry.number;
-  std::int32_t number = 0;
-  Require(catalog.AddIndex(parent, options.name, options.protection.Applied(0), number),
-          "cannot add \"" + options.name + "\"");
+  const std::int32_t parent = isTop ? kRoot : IndexTree(catalog).Resolve(options.index).entry.number;
+  const Result<IndexNumber> number = catalog.Calls().AddIndex(parent, options.name, attributes);
+  Require(number.error(), "cannot add \"" + options.name + "\"");
   catalog.SaveIndexes();
-  std::printf("%d\n", number);
+  std::printf("%d\n", *number);
 }
 
 void Rename(Catalog& catalog, const IndexOptions& options) {
@@ -63,10 +62,10 @@ void Rename(Catalog& catalog, const IndexOptions& options) {
   const IndexNode& node = ResolveAdded(tree, options.index);
   for (const IndexNode& other : tree.Nodes()) {
     if (other.parent == node.parent && &other != &node && other.entry.name == options.name) {
-      Require(IDXERR_INDEXEXISTS, "cannot rename \"" + node.path + "\"");
+      Require(Status::kIndexExists, "cannot rename \"" + node.path + "\"");
     }
   }
-  Require(catalog.RenameIndex(node.entry.number, options.name, options.isForced),
+  Require(catalog.Calls().ChangeIndex(node.entry.number, {.name = options.name}, ForcedIf(options.isForced)).error(),
           "cannot rename \"" + node.path + "\"");
   catalog.SaveIndexes();
 }
@@ -79,7 +78,8 @@ void Remove(Catalog& catalog, const IndexOptions& options) {
     throw UsageError("cannot remove \"" + node.path + "\": " + Counted(node.images, "image") +
                      " would leave the catalogue with it (move them with `catalogcore mv`, or use --force)");
   }
-  Require(catalog.RemoveIndex(node.entry.number, options.isForced), "cannot remove \"" + node.path + "\"");
+  Require(catalog.RemoveIndex(node.entry.number, ForcedIf(options.isForced)).error(),
+          "cannot remove \"" + node.path + "\"");
   if (node.images > 0) catalog.SaveImages();  // first, so that no image is ever left without its index
   catalog.SaveIndexes();
 }
@@ -88,9 +88,10 @@ void Protect(Catalog& catalog, const IndexOptions& options) {
   options.protection.RequireAny();
   const IndexTree tree(catalog);
   const IndexNode& node = ResolveAdded(tree, options.index);
-  const std::uint8_t attribute = options.protection.Applied(node.entry.attribute);
-  RequireAttribute(attribute);
-  Require(catalog.SetIndexAttribute(node.entry.number, attribute), "cannot protect \"" + node.path + "\"");
+  const Attributes attributes = options.protection.Applied(node.entry.attributes);
+  RequireWritten(attributes);
+  Require(catalog.Calls().ChangeIndex(node.entry.number, {.attributes = attributes}).error(),
+          "cannot protect \"" + node.path + "\"");
   catalog.SaveIndexes();
 }
 

@@ -22,20 +22,21 @@ void List(Session& session, const ListOptions& options) {
   std::optional<Catalog> opened;
   const Catalog& catalog = OpenForReading(session, opened);
   const IndexTree tree(catalog);
-  const std::int32_t index = options.index.empty() ? IDX_ROOT : tree.Resolve(options.index).entry.number;
+  const std::int32_t index = options.index.empty() ? kRoot : tree.Resolve(options.index).entry.number;
   const std::string folder = options.folder.empty() ? "" : CatalogPath(options.folder);
   if (!IsText(folder)) throw UsageError("the folder's name is no valid UTF-8; the catalogue holds nothing of it");
   const bool isTerminal = isatty(STDOUT_FILENO) != 0;
-  catalog.ForEachImage(index, folder, [&](const ImageEntry& image) {
+  catalog.ForEachImage({.index = index, .folder = folder}, [&](const Image& image) {
+    const bool isMissing = catalog.IsMissing(image.path);
     if (!options.isJson) {
-      std::printf("%s%s\n", ForOutput(image.path).c_str(), image.isMissing && isTerminal ? "  (missing)" : "");
+      std::printf("%s%s\n", ForOutput(image.path).c_str(), isMissing && isTerminal ? "  (missing)" : "");
       return;
     }
     PrintJsonLine({{"file", image.path},
                    {"index", image.index},
                    {"name", tree.NameOf(image.index)},
-                   {"attribute", image.attribute},
-                   {"missing", image.isMissing}});
+                   {"attribute", image.attributes},
+                   {"missing", isMissing}});
   });
 }
 

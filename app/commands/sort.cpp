@@ -13,7 +13,6 @@
 #include "app/picture.h"
 #include "app/presets.h"
 #include "app/scene.h"
-#include "app/status_words.h"
 #include "app/text.h"
 
 namespace catalogcore::app {
@@ -40,7 +39,7 @@ class Sorter {
 
   void Run() {
     const std::vector<std::string> files = Find();
-    const auto decide = [&files](std::size_t i) { return DecideScene(files[i]); };
+    const auto decide = [&](std::size_t i) { return DecideScene(catalog_.Calls(), files[i]); };
     const auto take = [&](std::size_t i, const Decision& decision) {
       Take(files[i], decision);
       session_.progress.Step(i + 1, files.size(), files[i]);
@@ -89,19 +88,19 @@ class Sorter {
   void Take(const std::string& file, const Decision& decision) {
     if (!decision.problem.empty()) return Skip("read", file, decision.problem);
     if (!options_.isDryRun) {
-      const IDXSTATUS status = File(file, decision.preset);
-      if (status == IDXERR_MEMORY) throw CatalogError("out of memory");
-      if (status == IDXERR_IMAGEEXISTS) return Skip("file", file, kCaseTwin);
-      if (status != IDX_OK) return Skip("file", file, StatusWords(status));
+      const Status status = File(file, decision.preset).error();
+      if (status == Status::kMemory) throw CatalogError("out of memory");
+      if (status == Status::kImageExists) return Skip("file", file, kCaseTwin);
+      if (status != Status::kOk) return Skip("file", file, Message(status));
     }
     ++filed_[decision.preset];
   }
 
-  IDXSTATUS File(const std::string& file, std::int32_t preset) {
-    const std::optional<ImageEntry> image = catalog_.FindImage(file);
-    if (image && image->index == preset) return IDX_OK;  // a protected one may stay where it is
+  Result<void> File(const std::string& file, std::int32_t preset) {
+    const std::optional<Image> image = catalog_.FindImage(file);
+    if (image && image->index == preset) return {};  // a protected one may stay where it is
     ++unwritten_;
-    return image ? catalog_.MoveImage(file, preset, false) : catalog_.AddImage(file, preset);
+    return image ? catalog_.Calls().ChangeImage(file, {.index = preset}) : catalog_.AddImage(file, preset);
   }
 
   void Skip(const std::string& verb, const std::string& file, const std::string& reason) {

@@ -11,10 +11,10 @@
 namespace catalogcore::app {
 namespace {
 
-std::string ProtectionText(const IndexEntry& entry) {
+std::string ProtectionText(const Index& entry) {
   if (FindPreset(entry.number)) return "preset";
   std::string text;
-  for (const std::string& word : Protections(entry.attribute)) text += (text.empty() ? "no " : ", ") + word;
+  for (const std::string& word : Protections(entry.attributes)) text += (text.empty() ? "no " : ", ") + word;
   return text;
 }
 
@@ -46,7 +46,7 @@ void PrintJson(const IndexTree& tree) {
                      {"path", node.path},
                      {"images", node.images},
                      {"below", node.below},
-                     {"protected", Protections(node.entry.attribute)},
+                     {"protected", Protections(node.entry.attributes)},
                      {"preset", FindPreset(node.entry.number) != nullptr}});
   }
   PrintJsonLine(nodes);

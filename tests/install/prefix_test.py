@@ -12,7 +12,8 @@ import pictures
 
 CMAKE, BUILD, LIBDIR, C_COMPILER, CXX_COMPILER = sys.argv[1:]
 EXAMPLES = "share/doc/catalogcore/examples"
-PROGRAMS = {"catalogue": [C_COMPILER, "catalogue.c"], "scene": [CXX_COMPILER, "-std=c++17", "scene.cpp"]}
+PROGRAMS = {"catalogue": [C_COMPILER, "catalogue.c"], "scene": [CXX_COMPILER, "-std=c++17", "scene.cpp"],
+            "file_buffer": [CXX_COMPILER, "-std=c++20", "file_buffer.cpp"]}
 
 
 class PrefixTest(unittest.TestCase):
@@ -39,8 +40,8 @@ class PrefixTest(unittest.TestCase):
     def test_programs_are_built_and_run_wherever_the_prefix_is(self):
         first, moved, built = self.root / "first", self.root / "far/moved", self.root / "built"
         self.run_program(CMAKE, "--install", BUILD, "--prefix", first)
-        self.build_by_hand(first, "catalogue")
-        self.build_by_hand(first, "scene")
+        for program in PROGRAMS:
+            self.build_by_hand(first, program)
         self.run_examples(first, self.root)
 
         moved.parent.mkdir()
