@@ -1,5 +1,5 @@
-# What an installation holds, in three parts: `runtime`, the libraries and the recognizer's resource; `development`, what a
-# program is built with; `command`. It may be moved: everything in it is found from where it lies.
+# What an installation holds, in four parts: `runtime`, the libraries and the recognizer's resource; `development`, what a
+# program is built with; `python`; `command`. It may be moved: everything in it is found from where it lies.
 include(CMakePackageConfigHelpers)
 
 set(CATALOGCORE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/CatalogCore)
@@ -39,7 +39,8 @@ file(RELATIVE_PATH PREFIX_FROM_PKGCONFIG ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig 
 configure_file(cmake/catalogcore.pc.in catalogcore.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/catalogcore.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
-install(FILES docs/compatibility.md docs/file-format.md DESTINATION ${CATALOGCORE_DOC_DIR} COMPONENT development)
+install(DIRECTORY docs/ DESTINATION ${CATALOGCORE_DOC_DIR} COMPONENT development
+  FILES_MATCHING PATTERN *.md PATTERN *.svg PATTERN *.jpg)
 install(DIRECTORY examples DESTINATION ${CATALOGCORE_DOC_DIR} COMPONENT development)
 
 if(CATALOGCORE_APP)

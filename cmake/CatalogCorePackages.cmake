@@ -1,4 +1,5 @@
-# Debian's packages, one for each part of the installation: libcatalogcore1, libcatalogcore-dev, catalogcore.
+# Debian's packages, one for each part of the installation: libcatalogcore1, libcatalogcore-dev, python3-catalogcore,
+# catalogcore.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME catalogcore)
 set(CPACK_PACKAGE_VENDOR "CatalogCore developers")
@@ -10,7 +11,7 @@ set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
-set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_COMPONENTS_ALL runtime development python)
 if(CATALOGCORE_APP)
   list(APPEND CPACK_COMPONENTS_ALL command)
 endif()
@@ -39,8 +40,14 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "${same_library}")
 set(CPACK_DEBIAN_DEVELOPMENT_DESCRIPTION "catalogue of image files (development files)
 ${about_library}
 
-This package holds the headers, two examples, and what CMake and pkg-config
+This package holds the headers, examples, the pages, and what CMake and pkg-config
 need.")
+
+set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-catalogcore)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${library_package} (>= ${PROJECT_VERSION}), python3 (>= 3.10)")
+set(CPACK_DEBIAN_PYTHON_DESCRIPTION "catalogue of image files (Python module)\n${about_library}")
 
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME catalogcore)
 set(CPACK_DEBIAN_COMMAND_PACKAGE_SECTION graphics)

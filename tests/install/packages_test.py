@@ -105,18 +105,21 @@ class PackagesTest(unittest.TestCase):
         self.packages = {file.name.split("_")[0]: file for file in (self.folder / "made").glob("*.deb")}
 
     def check_contents(self):
-        self.assertEqual(sorted(self.packages), ["catalogcore", "libcatalogcore-dev", "libcatalogcore1"])
+        self.assertEqual(sorted(self.packages), ["catalogcore", "libcatalogcore-dev", "libcatalogcore1",
+                                                 "python3-catalogcore"])
         holds = {
             "catalogcore": ["usr/bin/catalogcore", "usr/share/man/man1/catalogcore.1",
                             "usr/share/bash-completion/completions/catalogcore"],
             "libcatalogcore-dev": ["usr/include/catalogcore.h", "usr/include/catalogcore/CoreFoundation/CFString.h"],
+            "python3-catalogcore": ["usr/lib/python3/dist-packages/catalogcore/__init__.py"],
             "libcatalogcore1": ["usr/share/org.catalogcore.library/brennparam.dat"]}
         version = run("dpkg-deb", "-f", self.packages["libcatalogcore1"], "Version").strip()
         for name, file in self.packages.items():
             run("dpkg-deb", "-x", file, self.folder / "unpacked")
             self.assertEqual([path for path in holds[name] if f"./{path}\n" not in run("dpkg-deb", "-c", file)], [])
             if name != "libcatalogcore1":
-                self.assertIn(f"libcatalogcore1 (= {version})", run("dpkg-deb", "-f", file, "Depends"))
+                relation = ">=" if name == "python3-catalogcore" else "="
+                self.assertIn(f"libcatalogcore1 ({relation} {version})", run("dpkg-deb", "-f", file, "Depends"))
         run("dpkg-deb", "-e", self.packages["libcatalogcore1"], self.folder / "control")
         self.assertEqual((self.folder / "control/triggers").read_text(), "activate-noawait ldconfig\n")
         self.assertIn(f"libcatalogcore 1 libcatalogcore1 (>= {version})", (self.folder / "control/shlibs").read_text())
@@ -146,6 +149,7 @@ class PackagesTest(unittest.TestCase):
         inside("dpkg -i *.deb")
         self.assertRegex(inside("catalogcore --version"), r"\b1\.\d+\.\d+")
         self.assertIn("2030000", inside("catalogcore classify page.png"))
+        self.assertIn("2000000", inside("python3 -c 'import catalogcore; print(int(catalogcore.Preset.DOCUMENT))'"))
         inside("""cp /usr/share/doc/catalogcore/examples/catalogue.c .
                   gcc catalogue.c -o catalogue $(pkg-config --cflags --libs catalogcore)
                   ./catalogue /work""")
