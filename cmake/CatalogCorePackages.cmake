@@ -47,6 +47,11 @@ set(CPACK_DEBIAN_PYTHON_PACKAGE_NAME python3-catalogcore)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SECTION python)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "${library_package} (>= ${PROJECT_VERSION}), python3 (>= 3.10)")
+# What python compiles beside the module goes with it.
+file(WRITE ${PROJECT_BINARY_DIR}/debian/prerm "#!/bin/sh\nset -e\npy3clean -p python3-catalogcore\n")
+file(CHMOD ${PROJECT_BINARY_DIR}/debian/prerm
+  PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA ${PROJECT_BINARY_DIR}/debian/prerm)
 set(CPACK_DEBIAN_PYTHON_DESCRIPTION "catalogue of image files (Python module)\n${about_library}")
 
 set(CPACK_DEBIAN_COMMAND_PACKAGE_NAME catalogcore)
