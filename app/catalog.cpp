@@ -69,12 +69,10 @@ void Catalog::RefileImages(const std::vector<CatalogRecord>& records) {
   if (static_cast<std::size_t>(images) == records.size()) return;
   for (const CatalogRecord& record : records) {
     const std::string path(record.text);
-    if (!IsText(path)) {
-      ++imageFile_.lost;
-    } else if (!calls_.FindImage(path)) {
+    if (IsText(path) && !calls_.FindImage(path)) {
       RefileImage(path, NumberOfKey(record.key), record.attribute);
     } else if (!Contains(path)) {
-      ++imageFile_.lost;  // taken for another's
+      ++imageFile_.lost;  // no text, or taken for another's
     }
   }
 }

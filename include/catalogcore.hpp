@@ -444,7 +444,7 @@ class OutputText {
 /// A record whose fields are marked as they are set.
 struct Record : IDXITEM {
   /// Nothing is marked.
-  Record() : IDXITEM{} {}
+  Record() : IDXITEM() {}
 
   /// The text, in or out, of an image or an index.
   template <typename Text>
@@ -667,8 +667,8 @@ enum class Hint {
   kPhotographAlone,  ///< a photograph, in which no faces are looked for
 };
 
-/// One picture in memory. Byte b of the pixel in column x of row y is pixels[y * rowBytes + x * (bitsPerPixel / 8) +
-/// b].
+/// One picture in memory. Byte b of the pixel in column x of row y is
+/// pixels[y * rowBytes + x * (bitsPerPixel / 8) + b].
 struct PixelBuffer {
   std::span<const std::byte> pixels = {};  ///< at least rowBytes * height bytes; empty: decided by hint and sizes alone
   std::int32_t width = 0;                  ///< pixels in a row, 1 to 4096
