@@ -21,7 +21,7 @@ catalogcore_no_rpath_in_usr(runtime catalogcore ${CMAKE_INSTALL_LIBDIR})
 install(FILES resources/brennparam.dat
   DESTINATION ${CMAKE_INSTALL_DATADIR}/org.catalogcore.library COMPONENT runtime)
 
-install(FILES include/catalogcore.h include/catalogcore.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 install(EXPORT CatalogCore FILE CatalogCoreConfig.cmake NAMESPACE CatalogCore::
   DESTINATION ${CATALOGCORE_CMAKE_DIR} COMPONENT development)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/CatalogCoreConfigVersion.cmake COMPATIBILITY SameMajorVersion)
