@@ -179,20 +179,5 @@ TEST(Brenn, RefusesABadBlock) {
   }
 }
 
-// Every picture sits at the end of its memory, so that a read beyond it is seen by the address sanitizer.
-TEST(Brenn, ReadsNothingOutsideThePicture) {
-  for (const std::int32_t bits : {8, 16, 24, 48}) {
-    for (const auto& [width, height] : {std::pair{50, 50}, {51, 901}, {4001, 16}, {16, 3000}, {1801, 77}}) {
-      const SourcePicture whole = Landscape(bits, width, height);
-      PreparedPicture picture = tools::PreparePicture(whole);
-      picture.pixels.resize(static_cast<std::size_t>(whole.rowBytes) * static_cast<std::size_t>(height));
-      picture.pixels.shrink_to_fit();
-      Recognize(picture);
-      std::fill(picture.pixels.begin(), picture.pixels.end(), std::uint8_t{0});
-      Recognize(picture);
-    }
-  }
-}
-
 }  // namespace
 }  // namespace catalogcore::brenn

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
@@ -20,7 +18,6 @@
 #include "scene/scene_index.h"
 #include "scene/tone_curve.h"
 #include "tests/scene/fake_engines.h"
-#include "tests/support/failing_allocator.h"
 
 namespace {
 
@@ -159,6 +156,9 @@ TEST_F(DetectSceneTest, RecognizersWordAndFailureDecide) {
   Expect(picture.record, IDXERR_DETECTOR, -1, "");
   detector_.Uninitialize();
   Expect(picture.record, IDXERR_DETECTOR, -1, "");
+  dsScene = nullptr;
+  Expect(picture.record, IDXERR_FAILED, -1, "");
+  EXPECT_EQ(IDXDetectScene(nullptr), IDXERR_PARAM);
 }
 
 TEST_F(DetectSceneTest, FaceDetectorGetsTheFullCopyAndIsReleasedOnEveryPath) {
@@ -178,36 +178,6 @@ TEST_F(DetectSceneTest, FaceDetectorGetsTheFullCopyAndIsReleasedOnEveryPath) {
   fakeEngines.throws = true;
   Expect(picture.record, IDXERR_MEMORY, -1, "IBDFF");
   std::thread([this] { const RegionGuard free(detector_.Region()); }).join();  // or this would wait for ever
-}
-
-TEST_F(DetectSceneTest, OneDetectionAtATime) {
-  const Picture picture(200, 150);
-  std::atomic<bool> hasEntered = false;
-  std::thread other;
-  fakeEngines.recognizing = [&] {
-    other = std::thread([&] {
-      const RegionGuard region(detector_.Region());
-      hasEntered = true;
-    });
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
-    EXPECT_FALSE(hasEntered);
-  };
-  Expect(picture.record, IDX_OK, 1090000, "RIBDUFF");
-  other.join();
-}
-
-TEST_F(DetectSceneTest, WithoutMemoryOrDetectorOrRecord) {
-  const Picture picture(200, 150, 24, 300);
-  for (const int failing : {0, 1}) {  // the copy of the pixels, and the reduced one
-    const FailingAllocation noMemory(failing);
-    IDXDSDATA record = picture.record;
-    EXPECT_EQ(IDXDetectScene(&record), IDXERR_MEMORY);
-    EXPECT_EQ(record.presetIndex, -1);
-  }
-  EXPECT_EQ(IDXDetectScene(nullptr), IDXERR_PARAM);
-  dsScene = nullptr;
-  Expect(picture.record, IDXERR_FAILED, -1, "");
-  EXPECT_EQ(IDXDetectScene(nullptr), IDXERR_PARAM);
 }
 
 TEST_F(DetectSceneTest, PaperIsToldBySizeOrProportions) {
@@ -253,13 +223,6 @@ TEST(ParameterResource, TakesWhatHasTheTagAtTheSizeItStates) {
   EXPECT_EQ(read(header + "da", 20), header + std::string("da\0\0", 4));
   EXPECT_EQ(read("SGIPPDEX" + header.substr(8), 0), "none");
   EXPECT_EQ(read("SGIPP", 0), "none");
-  {
-    std::ofstream(path, std::ios::binary) << header;
-    const FailingAllocation noMemory(0);
-    std::uint32_t size = 0;
-    EXPECT_EQ(ReadParamFile(path.c_str(), &size), nullptr);
-    EXPECT_EQ(size, 20u);  // as the header has it
-  }
   std::filesystem::remove(path);
   std::uint32_t size = 99;
   EXPECT_EQ(ReadParamFile(path.c_str(), &size), nullptr);
