@@ -150,10 +150,7 @@ TEST(Orlo, ReportsMemoryThatCannotBeHad) {
     EXPECT_EQ(Orlo_DetectFacePosition(&context, &list), 0);
     EXPECT_EQ(list.count, 1U);
   }
-  const std::vector<std::uint8_t> even(60 * 60, 128);
-  EXPECT_EQ(Orlo_SetBitmap(&context, 8, 60, 60, -60, even.data()), 0);
-  EXPECT_EQ(Orlo_DetectFacePosition(&context, &list), 0);
-  EXPECT_EQ(list.faces, nullptr);
+  OrloFree(list.faces);
   OrloFree(context.memory);
 }
 

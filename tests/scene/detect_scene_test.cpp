@@ -8,6 +8,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -93,16 +94,17 @@ TEST_F(DetectSceneTest, RecognizerGetsTheReducedCopyAndItsRecord) {
   fakeEngines.recognizeWord = 0x2abc;
   Expect(picture.record, IDX_OK, 2090000, "R");
   EXPECT_EQ(fakeEngines.caller, "CatalogCr       ");
-  const auto field = [](std::size_t offset, auto type) {
-    std::memcpy(&type, &fakeEngines.record[offset], sizeof type);
-    return static_cast<int>(type);
+  using Fields = std::vector<std::int64_t>;  // six words and nine numbers
+  const auto fields = [] {
+    std::uint16_t words[6];
+    std::uint32_t numbers[9];
+    std::memcpy(words, fakeEngines.record.data(), sizeof words);
+    std::memcpy(numbers, &fakeEngines.record[sizeof words], sizeof numbers);
+    Fields all(std::begin(words), std::end(words));
+    all.insert(all.end(), std::begin(numbers), std::end(numbers));
+    return all;
   };
-  const std::uint16_t two = 0;
-  const std::uint32_t four = 0;
-  const int words[] = {0x1080, 3, 8, 2, 1, 0};
-  for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(field(2 * i, two), words[i]) << i;
-  const int fields[] = {207, 624, 156, 75, 75, 14, 14, 179, 128};
-  for (std::size_t i = 0; i < 9; ++i) EXPECT_EQ(field(12 + 4 * i, four), fields[i]) << i;
+  EXPECT_EQ(fields(), Fields({0x1080, 3, 8, 2, 1, 0, 207, 624, 156, 75, 75, 14, 14, 179, 128}));
   EXPECT_EQ(fakeEngines.recognized[620], ka1DLUT[100]);
   EXPECT_EQ(fakeEngines.recognized[621], 0);  // padding
   std::uint32_t size = 0;
@@ -125,17 +127,11 @@ TEST_F(DetectSceneTest, RecognizerGetsTheReducedCopyAndItsRecord) {
   for (const auto& c : cases) {
     SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << " x " << c.bits << " at " << c.resolution);
     fakeEngines.recognizeWord = 0x1000;
-    IDXDSDATA record = Picture(c.width, c.height, c.bits, c.resolution).record;
-    Picture pixels(c.width, c.height, c.bits);
-    record.pixels = pixels.bytes.data();
-    EXPECT_EQ(IDXDetectScene(&record), IDX_OK);
-    EXPECT_EQ(field(2, two), c.samples);
-    EXPECT_EQ(field(4, two), c.bitsPerSample);
-    EXPECT_EQ(field(24, four), c.recordResolution);
-    EXPECT_EQ(field(32, four), c.marginX);
-    EXPECT_EQ(field(36, four), c.marginY);
-    EXPECT_EQ(field(40, four), c.width - 2 * c.marginX);
-    EXPECT_EQ(field(44, four), c.height - 2 * c.marginY);
+    Picture unreduced(c.width, c.height, c.bits, c.resolution);
+    EXPECT_EQ(IDXDetectScene(&unreduced.record), IDX_OK);
+    EXPECT_EQ(fields(), Fields({0x1080, c.samples, c.bitsPerSample, 2, 1, 0, c.width, unreduced.record.rowBytes,
+                                c.height, c.recordResolution, c.recordResolution, c.marginX, c.marginY,
+                                c.width - 2 * c.marginX, c.height - 2 * c.marginY}));
   }
 }
 
