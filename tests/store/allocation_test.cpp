@@ -37,12 +37,13 @@ int FailEach(Operation operation, Check check) {
 }
 
 TEST(FailedAllocation, AddingOrMovingACellIsRolledBack) {
-  const Key index("4/5/6"), folder("/x/y"), below("/p/q/r"), name("name"), two("2"), newParent("1/2");
+  const Key index("3/4/5/6"), folder("/x/y"), below("/p/q/r"), name("name"), two("2"), newParent("1/2");
   const auto same = [](const CatalogueState& before, const CatalogueState& now, int) { EXPECT_EQ(now, before); };
+  // Up to the index 3, which is protected.
   EXPECT_GE(FailEach([&](CIndexData& s) { return s.AddCell(kIndexTree, index, name, 0); }, same), 12);
   EXPECT_GE(FailEach([&](CIndexData& s) { return s.AddCell(kFolderTree, folder, name, 0); }, same), 8);
   EXPECT_GE(FailEach([&](CIndexData& s) { return s.MoveCell(kIndexTree, two, newParent, 0); }, same), 1);
-  // A childless ancestor and its images go, too, once the working copy of the key is made.
+  // A childless ancestor that nothing protects and its images go, too, once the working copy of the key is made.
   const auto all = [](const CatalogueState& before, const CatalogueState& now, int failing) {
     EXPECT_EQ(now.cells[kFolderTree].size(), failing == 0 ? before.cells[kFolderTree].size() : 1u);
     EXPECT_EQ(now.attributes.size(), failing == 0 ? 1u : 0u);
