@@ -25,17 +25,10 @@ namespace {
 // A picture in grey of 100, or of the given depth.
 struct Picture {
   Picture(std::int32_t width, std::int32_t height, std::int32_t bits = 24, std::int32_t resolution = 0)
-      : bytes(static_cast<std::size_t>(width * (bits / 8) + 4) * static_cast<std::size_t>(height), 100) {
-    record.pixels = bytes.data();
-    record.width = width;
-    record.height = height;
-    record.rowBytes = width * (bits / 8) + 4;
-    record.bitsPerPixel = bits;
-    record.resolution = resolution;
-    record.presetIndex = 7;
-  }
+      : bytes(static_cast<std::size_t>(width * (bits / 8) + 4) * static_cast<std::size_t>(height), 100),
+        record{bytes.data(), width, height, width * (bits / 8) + 4, bits, resolution, 0, 0, 0, 0, 7} {}
   std::vector<std::uint8_t> bytes;
-  IDXDSDATA record{};
+  IDXDSDATA record;
 };
 
 class DetectSceneTest : public testing::Test {
@@ -178,11 +171,7 @@ TEST_F(DetectSceneTest, FaceDetectorGetsTheFullCopyAndIsReleasedOnEveryPath) {
 
 TEST_F(DetectSceneTest, PaperIsToldBySizeOrProportions) {
   const auto paper = [this](int width, int height, int resolution) {
-    IDXDSDATA record{};
-    record.width = width;
-    record.height = height;
-    record.resolution = resolution;
-    record.typeHint = 1;
+    const IDXDSDATA record = {nullptr, width, height, 0, 0, resolution, 0, 1, 0, 0, 0};
     std::int32_t sceneClass = 0, value = 0;
     EXPECT_EQ(detector_.DetectScene(&record, sceneClass, value), IDX_OK);
     EXPECT_EQ(sceneClass, 1);
