@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -23,11 +24,8 @@ namespace fs = std::filesystem;
 
 // Calls the detector, which calls the recognizer.
 void DetectScene() {
-  IDXDSDATA data{};
-  std::uint8_t pixels[60 * 60] = {};
-  data.pixels = pixels;
-  data.width = data.height = data.rowBytes = 60;
-  data.bitsPerPixel = 8;
+  static constexpr std::uint8_t kPixels[60 * 60] = {};
+  IDXDSDATA data = {kPixels, 60, 60, 60, 8, 0, 0, 0, 0, 0, 0};
   EXPECT_EQ(IDXDetectScene(&data), IDX_OK);
   EXPECT_EQ(data.presetIndex, IDXPRESET_PHOTO_OTHER);
 }
@@ -130,6 +128,12 @@ TEST(Threads, MixedCallsLeaveASoundCatalogue) {
   ASSERT_EQ(IDXInitialize(), IDX_OK);
   ASSERT_EQ(OnName(IDXSetFilePath, folder), IDX_OK);
   std::unique_ptr<Worker> workers[8];
+  std::atomic<int> detections = 0;  // one at a time
+  fakeEngines.recognizing = [&detections] {
+    EXPECT_EQ(++detections, 1);
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
+    --detections;
+  };
   unsigned number = 0;
   for (auto& worker : workers) worker = std::make_unique<Worker>(++number);
   const char* const seconds = std::getenv("CATALOGCORE_THREADS_SECONDS");
@@ -141,6 +145,7 @@ TEST(Threads, MixedCallsLeaveASoundCatalogue) {
     });
   }
   for (std::thread& thread : threads) thread.join();
+  fakeEngines.recognizing = nullptr;
   EXPECT_EQ(BrokenInvariant(*idData), "");
   long steps = 0, found = 0;
   for (const auto& worker : workers) {
