@@ -154,11 +154,14 @@ TEST(Threads, MixedCallsLeaveASoundCatalogue) {
   }
   std::cout << steps << " calls, " << found << " entries found by walks\n";
 
-  // No two of them take one number for the indexes that they add at once: the second would be refused.
+  // No two of them take one number for the indexes that they add at once, again and again: the second would be refused.
   for (std::size_t i = 0; i < 8; ++i) {
     threads[i] = std::thread([i] {
-      for (const char* name : {"a", "b"}) {
-        EXPECT_EQ(IDXAddIndex(&Item().Index(IDXPRESET_DOCUMENT).Name(name + std::to_string(i))), IDX_OK);
+      for (int round = 0; round < 10000; ++round) {
+        Item added;
+        added.Index(IDXPRESET_DOCUMENT).Name(std::to_string(i)).Operation(IDXOP_GETINFO);
+        EXPECT_EQ(IDXAddIndex(&added), IDX_OK);
+        EXPECT_EQ(IDXRemoveIndex(&added), IDX_OK);
       }
     });
   }
