@@ -20,27 +20,21 @@ void WriteFileWith(std::string_view payload) {
   WriteFile(ScratchFolder() + "file", TextOf(xml.get()));
 }
 
-IDXSTATUS Call(IDXSTATUS (*call)(IDXSTR), const std::string& name = "file") {
-  const CFReference<CFStringRef> text(Item::Make(name));
-  CFStringRef variable = text.get();
-  return call(&variable);
-}
-
 // Into an empty catalogue.
 IDXSTATUS Load() {
   EXPECT_EQ(IDXInitialize(), IDX_OK);
-  EXPECT_EQ(Call(IDXSetFilePath, ScratchFolder()), IDX_OK);
+  EXPECT_EQ(OnName(IDXSetFilePath, ScratchFolder()), IDX_OK);
   struct stat file {};
   EXPECT_EQ(stat((ScratchFolder() + "file").c_str(), &file), 0);
   const ProportionalMemory memory(static_cast<std::size_t>(file.st_size));
-  const IDXSTATUS status = Call(IDXLoadIndexFile);
-  EXPECT_EQ(Call(IDXLoadImageFile), status == IDXERR_EMPTY ? IDXSTATUS{IDXERR_VERSION} : status);
+  const IDXSTATUS status = OnName(IDXLoadIndexFile, "file");
+  EXPECT_EQ(OnName(IDXLoadImageFile, "file"), status == IDXERR_EMPTY ? IDXSTATUS{IDXERR_VERSION} : status);
   return status;
 }
 
 CatalogueState WrittenAndLoaded() {
-  EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
-  EXPECT_EQ(Call(IDXWriteImageFile), IDX_OK);
+  EXPECT_EQ(OnName(IDXWriteIndexFile, "file"), IDX_OK);
+  EXPECT_EQ(OnName(IDXWriteImageFile, "file"), IDX_OK);
   EXPECT_EQ(Load(), IDX_OK);
   return StateOf(*idData);
 }

@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <map>
 #include <thread>
 
 #include "api/catalogue.h"
@@ -88,11 +87,9 @@ TEST(Lifecycle, NothingWorksBeforeAndEverythingIsGoneAfter) {
 
   ASSERT_EQ(IDXInitialize(), IDX_OK);
   EXPECT_EQ(IDXAddImage(&item), IDX_OK);
-  CFStringRef folder = Item::Make("/tmp/");
-  EXPECT_EQ(IDXSetFilePath(&folder), IDX_OK);
+  EXPECT_EQ(OnName(IDXSetFilePath, "/tmp/"), IDX_OK);
   EXPECT_STREQ(g_strFilePath.Text(), "/tmp//");
   EXPECT_EQ(IDXSetFilePath(nullptr), IDXERR_PARAM);
-  CFRelease(folder);
   ASSERT_EQ(IDXInitialize(), IDX_OK);
   EXPECT_STREQ(g_strFilePath.Text(), "");
   EXPECT_EQ(IDXSearchImage(&item), IDXERR_NOIMAGE);
@@ -106,43 +103,14 @@ TEST_F(CallsTest, ResultsAreWrittenWhereTheyAreWanted) {
   item.index = 5;
   EXPECT_EQ(IDXSearchImage(&item), IDX_OK);
   EXPECT_EQ(item.index, 5);
-  EXPECT_EQ(IDXSearchImage(&item.Index(0)), IDX_OK);
-  EXPECT_EQ(item.index, 1010000);
-
-  IDXSTATUS status = 99;
   // Without IDXOP_GETINFO a find tells nothing but that there is one.
+  IDXSTATUS status = 99;
   Item untouched;
   untouched.Name("n").Path("p").Index(5).Attribute(9);
   IDXCloseFind(IDXFindFirstIndex(&untouched, &status));
   EXPECT_EQ(status, IDX_OK);
   EXPECT_EQ(untouched.NameText() + untouched.PathText(), "np");
   EXPECT_EQ(untouched.index + untouched.attribute, 14);
-}
-
-TEST_F(CallsTest, WalksMoveAndRemoveWhatTheyFind) {
-  for (const bool byFolder : {false, true}) {
-    ASSERT_EQ(IDXInitialize(), IDX_OK);
-    for (int i = 0; i < 100; ++i) {
-      const std::string name = "/" + std::to_string(i % 7) + "/" + std::to_string(i);
-      ASSERT_EQ(AddImage(name.c_str(), i % 3 ? 1090000 : 1010000), IDX_OK);
-    }
-    Item item;
-    if (byFolder) item.Path("/");
-    std::map<std::int32_t, int> found;
-    IDXSTATUS status = IDX_OK;
-    const IDXFIND find =
-        IDXFindFirstImage(&item.Name("").Index(-1).Operation(IDXOP_GETINFO | IDXOP_CONDITION), &status);
-    for (; status == IDX_OK; status = IDXFindNextImage(find, &item.Clear())) {
-      ++found[item.index];
-      Item change;
-      change.Name(item.NameText());
-      const bool isMoved = item.index == 1010000;
-      EXPECT_EQ(isMoved ? IDXChangeImage(&change.Index(2010000)) : IDXRemoveImage(&change), IDX_OK);
-    }
-    IDXCloseFind(find);
-    // Those that were moved lie ahead then, and are found again there, to be removed.
-    EXPECT_EQ(found, (std::map<std::int32_t, int>{{1010000, 34}, {1090000, 66}, {2010000, 34}}));
-  }
 }
 
 TEST_F(CallsTest, AddedIndexesTakeTheLowestFreeNumber) {
@@ -158,12 +126,6 @@ TEST_F(CallsTest, AddedIndexesTakeTheLowestFreeNumber) {
   // Not below a fourth level that only a file can have, where the number would wrap into the range.
   ASSERT_EQ(idData->AddCell(kIndexTree, Key("43/10/10/10"), Key("x"), 0), StoreOk);
   EXPECT_EQ(add(43101010, "5", IDXERR_PARAM), 43101010);
-  // A failed renaming is forgotten when the attribute is changed after it.
-  EXPECT_EQ(IDXChangeIndex(&Item().Index(1000000).Name("x")), IDXERR_PROTECTED);
-  EXPECT_EQ(IDXChangeIndex(&Item().Index(1000000).Name("x").Attribute(7)), IDX_OK);
-  Item seen;
-  EXPECT_EQ(IDXSearchIndex(&seen.Index(1000000).Name("?").Attribute(0)), IDX_OK);
-  EXPECT_EQ(seen.NameText(), "idx1000000");
 }
 
 TEST_F(CallsTest, PresetNamesCarryOverToTheNextEntry) {

@@ -62,4 +62,11 @@ class Item : public IDXITEM {
   CFStringRef pathVariable_ = nullptr;
 };
 
+// Calls with this string.
+inline IDXSTATUS OnName(IDXSTATUS (*call)(IDXSTR), const std::string& name) {
+  const CFReference<CFStringRef> text(Item::Make(name));
+  CFStringRef variable = text.get();
+  return call(&variable);
+}
+
 #endif  // CATALOGCORE_TESTS_API_ITEM_H_

@@ -7,7 +7,6 @@
 #include <string>
 
 #include "base/desktop_folder.h"
-#include "base/file_existence.h"
 
 namespace {
 
@@ -21,15 +20,6 @@ class FileSystem : public testing::Test {
   ~FileSystem() override { fs::remove_all(folder_); }
   const fs::path folder_;
 };
-
-TEST_F(FileSystem, FindsFilesFoldersAndWhatLinksLeadTo) {
-  std::ofstream(folder_ / "\xC3\xA4.jpg") << "x";
-  fs::create_symlink("nowhere", folder_ / "dangling");
-  EXPECT_EQ(IsFileExistAPI((folder_ / "\xC3\xA4.jpg").c_str()), 1);
-  EXPECT_EQ(IsFileExistAPI((folder_ / "dangling").c_str()), 0);
-  EXPECT_EQ(IsFileExistAPI(("/" + std::string(5000, 'x')).c_str()), 0);
-  EXPECT_EQ(IsFileExistAPI(nullptr), 0);
-}
 
 TEST_F(FileSystem, DesktopFolderIsTheAccountsOwn) {
   EXPECT_EQ(DesktopFolderOf(folder_), folder_ / "Desktop");

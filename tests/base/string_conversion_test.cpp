@@ -3,24 +3,11 @@
 #include <gtest/gtest.h>
 
 #include "base/cf_reference.h"
-#include "tests/support/failing_allocator.h"
 
 namespace {
 
 CFReference<CFStringRef> Make(const char* text) {
   return CFReference<CFStringRef>(CFStringCreateWithCString(nullptr, text, kCFStringEncodingUTF8));
-}
-
-TEST(StringConversion, WithoutMemoryTheTargetStaysAsItIs) {
-  CIDXString target;
-  const auto text = Make("sk\xC3\xA5l \xF0\x9F\x93\xB7");
-  CFStringRef variable = text.get();
-  EXPECT_EQ(CopyIDXSTRtoCIDXString(target, &variable), IDX_OK);
-  for (const auto& [failing, status] : {std::pair{0, IDXERR_FAILED}, {1, IDXERR_MEMORY}}) {
-    const FailingAllocation noMemory(failing);
-    EXPECT_EQ(CopyIDXSTRtoCIDXString(target, &variable), static_cast<IDXSTATUS>(status));
-  }
-  EXPECT_STREQ(target.Text(), "sk\xC3\xA5l \xF0\x9F\x93\xB7");
 }
 
 TEST(StringConversion, HandsOutANewStringOrLeavesTheVariable) {

@@ -58,6 +58,21 @@ TEST(CFString, ConvertsRangesOfUTF16UnitsByWholeCharacters) {
   CFRelease(string);
 }
 
+TEST(CFURL, TellsWhyAFileIsNotRead) {
+  for (const auto& [path, expected] : {std::pair{"/dev/null/below", kCFURLResourceNotFoundError},
+                                       {"/tmp", kCFURLResourceAccessViolationError},
+                                       {"/dev/zero", kCFURLResourceAccessViolationError}}) {
+    const auto size = static_cast<CFIndex>(std::string(path).size());
+    const CFURLRef url =
+        CFURLCreateFromFileSystemRepresentation(nullptr, reinterpret_cast<const UInt8*>(path), size, false);
+    CFDataRef data = nullptr;
+    SInt32 error = 1;
+    EXPECT_FALSE(CFURLCreateDataAndPropertiesFromResource(nullptr, url, &data, nullptr, nullptr, &error));
+    EXPECT_EQ(error, expected) << path;
+    CFRelease(url);
+  }
+}
+
 TEST(CFBundle, IsAFolderBesideTheLibraryAndNeverFreed) {
   for (const char* identifier : {"org.catalogcore.missing", "", ".", "..", "../share/org.catalogcore.library"}) {
     const CFStringRef name = Make(identifier);

@@ -84,7 +84,9 @@ class GuardedPixels : public testing::Test {
       for (const int target : {75, 50, 37}) {  // reduced by other factors, and from these pixels themselves
         CIDXImage image;
         image.SetImageData(&record);
+        EXPECT_EQ(image.SetImageBuffer(pixels) == IDX_OK, bytes > 0);
         EXPECT_EQ(image.SetImageBufferWithResolution(pixels, target, 1) == IDX_OK, bytes > 0);
+        EXPECT_EQ(image.SetImageBuffer(nullptr), IDXERR_PARAM);
       }
     }
   }

@@ -57,18 +57,17 @@ KeyPool MakePool(bool crowded) {
   return pool;
 }
 
-// What a walk found, in the store and in the model; reading all of it shows that it is there.
+// What a walk found; reading all of it shows that it is there.
 std::string Told(const CIDXNode* node) {
   if (!node) return "the end";
-  return node->info->key.Text() + std::string(" in ") + node->cell[kIndexTree]->info->key.Text();
-}
-std::string Told(const CatalogueModel::Image* image) {
-  return image ? image->key + " in " + image->cell[kIndexTree]->key : "the end";
+  return node->info->key.Text() + std::string("=") + node->cell[kIndexTree]->info->key.Text() + "=" +
+         std::to_string(node->info->attribute);
 }
 std::string Told(const CIDXCell* cell) {
-  return cell ? cell->info->key.Text() + std::string(" named ") + cell->info->name.Text() : "the end";
+  if (!cell) return "the end";
+  return cell->info->name.Text() + std::string("=") + cell->info->key.Text() + "=" +
+         std::to_string(cell->info->attribute);
 }
-std::string Told(const CatalogueModel::Cell* cell) { return cell ? cell->key + " named " + cell->name : "the end"; }
 
 class SideBySide {
  public:

@@ -46,6 +46,10 @@ class CatalogueModel {
     const Image* image = nullptr;
   };
 
+  // The image and the cell with this key, or null; an empty key names the root.
+  Image* FindImage(const std::string& key);
+  Cell* FindCell(int tree, const std::string& key) const;
+
   // What the walk comes to, null at its end; `hasFolder` false stands for a folder key that was never assigned.
   const Cell* FirstCell(Walk& walk, int tree, std::string key, bool recursive) const;
   const Cell* NextCell(Walk& walk) const;
@@ -59,9 +63,7 @@ class CatalogueModel {
   CatalogueState State() const;
 
  private:
-  Image* FindImage(const std::string& key);
   Cell* FindByText(int tree, const std::string& key) const;
-  Cell* FindCell(int tree, const std::string& key) const;
   Cell* NewCell(int tree, Cell* parent, const std::string& key, const std::string& name, int attribute);
   std::vector<Cell*> PreOrder(const Cell* start) const;
   std::vector<const Image*> ImagesOf(int tree, const Cell* cell) const;
@@ -72,6 +74,14 @@ class CatalogueModel {
   std::list<Image> images_, removedImages_;
   std::vector<std::unique_ptr<Cell>> cells_[kTreeCount], removedCells_;
 };
+
+// All that a walk tells of what it came to.
+inline std::string Told(const CatalogueModel::Image* image) {
+  return image ? image->key + "=" + image->cell[kIndexTree]->key + "=" + std::to_string(image->attribute) : "the end";
+}
+inline std::string Told(const CatalogueModel::Cell* cell) {
+  return cell ? cell->name + "=" + cell->key + "=" + std::to_string(cell->attribute) : "the end";
+}
 
 // The hash of the system and the equality of keys, computed in another way than the library does.
 unsigned ModelHash(const std::string& text);

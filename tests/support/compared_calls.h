@@ -68,54 +68,42 @@ class ComparedCalls {
     IDXSTATUS nameStatus = name.empty() ? IDXERR_MEMORY : IDX_OK;
     if (oddName == 1) nameStatus = IDXERR_FAILED;
     if (!hasName || oddName == 0) nameStatus = IDXERR_PARAM;
-    const IDXSTATUS indexStatus = !hasIndex || PathOf(number).empty() ? IDXERR_PARAM : IDX_OK;
+    const std::string index = PathOf(number);
+    const IDXSTATUS indexStatus = !hasIndex || index.empty() ? IDXERR_PARAM : IDX_OK;
     const std::string folder = name.substr(0, name.rfind('/') == std::string::npos ? 0 : name.rfind('/'));
-    const auto add = [&]() -> IDXSTATUS {
+    const auto addImage = [&]() -> IDXSTATUS {
       if (name.find('/') == std::string::npos) return IDXERR_PARAM;
       if (indexStatus != IDX_OK) return indexStatus;
-      return StoreStatus(model_.AddNode(name, PathOf(number), folder, hasAttribute ? attribute : 0));
+      return StoreStatus(model_.AddNode(name, index, folder, hasAttribute ? attribute : 0));
     };
-    const auto first = [](IDXSTATUS a, IDXSTATUS b) { return a != IDX_OK ? a : b; };
+    const auto changeImage = [&]() -> IDXSTATUS {
+      if (number == -1) return StoreStatus(model_.RemoveNode(name, force));
+      if (hasIndex) {
+        if (indexStatus != IDX_OK) return indexStatus;
+        const unsigned moved = model_.MoveNode(kIndexTree, name, index, force);
+        if (moved == StoreImageNotFound) return addImage();
+        if (moved != StoreOk) return StoreStatus(moved);
+      }
+      return hasAttribute ? StoreStatus(model_.ChangeAttributeNode(name, attribute)) : IDXSTATUS{IDX_OK};
+    };
+    const auto removeImage = [&] { return StoreStatus(model_.RemoveNode(name, force)); };
+    const auto addIndex = [&] {
+      return nameStatus != IDX_OK ? nameStatus : AddIndex(index, name, hasAttribute ? attribute : 0);
+    };
+    const auto changeIndex = [&]() -> IDXSTATUS {
+      if (hasName && nameStatus != IDX_OK) return nameStatus;
+      unsigned result = hasName ? model_.RenameCell(kIndexTree, index, name, force) : unsigned{StoreOk};
+      if (hasAttribute) result = model_.ChangeAttributeCell(kIndexTree, index, attribute);
+      return StoreStatus(result);
+    };
+    const auto removeIndex = [&] { return StoreStatus(model_.RemoveCell(kIndexTree, index, force)); };
     const int kind = choose_(9);
-    if (kind < 2) Same("IDXAddImage", IDXAddImage(&item), nameStatus != IDX_OK ? nameStatus : add());
-    if (kind == 2) {
-      Same(
-          "IDXChangeImage", IDXChangeImage(&item), nameStatus != IDX_OK ? nameStatus : [&]() -> IDXSTATUS {
-            if (number == -1) return StoreStatus(model_.RemoveNode(name, force));
-            if (hasIndex) {
-              if (indexStatus != IDX_OK) return indexStatus;
-              const unsigned moved = model_.MoveNode(kIndexTree, name, PathOf(number), force);
-              if (moved == StoreImageNotFound) return add();
-              if (moved != StoreOk) return StoreStatus(moved);
-            }
-            return hasAttribute ? StoreStatus(model_.ChangeAttributeNode(name, attribute)) : IDXSTATUS{IDX_OK};
-          }());
-    }
-    if (kind == 3) {
-      Same("IDXRemoveImage", IDXRemoveImage(&item),
-           nameStatus != IDX_OK ? nameStatus : StoreStatus(model_.RemoveNode(name, force)));
-    }
-    if (kind == 4) {
-      Same("IDXAddIndex", IDXAddIndex(&item),
-           first(indexStatus, nameStatus) != IDX_OK ? first(indexStatus, nameStatus)
-                                                    : AddIndex(PathOf(number), name, hasAttribute ? attribute : 0));
-    }
-    if (kind == 5) {
-      Same(
-          "IDXChangeIndex", IDXChangeIndex(&item), indexStatus != IDX_OK ? indexStatus : [&]() -> IDXSTATUS {
-            unsigned result = StoreOk;
-            if (hasName) {
-              if (nameStatus != IDX_OK) return nameStatus;
-              result = model_.RenameCell(kIndexTree, PathOf(number), name, force);
-            }
-            if (hasAttribute) result = model_.ChangeAttributeCell(kIndexTree, PathOf(number), attribute);
-            return StoreStatus(result);
-          }());
-    }
-    if (kind == 6) {
-      Same("IDXRemoveIndex", IDXRemoveIndex(&item),
-           indexStatus != IDX_OK ? indexStatus : StoreStatus(model_.RemoveCell(kIndexTree, PathOf(number), force)));
-    }
+    if (kind < 2) Same("IDXAddImage", IDXAddImage(&item), nameStatus, addImage);
+    if (kind == 2) Same("IDXChangeImage", IDXChangeImage(&item), nameStatus, changeImage);
+    if (kind == 3) Same("IDXRemoveImage", IDXRemoveImage(&item), nameStatus, removeImage);
+    if (kind == 4) Same("IDXAddIndex", IDXAddIndex(&item), indexStatus, addIndex);
+    if (kind == 5) Same("IDXChangeIndex", IDXChangeIndex(&item), indexStatus, changeIndex);
+    if (kind == 6) Same("IDXRemoveIndex", IDXRemoveIndex(&item), indexStatus, removeIndex);
     if (kind == 7) Search(name, number);
     if (kind == 8) Begin(choose_(2) ? number : 0, choose_(3) ? folder : "");
     for (OpenWalk& walk : walks_) {
@@ -140,17 +128,15 @@ class ComparedCalls {
           loaded.AddNode(image, cell.key, imageFolder, before.attributes.at(image));
       }
     }
-    CFStringRef names[] = {Item::Make(folder), Item::Make("index.plist"), Item::Make("images.plist")};
-    EXPECT_EQ(IDXSetFilePath(&names[0]), IDX_OK);
-    EXPECT_EQ(IDXWriteIndexFile(&names[1]), IDX_OK);
-    EXPECT_EQ(IDXWriteImageFile(&names[2]), IDX_OK);
+    EXPECT_EQ(OnName(IDXSetFilePath, folder), IDX_OK);
+    EXPECT_EQ(OnName(IDXWriteIndexFile, "index.plist"), IDX_OK);
+    EXPECT_EQ(OnName(IDXWriteImageFile, "images.plist"), IDX_OK);
     EXPECT_EQ(IDXInitialize(), IDX_OK);
     EndWalks(walks_.size() / 2);
-    EXPECT_EQ(IDXSetFilePath(&names[0]), IDX_OK);
-    EXPECT_EQ(IDXLoadIndexFile(&names[1]), IDX_OK);
-    EXPECT_EQ(IDXLoadImageFile(&names[2]), IDX_OK);
+    EXPECT_EQ(OnName(IDXSetFilePath, folder), IDX_OK);
+    EXPECT_EQ(OnName(IDXLoadIndexFile, "index.plist"), IDX_OK);
+    EXPECT_EQ(OnName(IDXLoadImageFile, "images.plist"), IDX_OK);
     EXPECT_EQ(StateOf(*idData), loaded.State());
-    for (CFStringRef name : names) CFRelease(name);
   }
 
  private:
@@ -160,30 +146,24 @@ class ComparedCalls {
   }
   std::string Any(const Keys& keys) { return keys[static_cast<std::size_t>(choose_(static_cast<int>(keys.size())))]; }
 
-  void Same(const char* call, IDXSTATUS ours, IDXSTATUS expected) {
+  // `bad`: what is wrong with the record; without it the model says what is expected.
+  template <typename InModel>
+  void Same(const char* call, IDXSTATUS ours, IDXSTATUS bad, InModel inModel) {
     log_ = call + log_;
-    EXPECT_EQ(ours, expected) << log_;
-  }
-
-  bool IsIndex(const std::string& path) const {
-    CatalogueModel::Walk walk;
-    return !path.empty() && model_.FirstCell(walk, kIndexTree, path, false);
+    EXPECT_EQ(ours, bad != IDX_OK ? bad : inModel()) << log_;
   }
 
   IDXSTATUS AddIndex(const std::string& parent, const std::string& name, int attribute) {
-    if (!IsIndex(parent)) return IDXERR_NOINDEX;
-    const std::string prefix = parent == "." ? "" : parent + "/";
-    Keys children;
-    for (const CellState& cell : model_.State().cells[kIndexTree]) {
-      const bool isChild =
-          cell.key != "." && cell.key.rfind(prefix, 0) == 0 && cell.key.find('/', prefix.size()) == std::string::npos;
-      if (!isChild) continue;
-      if (cell.name == name) return IDXERR_INDEXEXISTS;
-      children.push_back(cell.key);
+    const CatalogueModel::Cell* const cell = model_.FindCell(kIndexTree, parent);
+    if (!cell) return IDXERR_NOINDEX;
+    Keys taken;
+    for (const CatalogueModel::Cell* child : cell->children) {
+      if (child->name == name) return IDXERR_INDEXEXISTS;
+      taken.push_back(child->key);
     }
     for (int group = 10; group < 30; ++group) {
-      const std::string key = prefix + std::to_string(group);
-      if (std::count(children.begin(), children.end(), key)) continue;
+      const std::string key = (parent == "." ? "" : parent + "/") + std::to_string(group);
+      if (std::count(taken.begin(), taken.end(), key)) continue;
       if (std::count(key.begin(), key.end(), '/') > 3) return IDXERR_PARAM;
       return StoreStatus(model_.AddCell(kIndexTree, key, name, attribute));
     }
@@ -192,24 +172,20 @@ class ComparedCalls {
 
   // What the look-ups write into the record.
   void Search(const std::string& name, std::int32_t number) {
-    const CatalogueState state = model_.State();
-    Item image;
-    IDXSTATUS expected = name.empty() ? IDXERR_MEMORY : IDXERR_NOIMAGE;
-    const auto isName = [&name](const std::string& key) {
-      return ModelHash(key) == ModelHash(name) && ModelEqual(key, name);
-    };
-    for (const CellState& cell : state.cells[kIndexTree]) {
-      const auto filed = std::find_if(cell.images.begin(), cell.images.end(), isName);
-      if (filed == cell.images.end()) continue;
-      expected = IDX_OK;
-      EXPECT_EQ(IDXSearchImage(&image.Name(name).Index(0).Attribute(99)), IDX_OK);
-      EXPECT_EQ(PathOf(image.index), cell.key);
-      EXPECT_EQ(image.attribute, state.attributes.at(*filed));
+    Item image, index;
+    const CatalogueModel::Image* const filed = model_.FindImage(name);
+    const IDXSTATUS missing = name.empty() ? IDXERR_MEMORY : IDXERR_NOIMAGE;
+    EXPECT_EQ(IDXSearchImage(&image.Name(name).Index(0).Attribute(99)), filed ? IDXSTATUS{IDX_OK} : missing);
+    if (filed) {
+      EXPECT_EQ(Told(image, IDX_OK), name + ::Told(filed).substr(filed->key.size()));
     }
-    EXPECT_EQ(IDXSearchImage(&image.Name(name)), expected);
-    Item index;
+    const std::string path = PathOf(number);
+    const CatalogueModel::Cell* const cell = path.empty() ? nullptr : model_.FindCell(kIndexTree, path);
     const IDXSTATUS found = IDXSearchIndex(&index.Index(number).Name("?").Attribute(99));
-    EXPECT_EQ(found, IsIndex(PathOf(number)) ? IDX_OK : PathOf(number).empty() ? IDXERR_PARAM : IDXERR_NOINDEX);
+    EXPECT_EQ(found, cell ? IDX_OK : path.empty() ? IDXERR_PARAM : IDXERR_NOINDEX);
+    if (cell) {
+      EXPECT_EQ(Told(index, found), ::Told(cell));
+    }
   }
 
   struct OpenWalk {
@@ -220,12 +196,6 @@ class ComparedCalls {
     IDXSTATUS End() const { return isOverImages ? IDXERR_NOIMAGE : IDXERR_NOINDEX; }
   };
 
-  static std::string Told(const CatalogueModel::Image* image) {
-    return image ? image->key + "=" + image->cell[kIndexTree]->key + "=" + std::to_string(image->attribute) : "the end";
-  }
-  static std::string Told(const CatalogueModel::Cell* cell) {
-    return cell ? cell->name + "=" + cell->key + "=" + std::to_string(cell->attribute) : "the end";
-  }
   static std::string Told(const Item& item, IDXSTATUS status) {
     if (status != IDX_OK) return "the end";
     return item.NameText() + "=" + PathOf(item.index) + "=" + std::to_string(item.attribute);
@@ -270,9 +240,9 @@ class ComparedCalls {
   bool Advance(OpenWalk& walk) {
     Item item;
     const IDXSTATUS status = walk.Next(item.Wanted());
-    EXPECT_EQ(Told(item, status),
-              walk.isOverImages ? Told(model_.NextImage(walk.model)) : Told(model_.NextCell(walk.model)))
-        << log_;
+    const std::string next =
+        walk.isOverImages ? ::Told(model_.NextImage(walk.model)) : ::Told(model_.NextCell(walk.model));
+    EXPECT_EQ(Told(item, status), next) << log_;
     EXPECT_TRUE(status == IDX_OK || status == walk.End()) << log_;
     return status == IDX_OK;
   }
