@@ -47,7 +47,11 @@ class KeyTable {
   // The entry with this key that was inserted first; null if there is none.
   Entry* Find(const HashedKey& key) const {
     Entry* entry = *Slot(SlotOf(key.hash));
-    while (entry && !key.IsKeyOf(*entry->info)) entry = entry->tableNext;
+    while (entry) {
+      PrefetchEntry(entry);  // its key is wanted as soon as its hash is seen to be the one
+      if (key.IsKeyOf(*entry->info)) break;
+      entry = entry->tableNext;
+    }
     return entry;
   }
 
@@ -100,8 +104,10 @@ class KeyTable {
 
   // Null is no harm.
   static void PrefetchEntry(const Entry* entry) {
-    constexpr std::uintptr_t kToHash = 40;  // about where an image has its hash and its link
-    __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(entry) + kToHash));
+    constexpr std::uintptr_t kToLink = 72, kToKey = 136;  // about where an image has its link and hash, and its key
+    const auto address = reinterpret_cast<std::uintptr_t>(entry);
+    __builtin_prefetch(reinterpret_cast<const void*>(address + kToLink));
+    __builtin_prefetch(reinterpret_cast<const void*>(address + kToKey));
   }
 
   static void Append(Entry** slot, Entry* entry) {

@@ -23,8 +23,14 @@ double HeapBytes() {
   return static_cast<double>(info.uordblks + info.hblkhd);
 }
 
-double BlockBytes(const char* text) {
-  return static_cast<double>(malloc_usable_size(const_cast<char*>(text)) + sizeof(std::size_t));
+// What the paths would take in a block for each.
+double PathBytes(const std::vector<std::string>& paths) {
+  double bytes = 0;
+  for (const std::string& path : paths) {
+    std::string copy = path;
+    bytes += static_cast<double>(malloc_usable_size(copy.data()) + sizeof(std::size_t));
+  }
+  return bytes;
 }
 
 }  // namespace
@@ -85,11 +91,7 @@ bool StoreCatalogue::Touch(int image) const {
   return std::strcmp(nodes_[at]->info->key.Text(), images_.keys[at].Text()) == 0;
 }
 
-double StoreCatalogue::Bytes() {
-  double bytes = HeapBytes() - before_;
-  for (const CIDXString& key : images_.keys) bytes -= BlockBytes(store_.SearchNode(key)->info->key.Text());
-  return bytes;
-}
+double StoreCatalogue::Bytes() const { return HeapBytes() - before_ - PathBytes(images_.paths); }
 
 long StoreCatalogue::Walk(CIDXString& indexKey, CIDXString& folderKey) {
   SearchHandle handle{};
@@ -114,11 +116,7 @@ long StoreCatalogue::WalkFolder(std::size_t folder) {
 MapCatalogue::MapCatalogue(Images& images)
     : images_(images), byIndex_(kIndexCount), byFolder_(images.folders.size()), before_(HeapBytes()) {}
 
-double MapCatalogue::Bytes() const {
-  double bytes = HeapBytes() - before_;
-  for (const auto& [path, filed] : map_) bytes -= BlockBytes(path.data());
-  return bytes;
-}
+double MapCatalogue::Bytes() const { return HeapBytes() - before_ - PathBytes(images_.paths); }
 
 void MapCatalogue::Add(int image) {
   const int index = Images::IndexOf(image);

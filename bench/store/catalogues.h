@@ -40,8 +40,9 @@ class StoreCatalogue {
   // What no look-up can do without: reads the key sought, a place that tells where the image is, the image, and its key,
   // and compares the two.
   bool Touch(int image) const;
-  // The bytes of the heap that the catalogue takes for what was added, without the blocks of the paths' texts.
-  double Bytes();
+  // The bytes of the heap that the catalogue takes for the images, all added, less what their paths would take in a block
+  // for each.
+  double Bytes() const;
   // Each walk returns a sum over what it read of the images: key lengths and attributes.
   long WalkIndex(int index);
   long WalkFolder(std::size_t folder);
