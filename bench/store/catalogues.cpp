@@ -35,19 +35,25 @@ double PathBytes(const std::vector<std::string>& paths) {
 
 }  // namespace
 
-Images::Images(int wanted) : count(wanted), shuffled(static_cast<std::size_t>(wanted)) {
+Images::Images(int wanted)
+    : count(wanted),
+      keys(static_cast<std::size_t>(count)),
+      folderKeys(FolderOf(count - 1) + 1),
+      indexKeys(kIndexCount),
+      shuffled(static_cast<std::size_t>(count)) {
   for (int image = 0; image < count; ++image) {
     if (image % kImagesPerFolder == 0) {
       folders.push_back("/home/user/Pictures/" + std::to_string(2000 + FolderOf(image) % 30) + "/holiday-" +
                         std::to_string(FolderOf(image)));
-      folderKeys.emplace_back().CopyString(folders.back().c_str());
+      folderKeys[FolderOf(image)].CopyString(folders.back().c_str());
     }
     const std::string tail(static_cast<std::size_t>(image) * 7 % 20, 'x');
     paths.push_back(folders.back() + "/IMG_" + std::to_string(1000000 + image) + tail + ".jpg");
-    keys.emplace_back().CopyString(paths.back().c_str());
+    keys[static_cast<std::size_t>(image)].CopyString(paths.back().c_str());
   }
   for (int index = 0; index < kIndexCount; ++index) {
-    indexKeys.emplace_back().CopyString((std::to_string(1 + index % 2) + "/" + std::to_string(10 + index)).c_str());
+    const std::string key = std::to_string(1 + index % 2) + "/" + std::to_string(10 + index);
+    indexKeys[static_cast<std::size_t>(index)].CopyString(key.c_str());
   }
   std::iota(shuffled.begin(), shuffled.end(), 0);
   std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(1));

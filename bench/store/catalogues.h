@@ -4,7 +4,6 @@
 
 #include <sqlite3.h>
 
-#include <deque>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -21,7 +20,7 @@ struct Images {
 
   int count;
   std::vector<std::string> paths, folders;  // folders: one for each kImagesPerFolder images
-  std::deque<CIDXString> keys, folderKeys, indexKeys;
+  std::vector<CIDXString> keys, folderKeys, indexKeys;
   std::vector<int> shuffled;  // every number once, in random order
 
   static int IndexOf(int image) { return image % kIndexCount; }
