@@ -26,7 +26,9 @@
 #ifndef CATALOGCORE_STORE_ENTRIES_H_
 #define CATALOGCORE_STORE_ENTRIES_H_
 
+#include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 
 #include "base/idx_string.h"
 
@@ -39,33 +41,51 @@ constexpr std::int32_t OtherTree(std::int32_t tree) { return tree == kFolderTree
 
 struct CIDXCell;
 
+// A key whose block is the end of its entry's own: it stays as it is, and frees nothing.
+class EmbeddedKey : public CIDXString {
+ public:
+  // The bytes that a text of `size` bytes takes.
+  static constexpr std::size_t BlockBytes(std::size_t size) { return size + 2; }
+  // Copies the first `size` bytes of the text, none of them zero, into the block.
+  EmbeddedKey(char* block, const char* text, std::size_t size);
+  ~EmbeddedKey() { buffer = nullptr; }
+  EmbeddedKey(const EmbeddedKey&) = delete;
+  EmbeddedKey& operator=(const EmbeddedKey&) = delete;
+};
+
 struct CIDXNodeInfo {
+  CIDXNodeInfo(char* block, const char* text, std::size_t size) : key(block, text, size) {}
   virtual ~CIDXNodeInfo() = default;
-  CIDXString key;             // the image's full path
+  const EmbeddedKey key;      // the image's full path
   std::uint32_t keyHash = 0;  // HashedKey
   std::uint16_t bucket = 0;   // of the hash table
   std::uint8_t attribute = 0;
   bool removed = false;  // filed no more, and kept for the walks that may stand on it
 };
 
+// One block with its record and its key, so that filing allocates once. What a look-up reads lies together, before the
+// key.
 struct CIDXNode {
-  CIDXNode() = default;
+  // An image that is filed nowhere yet. Its key is a copy of the first `size` bytes of the text, none of them zero. Null
+  // without memory.
+  static CIDXNode* Create(const char* text, std::size_t size);
   CIDXNode(const CIDXNode&) = delete;
   CIDXNode& operator=(const CIDXNode&) = delete;
   virtual ~CIDXNode() = default;
+  static void operator delete(void* block) { std::free(block); }
 
- private:
-  // Within the image, not in a block of its own: one allocation less, and what a lookup reads lies together.
-  CIDXNodeInfo record;
-
- public:
-  CIDXNodeInfo* const info = &record;
-  CIDXNode* tableNext = nullptr;
-  CIDXNode* prev[kTreeCount] = {};
-  CIDXNode* next[kTreeCount] = {};
+  CIDXCell* cell[kTreeCount] = {};
   CIDXNode* hashPrev = nullptr;
   CIDXNode* hashNext = nullptr;
-  CIDXCell* cell[kTreeCount] = {};
+  CIDXNode* prev[kTreeCount] = {};
+  CIDXNode* next[kTreeCount] = {};
+  CIDXNode* tableNext = nullptr;
+  CIDXNodeInfo* const info = &record;
+
+ private:
+  CIDXNode(const char* text, std::size_t size) : record(reinterpret_cast<char*>(this + 1), text, size) {}
+
+  CIDXNodeInfo record;
 };
 
 struct CIDXCellInfo {

@@ -47,7 +47,11 @@ class KeyTable {
   // The entry with this key that was inserted first; null if there is none.
   Entry* Find(const HashedKey& key) const {
     Entry* entry = *Slot(SlotOf(key.hash));
-    while (entry && !key.IsKeyOf(*entry->info)) entry = entry->tableNext;
+    while (entry) {
+      PrefetchEntry(entry);  // its key is wanted as soon as its hash is seen to be the one
+      if (key.IsKeyOf(*entry->info)) break;
+      entry = entry->tableNext;
+    }
     return entry;
   }
 
@@ -65,6 +69,7 @@ class KeyTable {
     segments[0] = firstSlots;
     std::fill_n(firstSlots, kFirstSlots, nullptr);
     slotCount = kFirstSlots;
+    half = kFirstSlots;
     count = 0;
   }
 
@@ -83,25 +88,23 @@ class KeyTable {
 
   // The low bits of the hash, as many as number all slots; one less where that slot is yet to come.
   std::uint64_t SlotOf(std::uint32_t hash) const {
-    const std::uint64_t half = std::bit_floor(slotCount);
     const std::uint64_t slot = hash & (2 * half - 1);
     return slot < slotCount ? slot : slot - half;
   }
 
-  // Segment 0 holds the first slots, segment i as many as all before it: those whose number has i + kFirstBits
-  // significant bits.
-  static std::size_t SegmentOf(std::uint64_t slot) {
-    return slot < kFirstSlots ? 0 : static_cast<std::size_t>(std::bit_width(slot)) - kFirstBits;
-  }
-
+  // Segment i holds kFirstSlots << i slots, so that the first slot of each, counted from kFirstSlots on, is a power of 2.
   Entry** Slot(std::uint64_t slot) const {
-    return segments[SegmentOf(slot)] + (slot < kFirstSlots ? slot : slot - std::bit_floor(slot));
+    const std::uint64_t place = slot + kFirstSlots;
+    const auto bits = std::bit_width(place) - 1;
+    return segments[bits - kFirstBits] + (place ^ std::uint64_t{1} << bits);
   }
 
   // Null is no harm.
   static void PrefetchEntry(const Entry* entry) {
-    constexpr std::uintptr_t kToHash = 40;  // about where an image has its hash and its link
-    __builtin_prefetch(reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(entry) + kToHash));
+    constexpr std::uintptr_t kToLink = 72, kToKey = 136;  // about where an image has its link and hash, and its key
+    const auto address = reinterpret_cast<std::uintptr_t>(entry);
+    __builtin_prefetch(reinterpret_cast<const void*>(address + kToLink));
+    __builtin_prefetch(reinterpret_cast<const void*>(address + kToKey));
   }
 
   static void Append(Entry** slot, Entry* entry) {
@@ -112,8 +115,7 @@ class KeyTable {
 
   // Adds one slot; false if there is no memory for it.
   bool Split() {
-    const std::uint64_t half = std::bit_floor(slotCount);
-    if (slotCount == kMaxSlots || (slotCount == half && !AddSegment(half))) return false;
+    if (slotCount == kMaxSlots || !MakeRoom()) return false;
     const std::uint64_t source = slotCount - half;
     // The slots come in turn, so what later splits will look at is on its way by then.
     PrefetchEntry(*Slot(source + kSplitsAhead));
@@ -130,18 +132,23 @@ class KeyTable {
       end = &entry->tableNext;
     }
     ++slotCount;
+    if (slotCount == 2 * half) half = slotCount;
     return true;
   }
 
-  bool AddSegment(std::uint64_t slots) {
+  // Makes the segment of the slot to come, if that is its first; false if there is no memory.
+  bool MakeRoom() {
+    const std::uint64_t slots = slotCount + kFirstSlots;
+    if (!std::has_single_bit(slots)) return true;
     auto* const segment = static_cast<Entry**>(std::calloc(static_cast<std::size_t>(slots), sizeof(Entry*)));
-    segments[SegmentOf(slots)] = segment;
+    segments[std::bit_width(slots) - 1 - kFirstBits] = segment;
     return segment != nullptr;
   }
 
   Entry* firstSlots[kFirstSlots] = {};
   Entry** segments[33 - kFirstBits] = {firstSlots};
   std::uint64_t slotCount = kFirstSlots;
+  std::uint64_t half = kFirstSlots;  // the largest power of 2 that is not above slotCount
   std::uint64_t count = 0;
 };
 

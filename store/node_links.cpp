@@ -1,13 +1,12 @@
 // Making images and hanging them into the lists of their cells and into the hash table.
 #include <memory>
-#include <new>
 
 #include "catalogcore.h"
 #include "store/index_data.h"
 
 CIDXNode* CIndexData::CreateNode(const HashedKey& key, CIDXCell* index, CIDXCell* folder, std::uint8_t attribute) {
-  std::unique_ptr<CIDXNode> node(new (std::nothrow) CIDXNode);
-  if (!node || node->info->key.CopyString(key.text) < 0) return nullptr;
+  std::unique_ptr<CIDXNode> node(CIDXNode::Create(key.text, key.size));
+  if (!node) return nullptr;
   node->info->attribute = attribute;
   if (!LinkNodes(kIndexTree, index, node.get())) return nullptr;
   if (!LinkNodes(kFolderTree, folder, node.get())) {

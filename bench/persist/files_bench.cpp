@@ -180,7 +180,7 @@ void AddFileRows() {
     const auto round = [count](double (Bed::*measure)()) -> Round {
       return [count, measure] { return (beds.try_emplace(count, count).first->second.*measure)(); };
     };
-    const int rounds = count > 1000000 ? 3 : count > 100000 ? 5 : 9;
+    const int rounds = count > 1000000 ? 1 : count > 100000 ? 5 : 9;
     AddRow("load_" + std::to_string(count), round(&Bed::Load), "SQLite, map", round(&Bed::LoadDatabase), rounds);
     AddRow("write_" + std::to_string(count), round(&Bed::Write), "SQLite", round(&Bed::WriteNewDatabase), rounds);
   }

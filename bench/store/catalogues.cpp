@@ -23,25 +23,37 @@ double HeapBytes() {
   return static_cast<double>(info.uordblks + info.hblkhd);
 }
 
-double BlockBytes(const char* text) {
-  return static_cast<double>(malloc_usable_size(const_cast<char*>(text)) + sizeof(std::size_t));
+// What the paths would take in a block for each.
+double PathBytes(const std::vector<std::string>& paths) {
+  double bytes = 0;
+  for (const std::string& path : paths) {
+    std::string copy = path;
+    bytes += static_cast<double>(malloc_usable_size(copy.data()) + sizeof(std::size_t));
+  }
+  return bytes;
 }
 
 }  // namespace
 
-Images::Images(int wanted) : count(wanted), shuffled(static_cast<std::size_t>(wanted)) {
+Images::Images(int wanted)
+    : count(wanted),
+      keys(static_cast<std::size_t>(count)),
+      folderKeys(FolderOf(count - 1) + 1),
+      indexKeys(kIndexCount),
+      shuffled(static_cast<std::size_t>(count)) {
   for (int image = 0; image < count; ++image) {
     if (image % kImagesPerFolder == 0) {
       folders.push_back("/home/user/Pictures/" + std::to_string(2000 + FolderOf(image) % 30) + "/holiday-" +
                         std::to_string(FolderOf(image)));
-      folderKeys.emplace_back().CopyString(folders.back().c_str());
+      folderKeys[FolderOf(image)].CopyString(folders.back().c_str());
     }
     const std::string tail(static_cast<std::size_t>(image) * 7 % 20, 'x');
     paths.push_back(folders.back() + "/IMG_" + std::to_string(1000000 + image) + tail + ".jpg");
-    keys.emplace_back().CopyString(paths.back().c_str());
+    keys[static_cast<std::size_t>(image)].CopyString(paths.back().c_str());
   }
   for (int index = 0; index < kIndexCount; ++index) {
-    indexKeys.emplace_back().CopyString((std::to_string(1 + index % 2) + "/" + std::to_string(10 + index)).c_str());
+    const std::string key = std::to_string(1 + index % 2) + "/" + std::to_string(10 + index);
+    indexKeys[static_cast<std::size_t>(index)].CopyString(key.c_str());
   }
   std::iota(shuffled.begin(), shuffled.end(), 0);
   std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(1));
@@ -85,11 +97,7 @@ bool StoreCatalogue::Touch(int image) const {
   return std::strcmp(nodes_[at]->info->key.Text(), images_.keys[at].Text()) == 0;
 }
 
-double StoreCatalogue::Bytes() {
-  double bytes = HeapBytes() - before_;
-  for (const CIDXString& key : images_.keys) bytes -= BlockBytes(store_.SearchNode(key)->info->key.Text());
-  return bytes;
-}
+double StoreCatalogue::Bytes() const { return HeapBytes() - before_ - PathBytes(images_.paths); }
 
 long StoreCatalogue::Walk(CIDXString& indexKey, CIDXString& folderKey) {
   SearchHandle handle{};
@@ -114,11 +122,7 @@ long StoreCatalogue::WalkFolder(std::size_t folder) {
 MapCatalogue::MapCatalogue(Images& images)
     : images_(images), byIndex_(kIndexCount), byFolder_(images.folders.size()), before_(HeapBytes()) {}
 
-double MapCatalogue::Bytes() const {
-  double bytes = HeapBytes() - before_;
-  for (const auto& [path, filed] : map_) bytes -= BlockBytes(path.data());
-  return bytes;
-}
+double MapCatalogue::Bytes() const { return HeapBytes() - before_ - PathBytes(images_.paths); }
 
 void MapCatalogue::Add(int image) {
   const int index = Images::IndexOf(image);

@@ -4,7 +4,6 @@
 
 #include <sqlite3.h>
 
-#include <deque>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -21,7 +20,7 @@ struct Images {
 
   int count;
   std::vector<std::string> paths, folders;  // folders: one for each kImagesPerFolder images
-  std::deque<CIDXString> keys, folderKeys, indexKeys;
+  std::vector<CIDXString> keys, folderKeys, indexKeys;
   std::vector<int> shuffled;  // every number once, in random order
 
   static int IndexOf(int image) { return image % kIndexCount; }
@@ -40,8 +39,9 @@ class StoreCatalogue {
   // What no look-up can do without: reads the key sought, a place that tells where the image is, the image, and its key,
   // and compares the two.
   bool Touch(int image) const;
-  // The bytes of the heap that the catalogue takes for what was added, without the blocks of the paths' texts.
-  double Bytes();
+  // The bytes of the heap that the catalogue takes for the images, all added, less what their paths would take in a block
+  // for each.
+  double Bytes() const;
   // Each walk returns a sum over what it read of the images: key lengths and attributes.
   long WalkIndex(int index);
   long WalkFolder(std::size_t folder);

@@ -20,8 +20,13 @@ namespace {
 using BoostHook = boost::intrusive::unordered_set_base_hook<boost::intrusive::link_mode<boost::intrusive::normal_link>>;
 
 struct Entry : BoostHook {
-  CIDXNodeInfo record;
-  CIDXNodeInfo* info = &record;
+  struct Info {
+    CIDXString key;
+    std::uint32_t keyHash = 0;
+    std::uint16_t bucket = 0;
+  };
+  Info record;
+  Info* info = &record;
   Entry* tableNext = nullptr;
 };
 
@@ -81,7 +86,7 @@ struct BoostTable {
 struct Entries {
   explicit Entries(int count) : images(count) {
     for (const CIDXString& key : images.keys) {
-      CIDXNodeInfo& info = *entries.emplace_back().info;
+      Entry::Info& info = *entries.emplace_back().info;
       info.key.CopyString(key.Text());
       info.keyHash = HashedKey(info.key).hash;
       info.bucket = static_cast<std::uint16_t>(key.GetHashKey());

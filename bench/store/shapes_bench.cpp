@@ -117,9 +117,10 @@ void AddShapeRows() {
                     {"walk", &Catalogue::Walk}, {"drop", &Catalogue::RemoveFolders}};
   for (const Shape& shape : shapes) {
     const Shape usual{"usual", shape.images, 20, FolderOf3000};
+    const int rounds = shape.images > 1000000 ? 1 : 3;
     for (const auto& [name, operation] : operations) {
       AddRow(std::string(shape.name) + "_" + name + "_" + std::to_string(shape.images), Measure(shape, operation),
-             "folders of 3,000", Measure(usual, operation), 3);
+             "folders of 3,000", Measure(usual, operation), rounds);
     }
   }
 }

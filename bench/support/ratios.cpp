@@ -16,10 +16,21 @@ std::vector<Ratio>& Rows() {
   return rows;
 }
 
+// Measures one round, and tells of it at once if it took long, preparations included.
+double Timed(const std::string& name, const Round& round) {
+  constexpr double kLong = 5e9;
+  double measured = 0;
+  const double taken = Time(1, [&] { measured = round(); });
+  if (taken >= kLong) std::fprintf(stderr, "  %s: a round of %.0f s\n", name.c_str(), taken * 1e-9);
+  return measured;
+}
+
 void Register(const std::string& name, Round round, int rounds) {
   benchmark::RegisterBenchmark(name.c_str(),
-                               [round = std::move(round)](benchmark::State& state) {
-                                 for ([[maybe_unused]] auto _ : state) state.SetIterationTime(round() * 1e-9);
+                               [name, round = std::move(round)](benchmark::State& state) {
+                                 for ([[maybe_unused]] auto _ : state) {
+                                   state.SetIterationTime(Timed(name, round) * 1e-9);
+                                 }
                                })
       ->UseManualTime()
       ->Iterations(1)
