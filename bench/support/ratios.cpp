@@ -45,7 +45,8 @@ class KeepingReporter : public benchmark::BenchmarkReporter {
 
   void ReportRuns(const std::vector<Run>& runs) override {
     for (const Run& run : runs) {
-      if (run.aggregate_name != "median") continue;
+      // What was measured once has no median.
+      if (run.repetitions > 1 && run.aggregate_name != "median") continue;
       medians_[run.run_name.function_name] = run.GetAdjustedRealTime();
       std::printf("  %-44s %14.1f\n", run.run_name.function_name.c_str(), run.GetAdjustedRealTime());
       std::fflush(stdout);
