@@ -30,6 +30,9 @@ void ExpectWhole(const Picture& picture, int side) {
 
 }  // namespace
 
+// Of an AVIF picture without data the decoder under libheif keeps 40 bytes each time it is asked; that is not ours to free.
+extern "C" const char* __lsan_default_suppressions() { return "leak:libdav1d"; }
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const bool started = (StartPictures("picture_fuzzer"), true);
   static const std::string file = ScratchFolder() + "picture", copy = ScratchFolder() + "copy.jpg";
