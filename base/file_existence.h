@@ -6,7 +6,7 @@
 // 0: also for null, for text that is not UTF-8, and where a folder on the way may not be searched.
 int IsFileExistAPI(const char* path);
 
-// Whether the text is UTF-8. Needs no memory, so that no image is taken for missing for want of it.
+// Whether the text is UTF-8. Needs no memory, so that no image of a full path is taken for missing for want of it.
 bool IsUtf8(const char* text);
 
 #endif  // CATALOGCORE_BASE_FILE_EXISTENCE_H_

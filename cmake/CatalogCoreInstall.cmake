@@ -30,10 +30,10 @@ install(FILES ${PROJECT_BINARY_DIR}/CatalogCoreConfigVersion.cmake
 if(APPLE)
   set(PKGCONFIG_COREFOUNDATION_LIBS "-framework CoreFoundation")
 else()
-  set(PKGCONFIG_COREFOUNDATION_CFLAGS " -I\${includedir}/catalogcore")
+  set(PKGCONFIG_COREFOUNDATION_CFLAGS " -I\${includedir}/catalogcore/platform")
   set(PKGCONFIG_COREFOUNDATION_LIBS -lcatalogcore-cf)
   install(DIRECTORY platform/corefoundation/include/CoreFoundation
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/catalogcore COMPONENT development)
+    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/catalogcore/platform COMPONENT development)
 endif()
 file(RELATIVE_PATH PREFIX_FROM_PKGCONFIG ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
 configure_file(cmake/catalogcore.pc.in catalogcore.pc @ONLY)

@@ -13,7 +13,8 @@
  * gives IDXERR_FAILED before IDXInitialize, but for the next step of a walk of earlier, which is at its end.
  *
  * Memory: where there is none a call gives IDXERR_MEMORY, but IDXERR_FAILED where it was a string handed in, or a file,
- * that could not be read or written for want of it. The catalogue is then as it was before the call, if the call says
+ * that could not be read or written for want of it; IDXInitialize gives IDXERR_DETECTOR where that was the recognizer's,
+ * and IDXSetPresetIndexName tells of nothing but its two statuses. The catalogue is then as it was before the call, if the call says
  * nothing else; the library can be used on, and what failed called again.
  */
 #ifndef CATALOGCORE_H_
@@ -181,8 +182,8 @@ IDXSTATUS IDXSetFilePath(IDXSTR path);
 /*
  * Files an image: reads name, index, and attribute (0 if not marked). IDX_OK; IDXERR_PARAM: a field is missing, the
  * name holds no "/", the index is out of range or the root, the folder is no path; IDXERR_IMAGEEXISTS;
- * IDXERR_NOINDEX; IDXERR_MEMORY: its folder may be made all the same, or the nearest folder above it that was
- * there have gone, with its images, if no folder lay below that.
+ * IDXERR_NOINDEX; IDXERR_MEMORY: its folder may be made all the same, or the folders above it have gone, from
+ * the nearest that was there upward, with their images: each that had no folder left below it and that nothing protects.
  */
 IDXSTATUS IDXAddImage(IDXITEM* item);
 
@@ -191,7 +192,8 @@ IDXSTATUS IDXAddImage(IDXITEM* item);
  * fails. An image that is to be moved and is not there is added as by IDXAddImage. An index of -1 removes the image
  * as by IDXRemoveImage, whether marked or not. Reads name, index, attribute, state. IDX_OK; IDXERR_PARAM: as for
  * IDXAddImage; IDXERR_PROTECTED; IDXERR_NOINDEX; IDXERR_NOIMAGE: only an attribute was marked; IDXERR_IMAGEEXISTS:
- * another thread added it meanwhile; IDXERR_MEMORY: the image is gone if it was to be moved.
+ * another thread added it meanwhile; IDXERR_MEMORY: the image may be gone if it was to be moved; mark the attribute, too,
+ * when it is filed again.
  */
 IDXSTATUS IDXChangeImage(IDXITEM* item);
 
@@ -226,7 +228,7 @@ IDXSTATUS IDXCloseFind(IDXFIND find);
  * when adding fails. IDX_OK; IDXERR_PARAM: a field is missing, the parent is out of range or on the fourth level;
  * IDXERR_NOINDEX: no parent; IDXERR_INDEXEXISTS: it has a child of this name, byte for byte, whose number is written
  * under IDXOP_GETINFO; IDXERR_INDEXFULL; IDXERR_MEMORY: the parent may have gone, with its images, if it has no child and
- * nothing protects them.
+ * nothing protects them, and so on upward.
  */
 IDXSTATUS IDXAddIndex(IDXITEM* item);
 
@@ -273,7 +275,8 @@ IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int
  * ---- Files
  *
  * Each call takes the name of a file in the base directory: an XML property list that holds the indexes, the images,
- * or both, each as a text of one record a line, and whatever other entries an application puts there.
+ * or both, each as a text of one record a line, and whatever other entries an application puts there. A name that is
+ * empty or cannot be read names the directory itself, which is no such file.
  */
 
 /*
@@ -314,7 +317,7 @@ IDXSTATUS IDXWriteImageFile(IDXSTR name);
  *   IDXERR_PARAM       `data` is null; nothing is written
  *   IDXERR_MEMORY      no memory for a copy of the pixels
  *   IDXERR_DETECTOR    the recognizer is needed and its parameter resource is not there
- *   IDXERR_IMAGESIZE   width or height is above 4096 pixels
+ *   IDXERR_IMAGESIZE   width or height is above 4096 pixels, and neither below 50
  *   IDXERR_RECOGNIZER + 1 to 255, IDXERR_FACES + 1 to 255: failures inside the two engines
  * Any thread may call it; one detection runs at a time, beside the other calls.
  */

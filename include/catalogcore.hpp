@@ -4,7 +4,7 @@
 ///
 /// catalogcore.h says what each call does; here stands what C++ adds to it. Text is UTF-8: std::string_view in,
 /// std::string out. Text handed in that is no valid UTF-8, or holds a zero byte, gives Status::kFailed; empty text
-/// gives Status::kMemory, as the calls do.
+/// gives Status::kMemory, as the calls do, but as a file's name Status::kFailed.
 ///
 /// Failures are values: every call that can fail returns a Result. Where the program is built with exceptions,
 /// Result::value() throws Error in place of a failure, so `catalog.AddImage(path, index).value()` is the throwing twin
@@ -221,14 +221,16 @@ class Catalog {
   Result<void> SetDirectory(std::string_view directory) { return Call(IDXSetFilePath, directory); }
 
   /// Adds the indexes of a file in the directory to the catalogue; to be called before LoadImages. Status::kNoData: no
-  /// such file, or it holds no indexes; kEmpty; kVersion; kFailed: cannot be read, or is none of this kind; kMemory.
+  /// such file, or it holds no indexes; kEmpty; kVersion; kFailed: cannot be read, or is none of this kind; kMemory. Do not
+  /// save after a load that failed in another way than kNoData: the file holds more than the catalogue.
   Result<void> LoadIndexes(std::string_view file) { return Call(IDXLoadIndexFile, file); }
 
   /// Adds the images of a file in the directory, but for those whose file or index is not there. Status::kNoData;
   /// kVersion; kFailed; kMemory.
   Result<void> LoadImages(std::string_view file) { return Call(IDXLoadImageFile, file); }
 
-  /// Writes the indexes to a file in the directory, which is the old or the new one, whole, whatever fails. Indexes
+  /// Writes the indexes to a file in the directory, which is the old or the new one, whole, whatever fails, but where its
+  /// folder takes no new file. Indexes
   /// with all three protections are left out, as the presets are. Status::kFailed: cannot be written; kMemory. Two
   /// saves must not be made to one file at once.
   Result<void> SaveIndexes(std::string_view file) const { return Call(IDXWriteIndexFile, file); }
@@ -282,7 +284,7 @@ class Catalog {
 
   Result<void> Call(IDXSTATUS (*call)(IDXSTR), std::string_view text) const {
     detail::InputText input(text);
-    return isOpen_ ? static_cast<Status>(call(input.Variable())) : Status::kFailed;
+    return isOpen_ && input.IsValid() ? static_cast<Status>(call(input.Variable())) : Status::kFailed;
   }
 
   // Writes the number of the new child, or of the one that has the name.

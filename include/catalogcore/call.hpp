@@ -157,7 +157,7 @@ struct Record : IDXITEM {
 
 }  // namespace detail
 
-/// Whether a text can be a name, a path or a folder: valid UTF-8 without a zero byte. Any thread.
+/// Whether a text is valid UTF-8 without a zero byte; also false without memory. Any thread.
 inline bool IsText(std::string_view text) { return detail::InputText(text).IsValid(); }
 
 }  // namespace catalogcore

@@ -111,7 +111,7 @@ struct Image {
   std::string path;                           ///< full path of its file
   IndexNumber index = 0;                      ///< the index that it is filed under
   Attributes attributes = Attributes::kNone;  ///< its protections
-  bool isText = true;  ///< false: the path, which a file brought, is no valid UTF-8, and `path` is empty
+  bool isText = true;  ///< false: no valid UTF-8 (a file brought it), or no memory for it; `path` is empty
 };
 
 /// One index of the catalogue.
@@ -119,7 +119,7 @@ struct Index {
   std::string name;                           ///< what it is called; may be empty
   IndexNumber number = 0;                     ///< its number
   Attributes attributes = Attributes::kNone;  ///< its protections
-  bool isText = true;  ///< false: the name, which a file brought, is no valid UTF-8, and `name` is empty
+  bool isText = true;  ///< false: no valid UTF-8 (a file brought it), or no memory for it; `name` is empty
 };
 
 /// What Catalog::ChangeImage changes.

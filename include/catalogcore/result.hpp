@@ -31,7 +31,7 @@ enum class Status : IDXSTATUS {
   kNotEmpty = IDXERR_NOTEMPTY,        ///< the index still has child indexes
   kProtected = IDXERR_PROTECTED,      ///< an attribute forbids it, and Options::kForce was not given
   kDetector = IDXERR_DETECTOR,        ///< the recognizer is needed and its parameter resource is not there
-  kImageSize = IDXERR_IMAGESIZE,      ///< width or height is above 4096 pixels
+  kImageSize = IDXERR_IMAGESIZE,      ///< width or height is above 4096 pixels, and neither below 50
   kRecognizer = IDXERR_RECOGNIZER,    ///< plus the recognizer's own code: see RecognizerCode
   kFaces = IDXERR_FACES,              ///< plus the face detector's own code: see FacesCode
   kAlreadyOpen = 0x10000,             ///< of this header: Catalog::Open while the process has a catalogue

@@ -42,7 +42,8 @@ def _reaches(view: memoryview, size: int) -> bool:
         whole = memoryview(cast(Any, view.obj).base)
     except (AttributeError, TypeError):
         return False
-    return whole.c_contiguous and _address(view) + size <= _address(whole) + whole.nbytes
+    first = _address(whole)
+    return whole.c_contiguous and first <= _address(view) and _address(view) + size <= first + whole.nbytes
 
 
 def _row_stride(view: memoryview, rows: int, columns: int, samples: int) -> int:

@@ -3,6 +3,7 @@ from __future__ import annotations
 
 import ctypes
 import enum
+import math
 import os
 import threading
 import weakref
@@ -92,6 +93,11 @@ _scenes = threading.RLock()
 _calls = threading.RLock()
 
 
+def _is_there() -> bool:
+    """Whether the library has a catalogue, whoever made it."""
+    return bool(library.IDXSearchIndex(ctypes.byref(item_of(index=ROOT))) != Status.FAILED)
+
+
 class Catalogue:
     """The catalogue of this process, from its making to close() or the end of its with statement; nothing is saved
     then.
@@ -111,12 +117,16 @@ class Catalogue:
         with _scenes, _calls:
             if Catalogue._open and Catalogue._open():
                 raise ClosedError("cannot open a catalogue: this process has one already; use it, or close it first")
+            if Catalogue._open is None and _is_there():
+                raise ClosedError("cannot open a catalogue: another part of this process has one; use that")
             status = library.IDXInitialize()
             if status not in (Status.OK, Status.DETECTOR):
                 raise error_of(status, "open a catalogue")
             if base:
                 status_of_base = library.IDXSetFilePath(base.pointer())
                 if status_of_base:
+                    library.IDXUninitialize()
+                    Catalogue._open = None
                     raise error_of(status_of_base, f"use the folder {folder}")
             Catalogue._open = weakref.ref(self)
         self._recognizes = bool(status == Status.OK)
@@ -175,7 +185,10 @@ class Catalogue:
     def __contains__(self, path: StrPath) -> bool:
         name = _path(path)
         item = item_of(name=name)
-        return self._status(library.IDXSearchImage, ctypes.byref(item)) == Status.OK
+        status = self._status(library.IDXSearchImage, ctypes.byref(item))
+        if status not in (Status.OK, Status.NOIMAGE):
+            raise error_of(status, f"find {path}")
+        return bool(status == Status.OK)
 
     def images(self, index: int = ROOT, folder: StrPath | None = None) -> Iterator[Image]:
         """Walks the images of an index and what is below it, in a folder and what is below it. No image is no error."""
@@ -280,6 +293,8 @@ class Catalogue:
         `dpi` is its resolution, 0 where that is not known. SceneError: more than 4096 pixels on a side, or a failure of
         the engines. InvalidError: no such pixels.
         """
+        if not math.isfinite(dpi):
+            raise InvalidError(f"the dpi {dpi} is no resolution; give 0 where it is not known", Status.PARAM)
         picture = Picture(resolution=max(0, min(round(dpi), 2**31 - 1)), **_HINTS[kind])
         view = describe(pixels, picture)
         with _scenes:

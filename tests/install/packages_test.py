@@ -110,7 +110,7 @@ class PackagesTest(unittest.TestCase):
         holds = {
             "catalogcore": ["usr/bin/catalogcore", "usr/share/man/man1/catalogcore.1",
                             "usr/share/bash-completion/completions/catalogcore"],
-            "libcatalogcore-dev": ["usr/include/catalogcore.h", "usr/include/catalogcore/CoreFoundation/CFString.h"],
+            "libcatalogcore-dev": ["usr/include/catalogcore.h", "usr/include/catalogcore/platform/CoreFoundation/CFString.h"],
             "python3-catalogcore": ["usr/lib/python3/dist-packages/catalogcore/__init__.py"],
             "libcatalogcore1": ["usr/share/org.catalogcore.library/brennparam.dat"]}
         version = run("dpkg-deb", "-f", self.packages["libcatalogcore1"], "Version").strip()

@@ -1,6 +1,7 @@
 """An installation as an application's developer uses it: prefix_test.py CMAKE BUILD LIBDIR C-COMPILER C++-COMPILER"""
 import os
 import pathlib
+import re
 import shlex
 import subprocess
 import sys
@@ -37,11 +38,28 @@ class PrefixTest(unittest.TestCase):
         for program in PROGRAMS:
             self.run_program(folder / program, self.root, LD_LIBRARY_PATH=str(prefix / LIBDIR))
 
+    def check_embedding_guide(self, prefix):
+        """The guide's programs in C, and what it says that the first one prints."""
+        guide = (prefix / EXAMPLES / "../embedding.md").read_text()
+        programs = dict(re.findall(r"```c\n(/\* (?:\w+)\.c \*/)(.*?)```", guide, re.S))
+        flags = shlex.split(self.run_program("pkg-config", "--cflags", "--libs", "catalogcore",
+                                             PKG_CONFIG_PATH=str(prefix / LIBDIR / "pkgconfig")))
+        for name in ("first", "walk"):
+            (self.root / f"{name}.c").write_text(programs[f"/* {name}.c */"])
+            self.run_program(C_COMPILER, "-std=c11", "-Wall", "-Wextra", "-Werror", "-c", f"{name}.c", *flags)
+        self.run_program(C_COMPILER, "first.o", "-o", "program", *flags)
+        letter = self.root / "letter.png"
+        letter.touch()
+        for _ in range(2):  # the second time into the catalogue that the first one wrote
+            printed = self.run_program("./program", letter, self.root, LD_LIBRARY_PATH=str(prefix / LIBDIR))
+            self.assertEqual(printed, f"{letter}: 2030000\n")
+
     def test_programs_are_built_and_run_wherever_the_prefix_is(self):
         first, moved, built = self.root / "first", self.root / "far/moved", self.root / "built"
         self.run_program(CMAKE, "--install", BUILD, "--prefix", first)
         for program in PROGRAMS:
             self.build_by_hand(first, program)
+        self.check_embedding_guide(first)
         self.run_examples(first, self.root)
 
         moved.parent.mkdir()
