@@ -13,9 +13,9 @@
  * gives IDXERR_FAILED before IDXInitialize, but for the next step of a walk of earlier, which is at its end.
  *
  * Memory: where there is none a call gives IDXERR_MEMORY, but IDXERR_FAILED where it was a string handed in, or a file,
- * that could not be read or written for want of it; IDXInitialize gives IDXERR_DETECTOR where that was the recognizer's,
- * and IDXSetPresetIndexName tells of nothing but its two statuses. The catalogue is then as it was before the call, if the call says
- * nothing else; the library can be used on, and what failed called again.
+ * that could not be read or written for want of it; IDXInitialize gives IDXERR_DETECTOR where that was the
+ * recognizer's, and IDXSetPresetIndexName tells of nothing but its two statuses. The catalogue is then as it was before
+ * the call, if the call says nothing else; the library can be used on, and what failed called again.
  */
 #ifndef CATALOGCORE_H_
 #define CATALOGCORE_H_
@@ -27,8 +27,8 @@
  * Text that crosses the boundary, UTF-8 inside the library: a pointer to a string variable of the application. On
  * input the library reads the string that the variable holds and never releases it: an empty one gives IDXERR_MEMORY,
  * none or one that cannot be converted IDXERR_FAILED. On output it stores a new string, which the application owns
- * and releases; a string that the variable held before is not released. Text that is no UTF-8 (only a file can bring it),
- * or that there is no memory for, leaves the variable as it is: set it to NULL before the call to tell.
+ * and releases; a string that the variable held before is not released. Text that is no UTF-8 (only a file can bring
+ * it), or that there is no memory for, leaves the variable as it is: set it to NULL before the call to tell.
  */
 typedef CFStringRef* IDXSTR;
 
@@ -166,8 +166,8 @@ extern "C" {
 IDXSTATUS IDXInitialize(void);
 
 /*
- * Drops the catalogue. IDX_OK, also when there is none. Walks that are open are at their end afterwards, and still to be
- * closed; the same holds after IDXInitialize.
+ * Drops the catalogue. IDX_OK, also when there is none. Walks that are open are at their end afterwards, and still to
+ * be closed; the same holds after IDXInitialize.
  */
 IDXSTATUS IDXUninitialize(void);
 
@@ -183,7 +183,8 @@ IDXSTATUS IDXSetFilePath(IDXSTR path);
  * Files an image: reads name, index, and attribute (0 if not marked). IDX_OK; IDXERR_PARAM: a field is missing, the
  * name holds no "/", the index is out of range or the root, the folder is no path; IDXERR_IMAGEEXISTS;
  * IDXERR_NOINDEX; IDXERR_MEMORY: its folder may be made all the same, or the folders above it have gone, from
- * the nearest that was there upward, with their images: each that had no folder left below it and that nothing protects.
+ * the nearest that was there upward, with their images: each that had no folder left below it and that nothing
+ * protects.
  */
 IDXSTATUS IDXAddImage(IDXITEM* item);
 
@@ -192,8 +193,8 @@ IDXSTATUS IDXAddImage(IDXITEM* item);
  * fails. An image that is to be moved and is not there is added as by IDXAddImage. An index of -1 removes the image
  * as by IDXRemoveImage, whether marked or not. Reads name, index, attribute, state. IDX_OK; IDXERR_PARAM: as for
  * IDXAddImage; IDXERR_PROTECTED; IDXERR_NOINDEX; IDXERR_NOIMAGE: only an attribute was marked; IDXERR_IMAGEEXISTS:
- * another thread added it meanwhile; IDXERR_MEMORY: the image may be gone if it was to be moved; mark the attribute, too,
- * when it is filed again.
+ * another thread added it meanwhile; IDXERR_MEMORY: the image may be gone if it was to be moved; mark the attribute,
+ * too, when it is filed again.
  */
 IDXSTATUS IDXChangeImage(IDXITEM* item);
 
@@ -227,8 +228,8 @@ IDXSTATUS IDXCloseFind(IDXFIND find);
  * there. Reads index, name, and attribute (0 if not marked). Under IDXOP_GETINFO writes its number to index, also
  * when adding fails. IDX_OK; IDXERR_PARAM: a field is missing, the parent is out of range or on the fourth level;
  * IDXERR_NOINDEX: no parent; IDXERR_INDEXEXISTS: it has a child of this name, byte for byte, whose number is written
- * under IDXOP_GETINFO; IDXERR_INDEXFULL; IDXERR_MEMORY: the parent may have gone, with its images, if it has no child and
- * nothing protects them, and so on upward.
+ * under IDXOP_GETINFO; IDXERR_INDEXFULL; IDXERR_MEMORY: the parent may have gone, with its images, if it has no child
+ * and nothing protects them, and so on upward.
  */
 IDXSTATUS IDXAddIndex(IDXITEM* item);
 
@@ -282,9 +283,9 @@ IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int
 /*
  * Adds the indexes of the file to the catalogue; those that are there already are left as they are. To be called
  * before IDXLoadImageFile. IDX_OK; IDXERR_FAILED: the file cannot be read, or is none of this kind; IDXERR_PARAM:
- * null; IDXERR_NODATA: no such file, or it holds no indexes; IDXERR_EMPTY; IDXERR_VERSION; IDXERR_MEMORY: only a part may
- * be there. After IDXERR_FAILED and IDXERR_MEMORY the file holds more than the catalogue: do not write over it. An entry
- * that the catalogue refuses, or has no memory for, is skipped, with IDX_OK.
+ * null; IDXERR_NODATA: no such file, or it holds no indexes; IDXERR_EMPTY; IDXERR_VERSION; IDXERR_MEMORY: only a part
+ * may be there. After IDXERR_FAILED and IDXERR_MEMORY the file holds more than the catalogue: do not write over it. An
+ * entry that the catalogue refuses, or has no memory for, is skipped, with IDX_OK.
  */
 IDXSTATUS IDXLoadIndexFile(IDXSTR name);
 

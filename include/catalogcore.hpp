@@ -221,16 +221,16 @@ class Catalog {
   Result<void> SetDirectory(std::string_view directory) { return Call(IDXSetFilePath, directory); }
 
   /// Adds the indexes of a file in the directory to the catalogue; to be called before LoadImages. Status::kNoData: no
-  /// such file, or it holds no indexes; kEmpty; kVersion; kFailed: cannot be read, or is none of this kind; kMemory. Do not
-  /// save after a load that failed in another way than kNoData: the file holds more than the catalogue.
+  /// such file, or it holds no indexes; kEmpty; kVersion; kFailed: cannot be read, or is none of this kind; kMemory. Do
+  /// not save after a load that failed in another way than kNoData: the file holds more than the catalogue.
   Result<void> LoadIndexes(std::string_view file) { return Call(IDXLoadIndexFile, file); }
 
   /// Adds the images of a file in the directory, but for those whose file or index is not there. Status::kNoData;
   /// kVersion; kFailed; kMemory.
   Result<void> LoadImages(std::string_view file) { return Call(IDXLoadImageFile, file); }
 
-  /// Writes the indexes to a file in the directory, which is the old or the new one, whole, whatever fails, but where its
-  /// folder takes no new file. Indexes
+  /// Writes the indexes to a file in the directory, which is the old or the new one, whole, whatever fails, but where
+  /// its folder takes no new file. Indexes
   /// with all three protections are left out, as the presets are. Status::kFailed: cannot be written; kMemory. Two
   /// saves must not be made to one file at once.
   Result<void> SaveIndexes(std::string_view file) const { return Call(IDXWriteIndexFile, file); }

@@ -1,5 +1,6 @@
 /// @file
-/// Images and indexes as calls of catalogcore.hpp show them, and what is asked for and changed: numbers, bits and records.
+/// Images and indexes as calls of catalogcore.hpp show them, and what is asked for and changed: numbers, bits and
+/// records.
 #ifndef CATALOGCORE_ENTRIES_HPP_
 #define CATALOGCORE_ENTRIES_HPP_
 
