@@ -144,8 +144,15 @@ void TakePermissions(int file, const Target& target) {
 // Whether a failure of the folder's says that it takes no new file, or no other in place of the old one.
 bool IsFoldersRefusal(int error) { return error == EACCES || error == EPERM || error == EROFS || error == EBUSY; }
 
+int OpenToWrite(const char* path) {
+  for (;;) {
+    const int file = open(path, O_WRONLY | O_CLOEXEC);
+    if (file >= 0 || errno != EINTR) return file;
+  }
+}
+
 bool WriteInPlace(const Target& target, Parts parts) {
-  const FileDescriptor file(open(target.path.c_str(), O_WRONLY | O_CLOEXEC));
+  const FileDescriptor file(OpenToWrite(target.path.c_str()));
   if (!file.IsOpen() || !WriteAll(file.Get(), parts)) return false;
   const off_t size = lseek(file.Get(), 0, SEEK_CUR);
   return ftruncate(file.Get(), size) == 0 && Flush(file.Get());
