@@ -67,6 +67,8 @@ std::int32_t CIDXString::TrimMid(int first, int last) {
   if (!isInside(first) || !isInside(last) || first > last) return 0;
   const auto tail = static_cast<std::size_t>(length - last);  // its terminator included
   std::memmove(buffer + first, buffer + last + 1, tail);
+  // Zeros take the place of what was moved, so that nothing of the old tail shows when an append leaves no terminator.
+  std::memset(buffer + first + tail, 0, static_cast<std::size_t>(last - first));
   length = TextSize(buffer);
   return length;
 }

@@ -5,6 +5,8 @@
 #include <cstring>
 #include <limits>
 #include <numeric>
+#include <span>
+#include <utility>
 
 #include "platform/large_block.h"
 #include "scene/block_average.h"
@@ -15,6 +17,10 @@ namespace {
 
 // A reduced picture has at least this many pixels on either side.
 constexpr std::int32_t kShortestReducedSide = 50;
+
+// Bytes of the source that one row of a reduced picture is made from, where its rows have to be copied first. Pictures
+// within the detector's limits need 3 MB at most, up to a depth of 64 bits.
+constexpr std::int64_t kLargestBand = std::int64_t{1} << 22;
 
 CIDXImage::PixelBlock AllocateBlock(std::int64_t size) {
   // One byte where none is asked for, so that null always means that there was no memory.
@@ -38,6 +44,29 @@ void CurveRows(const PixelView& source, std::size_t count, const MutablePixelVie
     std::transform(from.begin(), from.end(), to.begin(), [](std::uint8_t byte) { return ka1DLUT[byte]; });
     std::ranges::fill(to.subspan(count), std::uint8_t{0});
   }
+}
+
+// Averages a picture whose rows are shorter than their pixels. The pixels of a row continue in the rows below; behind the
+// last of the source's `size` bytes they are 0. False if memory could not be allocated.
+bool AverageShortRows(const std::uint8_t* source, std::int64_t size, std::int64_t stride, const BlockGrid& grid,
+                      const ToneTable& tones, const MutablePixelView& target) {
+  const std::int64_t wanted = std::int64_t{grid.columns} * grid.factor * grid.bytesPerPixel;
+  if (wanted > kLargestBand / grid.factor) return false;
+  const CIDXImage::PixelBlock band = AllocateBlock(wanted * grid.factor);
+  if (!band) return false;
+  for (std::int32_t y = 0; y < target.Rows(); ++y) {
+    for (std::int32_t dy = 0; dy < grid.factor; ++dy) {
+      const std::int64_t first = (std::int64_t{y} * grid.factor + dy) * stride;
+      const std::int64_t given = std::clamp<std::int64_t>(size - first, 0, wanted);
+      std::uint8_t* const row = band.get() + dy * wanted;
+      std::memcpy(row, source + first, static_cast<std::size_t>(given));
+      std::memset(row + given, 0, static_cast<std::size_t>(wanted - given));
+    }
+    const std::span<std::uint8_t> row = target.Row(y);
+    AverageBlocks({band.get(), grid.factor, static_cast<std::int32_t>(wanted)}, grid, tones,
+                  {row.data(), 1, static_cast<std::int32_t>(row.size())});
+  }
+  return true;
 }
 
 }  // namespace
@@ -70,15 +99,15 @@ IDXSTATUS CIDXImage::SetImageData(const IDXDSDATA* data) {
   return IDX_OK;
 }
 
-// Whether rowBytes x height bytes can be, and hold every byte of every pixel. The depth itself may be
-// anything.
-bool CIDXImage::DescribesBytes() const {
-  return width >= 0 && height > 0 && rowBytes > 0 && bitsPerPixel >= 0 &&
-         std::int64_t{rowBytes} * height == bufferSize && std::int64_t{width} * bytesPerPixel <= rowBytes;
+// What keeps the described bytes from being copied: IDX_OK if nothing does.
+IDXSTATUS CIDXImage::CheckBytes(const void* source) const {
+  if (!source || bufferSize == 0) return IDXERR_PARAM;
+  const bool isSize = bufferSize > 0 && std::int64_t{rowBytes} * height == bufferSize;
+  return isSize ? IDX_OK : IDXERR_MEMORY;
 }
 
 IDXSTATUS CIDXImage::SetImageBuffer(const void* source) {
-  if (!source || !DescribesBytes()) return IDXERR_PARAM;
+  if (const IDXSTATUS status = CheckBytes(source); status != IDX_OK) return status;
   PixelBlock copy = AllocateBlock(bufferSize);
   if (copy) std::memcpy(copy.get(), source, static_cast<std::size_t>(bufferSize));
   pixels = std::move(copy);
@@ -86,20 +115,22 @@ IDXSTATUS CIDXImage::SetImageBuffer(const void* source) {
 }
 
 IDXSTATUS CIDXImage::SetImageBufferWithGammaTransfer(const void* source) {
-  if (!source || !DescribesBytes()) return IDXERR_PARAM;
+  if (const IDXSTATUS status = CheckBytes(source); status != IDX_OK) return status;
   PixelBlock copy = AllocateBlock(bufferSize);
-  if (copy) {
+  if (copy && height > 0) {
     // At 8 and 16 bits a pixel three bytes a pixel run on into the rows below, where each byte gets the value
     // that its own row gives it; so every row may end at its own end.
-    const auto count = static_cast<std::size_t>(std::min<std::int64_t>(std::int64_t{3} * width, rowBytes));
+    const auto count = static_cast<std::size_t>(std::clamp<std::int64_t>(std::int64_t{3} * width, 0, rowBytes));
     CurveRows({static_cast<const std::uint8_t*>(source), height, rowBytes}, count, {copy.get(), height, rowBytes});
+  } else if (copy) {
+    std::memset(copy.get(), 0, static_cast<std::size_t>(bufferSize));  // rows of a negative number: there are none
   }
   pixels = std::move(copy);
   return pixels ? IDX_OK : IDXERR_MEMORY;
 }
 
 IDXSTATUS CIDXImage::SetImageBufferWithResolution(const void* source, int targetResolution, int gamma) {
-  if (!source || !DescribesBytes()) return IDXERR_PARAM;
+  if (const IDXSTATUS status = CheckBytes(source); status != IDX_OK) return status;
   const std::int32_t sourceResolution = resolution > 0 ? resolution : targetResolution;
   const std::int32_t factor = targetResolution > 0 ? sourceResolution / targetResolution : 1;
   if (factor > 1 && std::min(width, height) / factor >= kShortestReducedSide) {
@@ -111,17 +142,22 @@ IDXSTATUS CIDXImage::SetImageBufferWithResolution(const void* source, int target
 IDXSTATUS CIDXImage::Reduce(const void* source, std::int32_t factor, std::int32_t newResolution, bool curved) {
   const std::int32_t newWidth = width / factor;
   const std::int32_t newHeight = height / factor;
-  // A depth below 8 bits has no bytes to average, but its reduced picture may still be too large, or
-  // negative.
   const std::int64_t newRowBytes = ((std::int64_t{newWidth} * bitsPerPixel + 31) & ~std::int64_t{31}) / 8;
+  // Rows first: of a depth near the limit of 32 bits the product may reach beyond 64.
+  if (newRowBytes < 0 || newRowBytes > std::numeric_limits<std::int32_t>::max() / newHeight) return IDXERR_MEMORY;
   const std::int64_t newSize = newRowBytes * newHeight;
-  if (newSize < 0 || newSize > std::numeric_limits<std::int32_t>::max()) return IDXERR_PARAM;
-
   PixelBlock reduced = AllocateBlock(newSize);
-  pixels.swap(reduced);
-  if (!pixels) return IDXERR_MEMORY;
-  AverageBlocks({static_cast<const std::uint8_t*>(source), height, rowBytes}, {newWidth, factor, bytesPerPixel},
-                curved ? ka1DLUT : Unchanged(), {pixels.get(), newHeight, static_cast<std::int32_t>(newRowBytes)});
+  if (!reduced) return IDXERR_MEMORY;
+  const BlockGrid grid = {newWidth, factor, bytesPerPixel};
+  const ToneTable tones = curved ? ka1DLUT : Unchanged();
+  const auto* const bytes = static_cast<const std::uint8_t*>(source);
+  const MutablePixelView target(reduced.get(), newHeight, static_cast<std::int32_t>(newRowBytes));
+  if (std::int64_t{newWidth} * factor * bytesPerPixel <= rowBytes) {
+    AverageBlocks({bytes, height, rowBytes}, grid, tones, target);
+  } else if (!AverageShortRows(bytes, bufferSize, rowBytes, grid, tones, target)) {
+    return IDXERR_MEMORY;
+  }
+  pixels = std::move(reduced);
   width = newWidth;
   height = newHeight;
   rowBytes = static_cast<std::int32_t>(newRowBytes);

@@ -24,10 +24,10 @@ class CIDXImage {
 
   // The operations below fill the image from `source`, the rowBytes x height bytes that the description speaks of:
   // - IDX_OK: the image holds its own pixels.
-  // - IDXERR_PARAM: `source` is null, or the described bytes cannot be (width, height, rowBytes or depth is negative, a
-  //   row is shorter than its pixels, there is no byte at all, or there are more than 2^31 - 1, also of the reduced
-  //   picture). Nothing changed.
-  // - IDXERR_MEMORY: no memory. The image holds no pixels and its description is unchanged.
+  // - IDXERR_PARAM: `source` is null or the description has no bytes. Nothing changed.
+  // - IDXERR_MEMORY: memory could not be allocated, or the size is one that cannot be allocated: rowBytes x height is
+  //   negative or overflows 32 bits, or that of the reduced picture does. The description is unchanged.
+  // Rows shorter than their pixels and negative sides are copied as the sizes say; nothing is read beyond the bytes.
   //
   // REQUIRES: the image holds no pixels. (If it does, they are released and replaced; `source` may even be they.)
 
@@ -65,7 +65,7 @@ class CIDXImage {
   std::int32_t bytesPerPixel = 0;  // bitsPerPixel / 8
 
  private:
-  bool DescribesBytes() const;
+  IDXSTATUS CheckBytes(const void* source) const;
   IDXSTATUS Reduce(const void* source, int factor, int newResolution, bool gamma);
 };
 

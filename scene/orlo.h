@@ -34,7 +34,7 @@ std::int32_t Orlo_DetectFacePosition(OrloContext* context, OrloFaceList* list);
 
 std::int32_t Orlo_Uninitialize();
 
-// Releases what the engine handed out; null is allowed.
+// Releases what the engine handed out. The detector never hands in null.
 void OrloFree(void* memory);
 }
 

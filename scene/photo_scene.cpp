@@ -7,7 +7,9 @@ namespace {
 // Own what the face detector hands out, on every way out.
 struct FaceContext {
   FaceContext() = default;
-  ~FaceContext() { OrloFree(context.memory); }
+  ~FaceContext() {
+    if (context.memory) OrloFree(context.memory);
+  }
   FaceContext(const FaceContext&) = delete;
   FaceContext& operator=(const FaceContext&) = delete;
   OrloContext context{};
@@ -15,7 +17,9 @@ struct FaceContext {
 
 struct FaceList {
   FaceList() = default;
-  ~FaceList() { OrloFree(list.faces); }
+  ~FaceList() {
+    if (list.faces) OrloFree(list.faces);
+  }
   FaceList(const FaceList&) = delete;
   FaceList& operator=(const FaceList&) = delete;
   OrloFaceList list{};

@@ -56,14 +56,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   IDXDSDATA record = NextRecord(input);
   const std::int64_t bytes = std::int64_t{record.rowBytes} * record.height;
   if (bytes > kMostBytes && bytes <= kMostThereCanBe) return 0;
-  // Of a picture that cannot be no byte is read.
+  // Nothing is read where a size is negative or beyond 32 bits.
   std::vector<char> pixels(bytes > 0 && bytes <= kMostBytes ? static_cast<std::size_t>(bytes) : 1);
   for (std::size_t at = 0; at < pixels.size() && !input.empty(); ++at) pixels[at] = input[at % input.size()];
   record.pixels = pixels.data();
 
   const IDXSTATUS status = IDXDetectScene(&record);
+  const bool isSize = bytes >= 0 && bytes <= kMostThereCanBe;
   const bool isEngines = status > IDXERR_RECOGNIZER && status < IDXERR_FACES + 256 && status != IDXERR_FACES;
-  EXPECT_TRUE(status == IDX_OK || status == IDXERR_IMAGESIZE || isEngines) << status;
+  EXPECT_TRUE(status == IDX_OK || status == IDXERR_IMAGESIZE || status == IDXERR_MEMORY || isEngines) << status;
+  EXPECT_TRUE(status != IDXERR_MEMORY || !isSize || record.resolution >= 150) << status;
   const bool isPreset = std::count(std::begin(kaPresetIndex), std::end(kaPresetIndex), record.presetIndex) == 1;
   EXPECT_TRUE(record.presetIndex == -1 || (status == IDX_OK && isPreset)) << status << ' ' << record.presetIndex;
   IDXDSDATA again = record;

@@ -94,6 +94,12 @@ TEST(IdxBuffer, AppendsOverTheTerminatorOfTheLastAppend) {
   EXPECT_EQ(unterminated.CatBuffer("xyz", 2), 1);  // the second byte is taken for the terminator
   EXPECT_EQ(unterminated.CatBuffer("abc", -1), 4);
   EXPECT_STREQ(unterminated.Text(), "xabc");
+  // What is cut out leaves zeros behind, which end an append without a terminator.
+  CIDXBuffer cut;
+  cut.CopyBuffer("abcdefgh", -1);
+  cut.TrimMid(1, 6);
+  cut.CatBuffer("xyz", 2);
+  EXPECT_STREQ(cut.Text(), "ahxy");
 }
 
 }  // namespace

@@ -71,14 +71,17 @@ TEST_F(DetectSceneTest, HintsAndSizesDecideInTheirOrder) {
   Expect(with([](IDXDSDATA& r) { r.typeHint = 1, r.photoHint = 3, r.photoKind = 3; }), IDX_OK, 2030000, "");
   Expect(with([](IDXDSDATA& r) { r.photoKind = 1; }), IDX_OK, 1090000, "");
   Expect(with([](IDXDSDATA& r) { r.photoKind = 2; }), IDX_OK, 1090000, "IBDUFF");
-  // Without pixels, or with sizes that cannot be, only the hints are left.
+  // Without pixels only the hints are left.
   Expect(with([](IDXDSDATA& r) { r.pixels = nullptr; }), IDX_OK, -1, "");
-  Expect(with([](IDXDSDATA& r) { r.bitsPerPixel = -24, r.resolution = 300; }), IDX_OK, -1, "");
+  Expect(with([](IDXDSDATA& r) { r.rowBytes = 0; }), IDX_OK, -1, "");
   // The smallest and the largest side that are looked at.
   IDXDSDATA edge = Picture(50, 4096).record;
   edge.pixels = nullptr;
   Expect(edge, IDX_OK, -1, "");
-  Expect(with([](IDXDSDATA& r) { r.rowBytes = -604, r.photoHint = 3; }), IDX_OK, -1, "");
+  // A number of bytes that cannot be allocated, before the hints.
+  Expect(with([](IDXDSDATA& r) { r.rowBytes = -604, r.photoHint = 3; }), IDXERR_MEMORY, -1, "");
+  Expect(with([](IDXDSDATA& r) { r.rowBytes = 0x7FFFFFFF, r.typeHint = 1; }), IDXERR_MEMORY, -1, "");
+  Expect(with([](IDXDSDATA& r) { r.bitsPerPixel = -24, r.resolution = 200; }), IDXERR_MEMORY, -1, "");
   Expect(with([](IDXDSDATA& r) { r.photoKind = 4, r.typeHint = 3, r.photoHint = 1; }), IDX_OK, 1090000, "RIBDUFF");
 }
 
@@ -159,6 +162,9 @@ TEST_F(DetectSceneTest, FaceDetectorGetsTheFullCopyAndIsReleasedOnEveryPath) {
   EXPECT_EQ(fakeEngines.bitmap, picture.bytes);
   EXPECT_EQ(std::tie(fakeEngines.bitsPerPixel, fakeEngines.width, fakeEngines.height, fakeEngines.negatedStride),
             std::make_tuple(48, 200, 150, -1204));
+  fakeEngines.handsOut = false;
+  Expect(picture.record, IDX_OK, 1010000, "IBDU");
+  fakeEngines.handsOut = true;
   fakeEngines.detectResult = 9;
   Expect(picture.record, 521, -1, "IBDFF");
   fakeEngines.setBitmapResult = 8;

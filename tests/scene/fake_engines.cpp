@@ -13,6 +13,11 @@ FakeEngines fakeEngines;
 
 namespace {
 
+// As many bytes as a stride and a number of rows make, also where both are negative.
+std::size_t BytesOf(std::int32_t stride, std::int32_t height) {
+  return static_cast<std::size_t>(std::int64_t{stride} * height);
+}
+
 std::vector<std::uint8_t> Copy(const void* bytes, std::size_t count) {
   const auto* const first = static_cast<const std::uint8_t*>(bytes);
   return {first, first + count};
@@ -24,6 +29,7 @@ void ExpectZero(const void* bytes, std::size_t count) {
 }
 
 void* HandOut() {
+  if (!fakeEngines.handsOut) return nullptr;
   ++fakeEngines.blocksHeld;
   return std::malloc(1);
 }
@@ -36,10 +42,10 @@ std::int32_t DocumentTypeRecognize(std::int32_t reserved, const char* caller, co
   fakeEngines.calls += 'R';
   fakeEngines.caller = caller;
   fakeEngines.record = Copy(record, kBrennRecordSize);
-  std::uint32_t stride = 0, height = 0;
+  std::int32_t stride = 0, height = 0;
   std::memcpy(&stride, record + kBrennStride, sizeof stride);
   std::memcpy(&height, record + kBrennHeight, sizeof height);
-  fakeEngines.recognized = Copy(pixels, std::size_t{stride} * height);
+  fakeEngines.recognized = Copy(pixels, BytesOf(stride, height));
   fakeEngines.block = Copy(paramData, paramSize);
   fakeEngines.zeroed &= reserved == 0;
   ExpectZero(result, sizeof(std::uint16_t));
@@ -62,7 +68,7 @@ std::int32_t Orlo_SetBitmap(OrloContext* context, std::int32_t bitsPerPixel, std
   fakeEngines.width = width;
   fakeEngines.height = height;
   fakeEngines.negatedStride = negatedStride;
-  fakeEngines.bitmap = Copy(pixels, static_cast<std::size_t>(-negatedStride) * static_cast<std::size_t>(height));
+  fakeEngines.bitmap = Copy(pixels, BytesOf(-negatedStride, height));
   return fakeEngines.setBitmapResult;
 }
 
@@ -81,8 +87,7 @@ std::int32_t Orlo_Uninitialize() {
 }
 
 void OrloFree(void* memory) {
-  if (!memory) return;
-  fakeEngines.calls += 'F';
-  --fakeEngines.blocksHeld;
+  fakeEngines.calls += memory ? 'F' : '0';
+  fakeEngines.blocksHeld -= memory ? 1 : 0;
   std::free(memory);
 }

@@ -15,11 +15,13 @@ struct FakeEngines {
   std::int32_t setBitmapResult = 0;
   std::int32_t detectResult = 0;
   std::uintptr_t faces = 0;
+  bool handsOut = true;               // blocks, which have to be freed
   bool throws = false;                // Orlo_DetectFacePosition runs out of memory
   std::function<void()> recognizing;  // done while the recognizer runs
 
   // What came in.
-  std::string calls;  // a letter for each: R recognize, I initialize, B bitmap, D detect, U uninitialize, F free
+  std::string
+      calls;  // a letter for each: R recognize, I initialize, B bitmap, D detect, U uninitialize, F free, 0 free null
   std::string caller;
   bool zeroed = true;                                    // what is handed in to be filled was zero each time
   std::vector<std::uint8_t> record, recognized, bitmap;  // the record; the pixels of both engines

@@ -4,6 +4,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstddef>
 #include <cstdint>
@@ -38,16 +39,43 @@ constexpr std::size_t kMostBytes = std::size_t{4096} * (51 * 8 + 5);  // of the 
 constexpr std::int32_t kDepths[] = {0, 1, 8, 15, 16, 24, 32, 48, 64, -1};
 #ifdef CATALOGCORE_TEST_REAL_ENGINES
 constexpr std::int32_t kResolutions[] = {150};
+constexpr bool kEnginesRefuse = true;
 #else
 constexpr std::int32_t kResolutions[] = {INT_MIN, 150, 300, INT_MAX};
+constexpr bool kEnginesRefuse = false;
 #endif
 
-// The bytes of the picture, if it describes any: 0 where what is described cannot be.
+// rowBytes x height as the library has it: in 32 bits.
+std::int32_t SizeOf(const IDXDSDATA& record) {
+  return static_cast<std::int32_t>(static_cast<std::uint32_t>(record.rowBytes) *
+                                   static_cast<std::uint32_t>(record.height));
+}
+
+bool IsNegativeOrWrapped(const IDXDSDATA& record) {
+  return SizeOf(record) < 0 || SizeOf(record) != std::int64_t{record.rowBytes} * record.height;
+}
+
+// The bytes of the picture; 0 where no buffer of that size can be.
 std::size_t BytesOf(const IDXDSDATA& record) {
-  const bool isSize = record.width >= 0 && record.height > 0 && record.rowBytes > 0 && record.bitsPerPixel >= 0;
-  const std::int64_t bytes = std::int64_t{record.rowBytes} * record.height;
-  const bool fits = std::int64_t{record.bitsPerPixel / 8} * record.width <= record.rowBytes && bytes <= INT_MAX;
-  return isSize && fits ? static_cast<std::size_t>(bytes) : 0;
+  return IsNegativeOrWrapped(record) ? 0 : static_cast<std::size_t>(SizeOf(record));
+}
+
+// Whether the picture is reduced by `factor`, and to a number of bytes that cannot be.
+bool IsReduced(const IDXDSDATA& record, std::int32_t factor) {
+  return factor > 1 && std::min(record.width, record.height) / factor >= 50;
+}
+bool IsReducedBeyondSizes(const IDXDSDATA& record, std::int32_t factor) {
+  if (!IsReduced(record, factor)) return false;
+  const std::int64_t bits = std::int64_t{record.width / factor} * record.bitsPerPixel + 31;
+  return bits < 0 || bits / 32 * 4 * (record.height / factor) > INT_MAX;
+}
+
+// What the engines say of a picture that is handed to them as it is described.
+bool IsRefused(const IDXDSDATA& record) {
+  const std::int32_t bits = record.bitsPerPixel;
+  const bool isDepth = bits == 8 || bits == 16 || bits == 24 || bits == 48;
+  return !isDepth || std::min(record.width, record.height) < 50 ||
+         record.rowBytes < std::int64_t{record.width} * (bits / 8);
 }
 
 class GuardedPixels : public testing::Test {
@@ -69,23 +97,33 @@ class GuardedPixels : public testing::Test {
       const IDXSTATUS status = IDXDetectScene(&record);
       EXPECT_TRUE(status == IDX_OK || record.presetIndex == -1);
       const bool isPicture = record.width > 0 && record.height > 0;
+      const std::int32_t factor = record.resolution / 75;
       if (isPicture && (record.width < 50 || record.height < 50)) {
         EXPECT_EQ(record.presetIndex, IDXPRESET_PHOTO_OTHER);
       } else if (isPicture && (record.width > 4096 || record.height > 4096)) {
         EXPECT_EQ(status, static_cast<IDXSTATUS>(IDXERR_IMAGESIZE));
-      } else if (bytes == 0) {
+      } else if (SizeOf(record) == 0) {
         EXPECT_EQ(status, static_cast<IDXSTATUS>(IDX_OK));
         EXPECT_EQ(record.presetIndex, -1);
-      } else {  // the engines may refuse it, but with a code of theirs
-        EXPECT_TRUE(status == IDX_OK || (status > IDXERR_RECOGNIZER && status < IDXERR_FACES + 256)) << status;
-        EXPECT_TRUE(status != IDX_OK || record.presetIndex > 0);
+      } else if (bytes == 0 || IsReducedBeyondSizes(record, factor)) {
+        EXPECT_EQ(status, static_cast<IDXSTATUS>(IDXERR_MEMORY));
+      } else if (kEnginesRefuse && IsRefused(record) && !IsReduced(record, factor)) {
+        EXPECT_TRUE(status > IDXERR_RECOGNIZER && status < IDXERR_FACES) << status;
+        ++detected_;
+      } else {
+        EXPECT_TRUE(status == IDX_OK || (kEnginesRefuse && status > IDXERR_RECOGNIZER)) << status;
+        EXPECT_TRUE(status != IDX_OK || record.presetIndex > 0 || record.width <= 0 || record.height <= 0);
         ++detected_;
       }
       for (const int target : {75, 50, 37}) {  // reduced by other factors, and from these pixels themselves
         CIDXImage image;
         image.SetImageData(&record);
-        EXPECT_EQ(image.SetImageBuffer(pixels) == IDX_OK, bytes > 0);
-        EXPECT_EQ(image.SetImageBufferWithResolution(pixels, target, 1) == IDX_OK, bytes > 0);
+        IDXSTATUS expected = bytes > 0 ? IDX_OK : IDXERR_MEMORY;
+        if (SizeOf(record) == 0) expected = IDXERR_PARAM;
+        EXPECT_EQ(image.SetImageBuffer(pixels), expected);
+        const bool isBeyond = expected == IDX_OK && IsReducedBeyondSizes(record, record.resolution / target);
+        if (isBeyond) expected = IDXERR_MEMORY;
+        EXPECT_EQ(image.SetImageBufferWithResolution(pixels, target, 1), expected);
         EXPECT_EQ(image.SetImageBuffer(nullptr), IDXERR_PARAM);
       }
     }

@@ -164,10 +164,21 @@ TEST(CIDXImage, ReducesTowardsTheTargetDownTo50Pixels) {
     ASSERT_EQ(plain.SetImageBufferWithResolution(source.data(), c.target, 0), IDX_OK);
     EXPECT_EQ(PixelsOf(plain), std::vector(source.data(), source.data() + Size(record.rowBytes * record.height)));
   }
-  // The bytes of this one can be, but not its reduced picture's. What else cannot be, the guarded pixels try.
+  // The bytes of this one can be, but not its reduced picture's. The guarded pixels try other sizes.
   const RandomBytes none(1);
   CIDXImage tooLarge = Described(Record(kMost, kMost, 1, 7, 150));
-  EXPECT_EQ(tooLarge.SetImageBufferWithResolution(none.data(), 75, 1), IDXERR_PARAM);
+  EXPECT_EQ(tooLarge.SetImageBufferWithResolution(none.data(), 75, 1), IDXERR_MEMORY);
+}
+
+TEST(CIDXImage, ReducesRowsThatContinueInTheRowsBelow) {
+  const IDXDSDATA record = Record(200, 100, 599, 24, 150);  // one byte short
+  const std::size_t size = Size(record.rowBytes * record.height);
+  const RandomBytes source(size);
+  std::vector<std::uint8_t> continued(source.data(), source.data() + size);
+  continued.resize(size + 1, 0);  // the last pixel's last byte lies beyond the source
+  CIDXImage image = Described(record);
+  ASSERT_EQ(image.SetImageBufferWithResolution(source.data(), 75, 1), IDX_OK);
+  EXPECT_EQ(PixelsOf(image), PlainReduction(continued.data(), record, 2, true));
 }
 
 TEST(CIDXImage, FilledAgainItReleasesItsOwnPixels) {
