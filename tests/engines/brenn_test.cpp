@@ -17,7 +17,10 @@
 #include <vector>
 
 #include "engines/brenn/fault.h"
+#include "engines/brenn/features.h"
 #include "engines/brenn/parameter_block.h"
+#include "engines/brenn/picture.h"
+#include "engines/brenn/working_copy.h"
 #include "tests/engines/painted.h"
 
 namespace catalogcore::brenn {
@@ -98,6 +101,33 @@ TEST(Brenn, DecidesPagesAndPhotographsAtEveryDepth) {
       EXPECT_EQ(Kind(page), kDocument);
       EXPECT_EQ(Kind(photograph), kPhotograph);
     }
+  }
+}
+
+FeatureVector Features(const SourcePicture& source) {
+  const PreparedPicture picture = tools::PreparePicture(source);
+  PictureRecord record{};
+  EXPECT_EQ(ReadRecord(picture.record.data(), record), Fault::kNone);
+  return MeasureFeatures(MakeWorkingCopy(Picture(record, picture.pixels.data())));
+}
+
+// Every feature, so that a wrong sign in any of them shows, whatever weight the model gives it.
+TEST(Brenn, MeasuresEveryFeature) {
+  const FeatureVector page = {
+      0.7937, 0.8446, 1,      0,      0.1554, 0.1039, 1,      0.1554, 0.6825, 0,      0.7907, 1,      0,      0.6966, 0,
+      0.3034, 1,      0.9063, 0.2619, 0,      1,      0.1594, 0.5365, 0.1652, 0.6113, 0.796,  0.1976, 1,      1,      0,
+      0,      1,      0.9675, 0.1082, 0.1691, 0.0412, 0.1669, 0.4166, 0.0838, 0.2461, 0.8526, 0.0402, 9.6653,
+  };
+  const FeatureVector landscape = {
+      0.3651, 0.4403, 0.4936, 0.259,  0.0109, 0.7562, 0.6505, 0.3992, 0.1511, 0.2284, 0.7674,
+      0.2891, 0.0899, 0.3645, 0.6355, 0,      0,      0,      0.754,  0.246,  0.2574, 0.9724,
+      1.1195, 0,      0,      0.0106, 0.5017, 0,      0.0118, 0.0477, 0.0483, 0.0222, 0.8519,
+      0.6256, 0.1809, 0.1524, 0.3962, 0.418,  0.3045, 0.1281, 0.0106, 0.0508, 9.2574,
+  };
+  const FeatureVector pageNow = Features(Page(24, {230, 215, 160})), landscapeNow = Features(Landscape(24));
+  for (std::size_t i = 0; i < kFeatureCount; ++i) {
+    EXPECT_NEAR(pageNow[i], page[i], 0.0006) << i;
+    EXPECT_NEAR(landscapeNow[i], landscape[i], 0.0006) << i;
   }
 }
 
