@@ -63,11 +63,14 @@ class Parser {
 
   // Throws Refusal or std::bad_alloc.
   void Parse(std::string_view xml) {
-    while (!xml.empty()) {
-      const std::size_t size = PieceSize(xml);
+    const bool isUtf16 = IsUtf16(xml);  // then a digit is two bytes, and expat gets them all
+    for (std::size_t most = kPiece; !xml.empty();) {
+      const std::size_t size = isUtf16 ? std::min(most, xml.size()) : PieceSize(xml, most);
+      const XML_Index start = fed_;
       Feed(xml.substr(0, size), false);
       xml.remove_prefix(size);
-      if (tagEnd_ != fed_) continue;
+      most = HasReached(start) ? kPiece : std::min(2 * most, kLargestPiece);
+      if (isUtf16 || tagEnd_ != fed_) continue;
       const std::string_view digits = xml.substr(0, reader_.Digits(xml.substr(0, xml.find('<'))));
       passedBy_.push_back(digits);
       xml.remove_prefix(digits.size());
@@ -84,15 +87,21 @@ class Parser {
   }
 
  private:
-  // expat makes copies of the pieces that it is fed.
   static constexpr std::size_t kPiece = std::size_t{1} << 16;
+  // A token that does not end in its piece is copied by expat and parsed from its beginning with the next piece. So the
+  // pieces double until it ends: a token of any length is parsed a few times, not once for every 64 KiB of it.
+  static constexpr std::size_t kLargestPiece = std::size_t{1} << 30;  // the size that expat takes is an int
+
+  // Whether expat is done with all tokens that begin ahead of this byte.
+  bool HasReached(XML_Index byte) const { return XML_GetCurrentByteIndex(expat_.get()) >= byte; }
+
   static constexpr std::string_view kDataTag = "<data>";
 
-  // The next piece ends with a tag that begins a piece's worth of text without markup, as that of a large data element
-  // does: base64 does not need expat, which goes through it byte by byte. Smaller elements are left in their piece,
-  // because many short pieces would have expat begin again and again with a comment that holds them.
-  static std::size_t PieceSize(std::string_view xml) {
-    const std::size_t size = std::min(kPiece, xml.size());
+  // The next piece, of `most` bytes at most, ends with a tag that begins 64 KiB of text without markup, as that of a large
+  // data element does: base64 does not need expat, which goes through it byte by byte. Smaller elements are left in
+  // their piece, because many short pieces would have expat begin again and again with a comment that holds them.
+  static std::size_t PieceSize(std::string_view xml, std::size_t most) {
+    const std::size_t size = std::min(most, xml.size());
     const std::size_t tag = xml.rfind('<', size - 1);
     if (tag == std::string_view::npos || !xml.substr(tag).starts_with(kDataTag)) return size;
     const std::string_view text = xml.substr(tag + kDataTag.size(), kPiece);

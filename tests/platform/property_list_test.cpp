@@ -1,8 +1,10 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/cf_reference.h"
 #include "tests/platform/property_list_samples.h"
@@ -192,6 +194,27 @@ TEST(CFPropertyList, ReadsLongDataAsItReadsShort) {
             Document("<string>&lt;data&gt;" + run + "</string>\n"));
 }
 
+// The reader feeds its XML parser 64 KiB at a time. The tag ends at every place around the end of a piece.
+TEST(CFPropertyList, ReadsDataWhereverItsTagEnds) {
+  const auto utf8 = [](const std::string& ascii) { return ascii; };
+  const auto little = [](const std::string& ascii) { return Utf16(ascii, false); };
+  const auto big = [](const std::string& ascii) { return Utf16(ascii, true); };
+  const auto check = [](auto encoded, std::size_t step) {
+    for (std::size_t end = (1 << 16) - 30; end < (1 << 16) + 30; end += step) {
+      std::string xml = "<plist><data>";
+      xml.insert(7, (end - encoded(xml).size()) / step, ' ');
+      ASSERT_EQ(encoded(xml).size(), end);
+      for (const std::size_t groups : {std::size_t{2}, std::size_t{20000}}) {
+        const Held list = Read(encoded(xml + Repeat("QUJD", groups) + "</data></plist>"));
+        EXPECT_TRUE(list && BytesOf(list.get()) == Repeat("ABC", groups)) << groups << " groups at " << end;
+      }
+    }
+  };
+  check(utf8, 1);
+  check(little, 2);
+  check(big, 2);
+}
+
 TEST(CFPropertyList, NestsTo512LevelsAndNeverRecurses) {
   const std::string document = Write(Read(Arrays(512)).get());
   ASSERT_NE(document, "");
@@ -213,12 +236,33 @@ TEST(CFPropertyList, NestsTo512LevelsAndNeverRecurses) {
   CFRelease(nested);
 }
 
-// Work that grows with the square of the contents or the keys would take minutes here.
-TEST(CFPropertyList, TakesLargeContentsAndManyKeys) {
+// Work that grows with the square of a token's length or of the number of keys takes dozens of times as long.
+TEST(CFPropertyList, TakesLargeContentsAndManyKeysInProportion) {
   constexpr std::size_t kSize = std::size_t{24} << 20;
+  constexpr int kMostTimes = 12;
+  const auto timeOf = [](const std::string& xml) {
+    const std::clock_t begin = std::clock();
+    EXPECT_NE(Read(xml), nullptr);
+    return std::clock() - begin;
+  };
   const std::string filler(kSize, 'A');
-  EXPECT_NE(Read(Plist("<!--" + filler + "--><true/>")), nullptr);
-  EXPECT_NE(Read("<plist version='" + filler + "'><true/></plist>"), nullptr);
+  const std::clock_t text = timeOf(Plist("<string>" + filler + "</string>"));
+  const std::string dataInComment = Repeat("<data>" + std::string(70000, 'A'), kSize / 70000);
+  const std::pair<const char*, std::string> cases[] = {
+      {"comment", Plist("<!--" + filler + "--><true/>")},
+      {"comment ahead of the root", "<!--" + filler + "-->" + Plist("<true/>")},
+      {"comment with data tags", Plist("<!--" + dataInComment + "--><true/>")},
+      {"comment in UTF-16", Utf16(Plist("<!--" + filler.substr(kSize / 2) + "--><true/>"), true)},
+      {"processing instruction", Plist("<?p " + filler + "?><true/>")},
+      {"CDATA section", Plist("<string><![CDATA[" + filler + "]]></string>")},
+      {"attribute value", "<plist version='" + filler + "'><true/></plist>"},
+      {"end tag", Plist("<true></true" + std::string(kSize, ' ') + ">")},
+      {"document type", "<!DOCTYPE plist SYSTEM '" + filler + "'>" + Plist("<true/>")},
+  };
+  for (const auto& [what, xml] : cases) {
+    const std::clock_t taken = timeOf(xml);
+    EXPECT_LT(taken, kMostTimes * text) << what;
+  }
   EXPECT_EQ(BytesOf(Read(Plist("<data>" + filler + "</data>")).get()).size(), kSize / 4 * 3);
   std::string keys;
   for (int i = 0; i < 400000; ++i) keys += "<key>" + std::to_string(i) + "</key><true/>";
