@@ -1,11 +1,8 @@
 // The file of the images: index key, attribute and path of each.
 #include <limits.h>
 
-#include <array>
-#include <cstddef>
-#include <span>
 #include <string>
-#include <string_view>
+#include <vector>
 
 #include "api/catalogue.h"
 #include "api/file_path.h"
@@ -15,30 +12,18 @@
 
 namespace {
 
-// The records of the images whose files exist, a few hundred at a time: asking the system for one file and filing one
-// image in turn, each would push out of the processor's caches what the other needs.
-class ExistingImages {
- public:
-  explicit ExistingImages(PayloadReader& reader) : reader_(reader) {}
-
-  // The next ones, good until the next call; none at the end. Throws std::bad_alloc.
-  std::span<const PayloadRecord> Next() {
-    std::size_t count = 0;
-    while (count < records_.size() && reader_.NextRecord(records_[count])) {
-      const std::string_view path = records_[count].last;
-      if (path.size() >= PATH_MAX) continue;  // names no file
-      path_ = path;
-      if (files_.Has(path_.c_str())) ++count;
-    }
-    return std::span(records_).first(count);
+// Whether the file of each record exists, in the order of the records, a bit each. A disk may take its time to answer,
+// so this is asked before the catalogue's lock is taken. Throws std::bad_alloc.
+std::vector<bool> AskForFiles(PayloadReader reader) {
+  std::vector<bool> exist;
+  ExistingFiles files;
+  std::string path;
+  for (PayloadRecord record{}; reader.NextRecord(record);) {
+    path = record.last.substr(0, PATH_MAX);
+    exist.push_back(path.size() < PATH_MAX && files.Has(path.c_str()));  // a longer path names no file
   }
-
- private:
-  PayloadReader& reader_;
-  ExistingFiles files_;
-  std::string path_;
-  std::array<PayloadRecord, 256> records_{};
-};
+  return exist;
+}
 
 }  // namespace
 
@@ -64,17 +49,18 @@ IDXSTATUS IDXLoadImageFile(IDXSTR name) {
     if (status != IDX_OK) return status;
     PayloadReader reader(TextOf(payload.get()));
     if (!IsValidVersion(reader.VersionLine())) return IDXERR_VERSION;
+    const std::vector<bool> exist = AskForFiles(reader);
     const CatalogueGuard guard;
-    ExistingImages images(reader);
     CIDXString indexKey;
     CIDXString imageKey;
     CIDXString folderKey;
-    for (auto records = images.Next(); !records.empty(); records = images.Next()) {
-      for (const PayloadRecord& record : records) {
-        if (!CopyField(indexKey, record.first) || !CopyField(imageKey, record.last)) return IDXERR_MEMORY;
-        if (!ExtractFilePath(folderKey, imageKey)) continue;
-        idData->AddNode(imageKey, indexKey, folderKey, record.attribute);  // what the store refuses is skipped
-      }
+    PayloadRecord record{};
+    for (const bool exists : exist) {
+      reader.NextRecord(record);
+      if (!exists) continue;
+      if (!CopyField(indexKey, record.first) || !CopyField(imageKey, record.last)) return IDXERR_MEMORY;
+      if (!ExtractFilePath(folderKey, imageKey)) continue;
+      idData->AddNode(imageKey, indexKey, folderKey, record.attribute);  // what the store refuses is skipped
     }
     return IDX_OK;
   });
