@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -10,6 +11,7 @@
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
+#include <ctime>
 #include <functional>
 #include <memory>
 #include <string>
@@ -84,26 +86,65 @@ void RemoveLeftovers(const Target& target) {
   }
 }
 
-// Makes a file of a name that no other has, and locks it; negative, with errno, when the folder takes none.
-int CreateTemporary(const Target& target, std::string& path) {
-  static std::atomic<unsigned> count{0};
-  // Where there is a file, nobody may look into the new one who may not look into that.
-  const mode_t mode = target.exists ? 0600 : 0666;
-  for (;;) {
-    path = target.folder + target.prefix + std::to_string(getpid()) + '-' + std::to_string(++count);
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-    if (file < 0 && (errno == EEXIST || errno == EINTR)) continue;
-    if (file < 0) return file;
-    struct stat status {};
-    flock(file, LOCK_EX | LOCK_NB);
-    if (fstat(file, &status) != 0 || status.st_nlink > 0) return file;
-    close(file);  // another writer took it for a leftover before it was locked
-  }
+// Whether the file, which was made just now, is locked for this writer. Until then another writer may take it for a
+// leftover and lock it first, which removes it. Where the file system has no locks, no writer removes leftovers.
+bool HasLocked(int file) {
+  if (flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) return false;
+  struct stat status {};
+  return fstat(file, &status) != 0 || status.st_nlink > 0;
 }
+
+// Creates a file of a name that no other has, and locks it; negative, with errno, when the folder takes none.
+int CreateTemporary(const Target& target, mode_t mode, std::string& path) {
+  constexpr int kMostAttempts = 1000;  // each fails for another file or another writer
+  static std::atomic<unsigned> count{0};
+  for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+    path = target.folder + target.prefix + std::to_string(getpid()) + '-' + std::to_string(++count);
+    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+    if (file < 0 && (errno == EEXIST || errno == EINTR)) continue;
+    if (file < 0 || HasLocked(file)) return file;
+    close(file);
+  }
+  errno = EAGAIN;
+  return -1;
+}
+
+// While it lives, a write beyond the limit on file sizes (RLIMIT_FSIZE) fails with EFBIG, but does not send this thread
+// the signal that would end the process. Handlers and other threads are not touched.
+class FileSizeSignalBlock {
+ public:
+  FileSizeSignalBlock() {
+    sigemptyset(&signal_);
+    sigaddset(&signal_, SIGXFSZ);
+    sigset_t pending;
+    sigpending(&pending);
+    wasPending_ = sigismember(&pending, SIGXFSZ) == 1;
+    pthread_sigmask(SIG_BLOCK, &signal_, &maskBefore_);
+  }
+  ~FileSizeSignalBlock() {
+    const int error = errno;
+    if (!wasPending_) Consume();
+    pthread_sigmask(SIG_SETMASK, &maskBefore_, nullptr);
+    errno = error;
+  }
+  FileSizeSignalBlock(const FileSizeSignalBlock&) = delete;
+  FileSizeSignalBlock& operator=(const FileSizeSignalBlock&) = delete;
+
+ private:
+  void Consume() const {
+    constexpr timespec kNow{};
+    while (sigtimedwait(&signal_, nullptr, &kNow) < 0 && errno == EINTR) {
+    }
+  }
+
+  sigset_t signal_, maskBefore_;
+  bool wasPending_;  // which only a signal that the application blocks can be
+};
 
 using Parts = std::initializer_list<std::string_view>;
 
 bool WriteAll(int file, Parts parts) {
+  const FileSizeSignalBlock noSignal;
   for (std::string_view part : parts) {
     while (!part.empty()) {
       const ssize_t count = write(file, part.data(), part.size());
@@ -130,12 +171,10 @@ void FlushFolder(const Target& target) {
   if (folder.IsOpen()) Flush(folder.Get());
 }
 
-void TakePermissions(int file, const Target& target) {
-  if (!target.exists) return;
-  mode_t mode = target.status.st_mode & 07777;
+void TakePermissions(int file, const struct stat& source) {
+  mode_t mode = source.st_mode & 07777;
   // The owner first: changing it may clear bits of the mode. A group that cannot be kept takes its bits along.
-  if (fchown(file, target.status.st_uid, target.status.st_gid) != 0 &&
-      fchown(file, static_cast<uid_t>(-1), target.status.st_gid) != 0) {
+  if (fchown(file, source.st_uid, source.st_gid) != 0 && fchown(file, static_cast<uid_t>(-1), source.st_gid) != 0) {
     mode &= ~static_cast<mode_t>(S_IRWXG);
   }
   [[maybe_unused]] const int permitted = fchmod(file, mode);
@@ -160,15 +199,19 @@ bool WriteInPlace(const Target& target, Parts parts) {
 
 }  // namespace
 
-bool ReplaceFile(const char* path, Parts parts) {
+bool ReplaceFile(const char* path, Parts parts, const char* permissionsOf) {
   const Target target(FollowLinks(path));
   if (!target.isKnown) return false;
   if (target.exists && faccessat(AT_FDCWD, target.path.c_str(), W_OK, AT_EACCESS) != 0) return false;
+  struct stat permissions = target.status;
+  if (permissionsOf && stat(permissionsOf, &permissions) != 0) return false;
+  const bool hasPermissions = permissionsOf || target.exists;
   RemoveLeftovers(target);
   std::string temporary;
-  const FileDescriptor file(CreateTemporary(target, temporary));
+  // The new file is never more readable than the one whose permissions it takes.
+  const FileDescriptor file(CreateTemporary(target, hasPermissions ? 0600 : 0666, temporary));
   if (!file.IsOpen()) return IsFoldersRefusal(errno) && target.exists && WriteInPlace(target, parts);
-  TakePermissions(file.Get(), target);
+  if (hasPermissions) TakePermissions(file.Get(), permissions);
   const bool isWritten = WriteAll(file.Get(), parts) && Flush(file.Get());
   if (isWritten && std::rename(temporary.c_str(), target.path.c_str()) == 0) {
     FlushFolder(target);

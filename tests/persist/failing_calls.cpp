@@ -1,12 +1,16 @@
 #include "tests/persist/failing_calls.h"
 
+#include <fcntl.h>
+#include <limits.h>
 #include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <string>
 
 namespace {
 
@@ -16,6 +20,9 @@ int errorOfCall = 0;
 bool reached = false;
 int flushes = 0;
 int flushesBeforeRename = -1;
+void (*onExistence)() = nullptr;
+std::string stolen;  // a file that another writer is about to remove
+int thief = -1;      // its descriptor
 
 bool IsInterrupted() {
   if (armed != OnCall::kShorten || ++callsLeft % 5 != 0) return false;
@@ -25,7 +32,7 @@ bool IsInterrupted() {
 
 // Whether the call is to fail; errno is set then.
 bool Fails() {
-  if (armed == OnCall::kNothing || armed == OnCall::kShorten || callsLeft-- > 0 || reached) return false;
+  if ((armed != OnCall::kFail && armed != OnCall::kKill) || callsLeft-- > 0 || reached) return false;
   reached = true;
   if (armed == OnCall::kKill) kill(getpid(), SIGKILL);
   errno = errorOfCall;
@@ -53,6 +60,8 @@ int FlushesBeforeRename(void (*work)()) {
   return flushesBeforeRename;
 }
 
+void OnExistence(void (*asked)()) { onExistence = asked; }
+
 bool CallsWereReached() { return reached; }
 
 extern "C" {
@@ -64,6 +73,16 @@ int __real_rename(const char* from, const char* to);
 int __real_close(int file);
 int __real_stat(const char* path, struct stat* status);
 ssize_t __real_readlink(const char* path, char* text, size_t size);
+int __real_flock(int file, int operation);
+int __real_access(const char* path, int mode);
+int __real_faccessat(int folder, const char* path, int mode, int flags);
+
+static void RemoveStolen() {
+  if (stolen.empty()) return;
+  unlink(stolen.c_str());
+  __real_close(thief);
+  stolen.clear();
+}
 
 int __wrap_open(const char* path, int flags, mode_t mode) {
   return Fails() || IsInterrupted() ? -1 : __real_open(path, flags, mode);
@@ -72,6 +91,7 @@ ssize_t __wrap_read(int file, void* bytes, size_t size) {
   return Fails() || IsInterrupted() ? -1 : __real_read(file, bytes, Shortened(size));
 }
 ssize_t __wrap_write(int file, const void* bytes, size_t size) {
+  RemoveStolen();
   return Fails() || IsInterrupted() ? -1 : __real_write(file, bytes, Shortened(size));
 }
 int __wrap_fsync(int file) {
@@ -83,11 +103,31 @@ int __wrap_rename(const char* from, const char* to) {
   return Fails() ? -1 : __real_rename(from, to);
 }
 int __wrap_close(int file) {
+  RemoveStolen();
   const int result = __real_close(file);
   return Fails() || IsInterrupted() ? -1 : result;
 }
 int __wrap_stat(const char* path, struct stat* status) { return Fails() ? -1 : __real_stat(path, status); }
 ssize_t __wrap_readlink(const char* path, char* text, size_t size) {
   return Fails() ? -1 : __real_readlink(path, text, size);
+}
+int __wrap_flock(int file, int operation) {
+  char path[PATH_MAX] = "";
+  if (armed == OnCall::kSteal && callsLeft-- > 0) {
+    reached = true;
+    __real_readlink(("/proc/self/fd/" + std::to_string(file)).c_str(), path, sizeof path - 1);
+    stolen = path;
+    thief = __real_open(path, O_RDONLY | O_CLOEXEC, 0);
+    __real_flock(thief, LOCK_EX);
+  }
+  return __real_flock(file, operation);
+}
+int __wrap_access(const char* path, int mode) {
+  if (onExistence) onExistence();
+  return __real_access(path, mode);
+}
+int __wrap_faccessat(int folder, const char* path, int mode, int flags) {
+  if (onExistence) onExistence();
+  return __real_faccessat(folder, path, mode, flags);
 }
 }

@@ -12,11 +12,13 @@
 
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <future>
 #include <iterator>
 #include <limits>
 #include <new>
@@ -28,6 +30,7 @@
 #include "persist/existing_files.h"
 #include "persist/payload.h"
 #include "persist/property_file.h"
+#include "persist/replace_file.h"
 #include "tests/api/item.h"
 #include "tests/persist/failing_calls.h"
 #include "tests/support/catalogue_state.h"
@@ -370,6 +373,11 @@ TEST_F(FilesTest, LinksPermissionsAndLeftoversAreMinded) {
   EXPECT_TRUE(fs::exists(folder_ / "real" / (prefix + "notes")));
   EXPECT_TRUE(fs::exists(folder_ / "real" / (prefix + "2-1")));
   close(held);
+  chmod((folder_ / "real/file").c_str(), 0600);
+  EXPECT_TRUE(ReplaceFile((folder_ / "real/copy").c_str(), {"x"}, (folder_ / "real/file").c_str()));
+  ASSERT_EQ(stat((folder_ / "real/copy").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 0600u);
+  EXPECT_FALSE(ReplaceFile((folder_ / "real/copy").c_str(), {"y"}, (folder_ / "missing").c_str()));
   // A link to a file that is not there yet, and a name as long as names can be.
   fs::create_symlink("real/later", folder_ / "link");
   EXPECT_EQ(Call(IDXWriteIndexFile, "link"), IDX_OK);
@@ -438,6 +446,68 @@ TEST_F(FilesTest, FileIsTheOldOrTheNewOneWhateverFails) {
     EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);
     EXPECT_EQ(FileCount(), 1u);
   }
+}
+
+TEST_F(FilesTest, OtherWritersCostAFewAttemptsAtMost) {
+  ASSERT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+  const std::string before = Content();
+  IDXAddIndex(&Item().Index(1000000).Name("new"));
+  for (const auto& [stolen, status] :
+       {std::pair(std::numeric_limits<int>::max(), IDXSTATUS{IDXERR_FAILED}), std::pair(3, IDXSTATUS{IDX_OK})}) {
+    ArmCalls(OnCall::kSteal, stolen);
+    EXPECT_EQ(Call(IDXWriteIndexFile), status);
+    EXPECT_TRUE(CallsWereReached());
+    ArmCalls(OnCall::kNothing, 0);
+    EXPECT_EQ(Content() == before, status != IDX_OK);
+    EXPECT_EQ(FileCount(), 1u);
+  }
+}
+
+TEST_F(FilesTest, WriteBeyondTheSizeLimitFailsAndTheApplicationLives) {
+  ASSERT_EQ(Call(IDXWriteIndexFile), IDX_OK);
+  const std::string before = Content();
+  IDXAddIndex(&Item().Index(1000000).Name(std::string(1000, 'n')));
+  for (const auto& [isBlocked, isPending] : {std::pair(false, false), std::pair(true, false), std::pair(true, true)}) {
+    EXPECT_FALSE(IsKilled(fork(),
+                          [isBlocked, isPending] {
+                            sigset_t signals;
+                            sigemptyset(&signals);
+                            sigaddset(&signals, SIGXFSZ);
+                            if (isBlocked) pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+                            if (isPending) raise(SIGXFSZ);
+                            const rlimit limit = {1000, 1000};
+                            setrlimit(RLIMIT_FSIZE, &limit);
+                            const IDXSTATUS status = Call(IDXWriteIndexFile);
+                            sigset_t mask, pending;
+                            pthread_sigmask(SIG_BLOCK, nullptr, &mask);
+                            sigpending(&pending);
+                            const bool isSame = (sigismember(&mask, SIGXFSZ) == 1) == isBlocked &&
+                                                (sigismember(&pending, SIGXFSZ) == 1) == isPending;
+                            if (status != IDXERR_FAILED || !isSame) abort();
+                          }))
+        << isBlocked << isPending;
+    EXPECT_EQ(Content(), before);
+    EXPECT_EQ(FileCount(), 1u);
+  }
+}
+
+// A disk that does not answer holds up the load alone.
+TEST_F(FilesTest, CatalogueCallsGetThroughWhileALoadAsksForFiles) {
+  ASSERT_EQ(IDXAddImage(&Item().Name(folder_ / "file").Index(IDXPRESET_PHOTO_OTHER)), IDX_OK);
+  ASSERT_EQ(Call(IDXWriteImageFile), IDX_OK);
+  Begin();
+  static std::vector<std::future<IDXSTATUS>> calls;
+  static bool gotThrough = true;
+  OnExistence([] {
+    calls.push_back(std::async(std::launch::async, [] { return IDXSearchImage(&Item().Name("/a/b").Index(0)); }));
+    gotThrough = gotThrough && calls.back().wait_for(std::chrono::seconds(20)) == std::future_status::ready;
+  });
+  EXPECT_EQ(Call(IDXLoadImageFile), IDX_OK);
+  OnExistence(nullptr);
+  EXPECT_GE(calls.size(), 2u);  // for the folder and for the file
+  EXPECT_TRUE(gotThrough);
+  calls.clear();
+  EXPECT_EQ(IDXSearchImage(&Item().Name(folder_ / "file").Index(0)), IDX_OK);
 }
 
 // What writers and the one who kills them both see.
