@@ -1,5 +1,8 @@
-// Property lists as XML: what is read is written, and reads as the same again. A byte 1, which no XML holds,
-// stands for so much base64 that the reader keeps it from its XML parser.
+// Property lists as XML: what is read is written, and reads as the same again; in UTF-16, too, as in ASCII. Bytes that
+// no XML holds bring an input to the limits of the reader, which lie far behind what a fuzzer comes to by itself:
+//   1     so much base64 that the reader keeps it from its XML parser;
+//   2 N   blanks, so that N characters fit in before the parser gets its next piece;
+//   3, 4  at the beginning: UTF-16, little or big endian.
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <algorithm>
@@ -17,12 +20,33 @@ using catalogcore::cf::Object;
 
 using List = CFReference<CFPropertyListRef>;
 
-std::string WithLongRuns(std::string_view xml) {
-  const std::string run(std::size_t{70} << 10, 'Q');
-  std::string text(xml);
-  std::size_t at = 0;
-  for (int runs = 0; runs < 4 && (at = text.find('\x01', at)) != text.npos; at += run.size(), ++runs) {
-    text.replace(at, 1, run);
+enum class Encoding { kBytes, kLittleEndian, kBigEndian };
+
+std::string Encoded(const std::string& latin1, Encoding encoding) {
+  if (encoding == Encoding::kBytes) return latin1;
+  const bool isLittle = encoding == Encoding::kLittleEndian;
+  std::string text = isLittle ? "\xFF\xFE" : "\xFE\xFF";
+  for (const char c : latin1) text += isLittle ? std::string{c, '\0'} : std::string{'\0', c};
+  return text;
+}
+
+// The input with what its bytes 1 and 2 stand for, a few times at most.
+std::string Expanded(std::string_view input, Encoding encoding) {
+  constexpr std::size_t kPiece = std::size_t{64} << 10, kMostLong = 4;
+  const std::size_t width = encoding == Encoding::kBytes ? 1 : 2;
+  std::string text;
+  std::size_t count = 0;
+  for (std::size_t at = 0; at < input.size(); ++at) {
+    if (input[at] == '\x01' && count < kMostLong) {
+      text.append(std::size_t{70} << 10, 'Q');
+      ++count;
+    } else if (input[at] == '\x02' && at + 1 < input.size() && count < kMostLong) {
+      const auto left = static_cast<unsigned char>(input[++at]) + width - 1;  // the mark of UTF-16 is one character
+      text.append((2 * kPiece / width - text.size() % (kPiece / width) - left) % (kPiece / width), ' ');
+      ++count;
+    } else {
+      text += input[at];
+    }
   }
   return text;
 }
@@ -67,15 +91,27 @@ bool IsSame(const Object& a, const Object& b) {
   }
 }
 
+// ASCII that declares no encoding is the same property list in every encoding.
+bool IsPlainAscii(std::string_view text) {
+  return text.find("encoding") == text.npos && std::ranges::all_of(text, [](char c) { return c > 0; });
+}
+
+bool IsSame(const List& a, const List& b) {
+  if (!a || !b) return !a && !b;
+  return IsSame(*static_cast<const Object*>(a.get()), *static_cast<const Object*>(b.get()));
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string xml = WithLongRuns(AsText(data, size));
+  const bool isUtf16 = size > 0 && (*data == 3 || *data == 4);
+  const Encoding encoding = !isUtf16 ? Encoding::kBytes : *data == 3 ? Encoding::kLittleEndian : Encoding::kBigEndian;
+  const std::string text = Expanded(AsText(data + isUtf16, size - isUtf16), encoding);
+  const std::string xml = Encoded(text, encoding);
   const ProportionalMemory memory(xml.size());
   const List list = Read(xml, kCFPropertyListImmutable);
   EXPECT_EQ(Read(xml, kCFPropertyListMutableContainers) == nullptr, list == nullptr);
-  if (!list) return 0;
-  const List again = Read(Written(list), kCFPropertyListImmutable);
-  EXPECT_TRUE(again && IsSame(*static_cast<const Object*>(again.get()), *static_cast<const Object*>(list.get())));
+  EXPECT_TRUE(!isUtf16 || !IsPlainAscii(text) || IsSame(list, Read(text, kCFPropertyListImmutable)));
+  EXPECT_TRUE(!list || IsSame(list, Read(Written(list), kCFPropertyListImmutable)));
   return 0;
 }
