@@ -1,5 +1,5 @@
 // Property lists as XML: what is read is written, and reads as the same again; in UTF-16, too, as in ASCII. Bytes that
-// no XML holds bring an input to the limits of the reader, which lie far behind what a fuzzer comes to by itself:
+// no XML holds make an input long enough to reach the limits of the reader, which a fuzzer does not reach by itself:
 //   1     so much base64 that the reader keeps it from its XML parser;
 //   2 N   blanks, so that N characters fit in before the parser gets its next piece;
 //   3, 4  at the beginning: UTF-16, little or big endian.
