@@ -8,15 +8,18 @@
 #include "api/catalogue.h"
 #include "store/search_handle.h"
 
+// What the application's handle points to: the store's record under a name that no application has.
+struct IDXFINDHANDLE : SearchHandle {};
+
 struct CloseHandle {
-  void operator()(SearchHandle* handle) const { IDXCloseFind(handle); }
+  void operator()(IDXFINDHANDLE* handle) const { IDXCloseFind(handle); }
 };
 
-using OwnedHandle = std::unique_ptr<SearchHandle, CloseHandle>;
+using OwnedHandle = std::unique_ptr<IDXFINDHANDLE, CloseHandle>;
 
 // The handle of an open find, zeros otherwise; null without memory. The caller holds the store's region.
 inline OwnedHandle NewHandle() {
-  OwnedHandle handle(static_cast<SearchHandle*>(std::calloc(1, sizeof(SearchHandle))));
+  OwnedHandle handle(static_cast<IDXFINDHANDLE*>(std::calloc(1, sizeof(IDXFINDHANDLE))));
   if (handle && !idData->Finds().Open(*handle)) handle.reset();
   return handle;
 }

@@ -79,6 +79,12 @@ VALUE(IDXPRESET_DOCUMENT_FIXED, 2040000);
 VALUE(IDXPRESET_DOCUMENT_OTHER, 2090000);
 VALUE(IDXPRESET_OTHER, 9000000);
 
+/* The header's version is the project's. */
+VALUE(CATALOGCORE_VERSION_MAJOR, PROJECT_MAJOR);
+VALUE(CATALOGCORE_VERSION_MINOR, PROJECT_MINOR);
+VALUE(CATALOGCORE_VERSION_PATCH, PROJECT_PATCH);
+VALUE(CATALOGCORE_VERSION_NUMBER, PROJECT_MAJOR * 1000000 + PROJECT_MINOR * 1000 + PROJECT_PATCH);
+
 /* The calls, declared once more: another type is an error. */
 uint32_t IDXInitialize(void);
 uint32_t IDXUninitialize(void);
@@ -87,15 +93,15 @@ uint32_t IDXAddImage(struct IDXITEM*);
 uint32_t IDXChangeImage(struct IDXITEM*);
 uint32_t IDXRemoveImage(struct IDXITEM*);
 uint32_t IDXSearchImage(struct IDXITEM*);
-struct SearchHandle* IDXFindFirstImage(struct IDXITEM*, uint32_t*);
-uint32_t IDXFindNextImage(struct SearchHandle*, struct IDXITEM*);
-uint32_t IDXCloseFind(struct SearchHandle*);
+struct IDXFINDHANDLE* IDXFindFirstImage(struct IDXITEM*, uint32_t*);
+uint32_t IDXFindNextImage(struct IDXFINDHANDLE*, struct IDXITEM*);
+uint32_t IDXCloseFind(struct IDXFINDHANDLE*);
 uint32_t IDXAddIndex(struct IDXITEM*);
 uint32_t IDXChangeIndex(struct IDXITEM*);
 uint32_t IDXRemoveIndex(struct IDXITEM*);
 uint32_t IDXSearchIndex(struct IDXITEM*);
-struct SearchHandle* IDXFindFirstIndex(struct IDXITEM*, uint32_t*);
-uint32_t IDXFindNextIndex(struct SearchHandle*, struct IDXITEM*);
+struct IDXFINDHANDLE* IDXFindFirstIndex(struct IDXITEM*, uint32_t*);
+uint32_t IDXFindNextIndex(struct IDXFINDHANDLE*, struct IDXITEM*);
 uint32_t IDXSetPresetIndexName(CFStringRef* const*, const int32_t*, int32_t);
 uint32_t IDXLoadIndexFile(CFStringRef*);
 uint32_t IDXLoadImageFile(CFStringRef*);
