@@ -16,6 +16,10 @@
 #ifndef CATALOGCORE_HPP_
 #define CATALOGCORE_HPP_
 
+#if __cplusplus < 202002L
+#error "catalogcore.hpp needs C++20 (-std=c++20); catalogcore.h does not"
+#endif
+
 #include <catalogcore.h>
 
 #include <atomic>

@@ -47,11 +47,17 @@ class PrefixTest(unittest.TestCase):
         for name in ("first", "walk"):
             (self.root / f"{name}.c").write_text(programs[f"/* {name}.c */"])
             self.run_program(C_COMPILER, "-std=c11", "-Wall", "-Wextra", "-Werror", "-c", f"{name}.c", *flags)
-        self.run_program(C_COMPILER, "first.o", "-o", "program", *flags)
+        project = self.root / "project"
+        project.mkdir()
+        (project / "CMakeLists.txt").write_text(re.search(r"```cmake\n(.*?)```", guide, re.S)[1])
+        (self.root / "first.c").rename(project / "first.c")
+        self.run_program(CMAKE, "-S", project, "-B", project, f"-DCMAKE_PREFIX_PATH={prefix}",
+                         f"-DCMAKE_C_COMPILER={C_COMPILER}")
+        self.run_program(CMAKE, "--build", project)
         letter = self.root / "letter.png"
         letter.touch()
         for _ in range(2):  # the second time into the catalogue that the first one wrote
-            printed = self.run_program("./program", letter, self.root, LD_LIBRARY_PATH=str(prefix / LIBDIR))
+            printed = self.run_program(project / "first", letter, self.root, LD_LIBRARY_PATH=str(prefix / LIBDIR))
             self.assertEqual(printed, f"{letter}: 2030000\n")
 
     def test_programs_are_built_and_run_wherever_the_prefix_is(self):
@@ -68,8 +74,11 @@ class PrefixTest(unittest.TestCase):
         self.build_by_hand(moved, "catalogue")
         self.run_program(CMAKE, "-G", "Ninja", "-S", moved / EXAMPLES, "-B", built, f"-DCMAKE_PREFIX_PATH={moved}",
                          f"-DCMAKE_C_COMPILER={C_COMPILER}", f"-DCMAKE_CXX_COMPILER={CXX_COMPILER}")
-        self.run_program(CMAKE, "--build", built)
+        self.run_program(CMAKE, "--build", built)  # with the compilers' own standards
         self.run_examples(moved, built)
+        refused = subprocess.run([CXX_COMPILER, "-std=c++17", "-I", moved / "include", "-fsyntax-only", "-xc++",
+                                  moved / "include/catalogcore.hpp"], capture_output=True, text=True)
+        self.assertIn("needs C++20", refused.stderr)
 
         self.assertRegex(self.run_program(moved / "bin/catalogcore", "--version"), r"\b1\.\d+\.\d+")
         (self.root / "page.png").write_bytes(pictures.page())
