@@ -2,6 +2,7 @@
 from __future__ import annotations
 
 import ctypes
+import operator
 import os
 import pathlib
 import sysconfig
@@ -108,10 +109,12 @@ class String:
             self._set(text, what)
 
     def _set(self, text: str, what: str) -> None:
+        if not isinstance(text, str):
+            raise TypeError(f"the {what} {text!r} is of type {type(text).__name__}; give a str (os.fsdecode converts bytes)")
         try:
             encoded = text.encode()
         except UnicodeEncodeError:
-            raise InvalidError(f"the {what} {text!r} is no UTF-8; rename it") from None
+            raise InvalidError(f"the {what} {text!r} is not valid UTF-8; rename it") from None
         if not encoded or b"\0" in encoded:
             raise InvalidError(f"the {what} {text!r} is empty or holds a zero byte; give another", Status.PARAM)
         self.variable.value = library.CFStringCreateWithCString(None, encoded, _UTF8)
@@ -144,8 +147,12 @@ class String:
         self._release()
 
 
-def _checked(number: int, low: int, high: int, what: str) -> int:
-    # ctypes would cut it without a word.
+def _checked(value: int, low: int, high: int, what: str) -> int:
+    try:
+        number = operator.index(value)
+    except TypeError:
+        raise TypeError(f"the {what} {value!r} is of type {type(value).__name__}; give its number, an int") from None
+    # ctypes would truncate it silently.
     if not low <= number <= high:
         raise InvalidError(f"the {what} {number} is out of range; give one from {low} to {high}", Status.PARAM)
     return number

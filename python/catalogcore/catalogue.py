@@ -10,11 +10,11 @@ import weakref
 from collections.abc import Callable, Iterator, Mapping
 from dataclasses import dataclass
 from types import TracebackType
-from typing import Any, ClassVar, Union
+from typing import Any, ClassVar, Generic, TypeVar, Union
 
 from catalogcore._library import OP_CONDITION, OP_GETINFO, STATE_FORCE, Item, Picture, String, item_of, library
 from catalogcore._pixels import describe
-from catalogcore.errors import ClosedError, InvalidError, NoDataError, Status, error_of, file_error_of
+from catalogcore.errors import CatalogueError, ClosedError, InvalidError, NoDataError, Status, error_of, file_error_of
 
 StrPath = Union[str, "os.PathLike[str]"]
 
@@ -98,6 +98,54 @@ def _is_there() -> bool:
     return bool(library.IDXSearchIndex(ctypes.byref(item_of(index=ROOT))) != Status.FAILED)
 
 
+def _error_of(status: int, action: str, of_call: Callable[[int, str], CatalogueError] = error_of) -> CatalogueError:
+    with _calls:
+        is_closed = status == Status.FAILED and not _is_there()
+    if is_closed:
+        return ClosedError(f"cannot {action}: another part of this process closed the catalogue; open another", status)
+    return of_call(status, action)
+
+
+_Entry = TypeVar("_Entry", Image, Index)
+
+
+class _Walk(Iterator[_Entry], Generic[_Entry]):
+    """A walk, begun. Its handle is closed at its end, or when nobody has it any more."""
+
+    _find: int | None = None
+
+    def __init__(self, first: Callable[..., Any], advance: Callable[..., int], end: int, item: Item, name: String,
+                 entry: Callable[[Item, str], _Entry]) -> None:
+        self._advance, self._end, self._item, self._name, self._entry = advance, end, item, name, entry
+        self._is_at_first = True
+        status = ctypes.c_uint32()
+        self._find = first(ctypes.byref(item), ctypes.byref(status))
+        if status.value not in (Status.OK, end):
+            raise _error_of(status.value, "walk the catalogue")
+
+    def __next__(self) -> _Entry:
+        with _calls:
+            if not self._find:
+                raise StopIteration
+            status = Status.OK if self._is_at_first else self._advance(self._find, ctypes.byref(self._item))
+            self._is_at_first = False
+            if status == Status.OK:
+                return self._entry(self._item, self._name.take())
+            self.close()
+        if status != self._end:
+            raise _error_of(status, "walk the catalogue")
+        raise StopIteration
+
+    def close(self) -> None:
+        """Ends the walk. May be called again."""
+        with _calls:
+            find, self._find = self._find, None
+            library.IDXCloseFind(find)
+
+    def __del__(self) -> None:
+        self.close()
+
+
 class Catalogue:
     """The catalogue of this process, from its making to close() or the end of its with statement; nothing is saved
     then.
@@ -106,16 +154,20 @@ class Catalogue:
     named with their paths. Paths of images are full ones and valid UTF-8; of two that differ in the case of ASCII
     letters alone, about one pair in 2,000 counts as one. Paths and names must not hold a line feed: the files cannot.
 
-    Making a second one raises ClosedError, and so do calls after close(); walks end then. Everything raises
-    CatalogueError, of which InvalidError and OutOfMemoryError may come from any call.
+    Making a second one raises ClosedError, and so do calls after close(); walks end then. Failures raise
+    CatalogueError, of which InvalidError and OutOfMemoryError may come from any call. An argument of a wrong type
+    raises TypeError.
+
+    len() counts the images, which takes as long as a walk over them. An open catalogue is true, also while it is empty.
     """
 
     _open: ClassVar[weakref.ref[Catalogue] | None] = None
 
     def __init__(self, folder: StrPath | None = None) -> None:
-        base = None if folder is None else String(os.fspath(folder), "folder")
+        self._folder = None if folder is None else os.fspath(folder)
+        base = None if self._folder is None else String(self._folder, "folder")
         with _scenes, _calls:
-            if Catalogue._open and Catalogue._open():
+            if Catalogue._open and Catalogue._open() is not None:
                 raise ClosedError("cannot open a catalogue: this process has one already; use it, or close it first")
             if Catalogue._open is None and _is_there():
                 raise ClosedError("cannot open a catalogue: another part of this process has one; use that")
@@ -144,6 +196,18 @@ class Catalogue:
     def __exit__(self, kind: type[BaseException] | None, error: BaseException | None,
                  trace: TracebackType | None) -> None:
         self.close()
+
+    @property
+    def closed(self) -> bool:
+        """Whether the catalogue is closed."""
+        return not self._is_open()
+
+    def __repr__(self) -> str:
+        folder = "" if self._folder is None else f" in {self._folder!r}"
+        return f"<Catalogue{folder}, {'closed' if self.closed else 'open'}>"
+
+    def __bool__(self) -> bool:
+        return self._is_open()
 
     @property
     def recognizes(self) -> bool:
@@ -183,19 +247,40 @@ class Catalogue:
         return Image(os.fspath(path), item.index, item.attribute)
 
     def __contains__(self, path: StrPath) -> bool:
-        name = _path(path)
-        item = item_of(name=name)
-        status = self._status(library.IDXSearchImage, ctypes.byref(item))
+        """Whether an image has that path; no image has a path that is not valid."""
+        try:
+            name = _path(path)
+        except InvalidError:
+            return False
+        status = self._status(library.IDXSearchImage, ctypes.byref(item_of(name=name)))
         if status not in (Status.OK, Status.NOIMAGE):
-            raise error_of(status, f"find {path}")
-        return bool(status == Status.OK)
+            raise _error_of(status, f"find {path}")
+        return status == Status.OK
+
+    def __len__(self) -> int:
+        item, status, count = Item(), ctypes.c_uint32(), 0
+        with _calls:
+            self._require_open()
+            find = library.IDXFindFirstImage(ctypes.byref(item), ctypes.byref(status))
+            try:
+                while status.value == Status.OK:
+                    count += 1
+                    status.value = library.IDXFindNextImage(find, ctypes.byref(item))
+            finally:
+                library.IDXCloseFind(find)
+        if status.value != Status.NOIMAGE:
+            raise _error_of(status.value, "count the images")
+        return count
 
     def images(self, index: int = ROOT, folder: StrPath | None = None) -> Iterator[Image]:
-        """Walks the images of an index and what is below it, in a folder and what is below it. No image is no error."""
+        """Walks the images of an index and what is below it, in a folder and what is below it: "/" leaves out folders
+        whose path begins with /Volumes. No image is no error. InvalidError: no such number."""
         name, path = String(), None if folder is None else _path(folder)
         item = item_of(name=name, path=path, index=index, attribute=0, operation=OP_GETINFO | OP_CONDITION)
-        for text in self._walk(library.IDXFindFirstImage, library.IDXFindNextImage, item, name, Status.NOIMAGE):
-            yield Image(text, item.index, item.attribute)
+        with _calls:
+            self._require_open()
+            return _Walk(library.IDXFindFirstImage, library.IDXFindNextImage, Status.NOIMAGE, item, name,
+                         lambda found, text: Image(text, found.index, found.attribute))
 
     # ---- Indexes
 
@@ -207,7 +292,7 @@ class Catalogue:
         item = item_of(name=text, index=parent, attribute=attribute, operation=OP_GETINFO)
         status = self._status(library.IDXAddIndex, ctypes.byref(item))
         if status != Status.OK and not (exist_ok and status == Status.INDEXEXISTS):
-            raise error_of(status, f"add the index {name!r}")
+            raise _error_of(status, f"add the index {name!r}")
         return int(item.index)
 
     def rename_index(self, number: int, name: str, *, force: bool = False) -> None:
@@ -236,17 +321,19 @@ class Catalogue:
         name = String()
         item = item_of(name=name, index=number, attribute=0)
         self._do(f"find index {number}", library.IDXSearchIndex, item)
-        return Index(number, name.take(), item.attribute)
+        return Index(item.index, name.take(), item.attribute)
 
     def indexes(self, start: int | None = None) -> Iterator[Index]:
         """Walks all indexes but the root, parents before what is below them; from `start` on, itself included, it and
-        what is below it. No index is no error."""
+        what is below it. No index is no error. InvalidError: no such number."""
         name = String()
         item = item_of(name=name, index=ROOT if start is None else start, attribute=0, operation=OP_GETINFO)
         if start is not None:
             item.operation |= OP_CONDITION
-        for text in self._walk(library.IDXFindFirstIndex, library.IDXFindNextIndex, item, name, Status.NOINDEX):
-            yield Index(item.index, text, item.attribute)
+        with _calls:
+            self._require_open()
+            return _Walk(library.IDXFindFirstIndex, library.IDXFindNextIndex, Status.NOINDEX, item, name,
+                         lambda found, text: Index(found.index, text, found.attribute))
 
     # ---- Files
 
@@ -293,6 +380,8 @@ class Catalogue:
         `dpi` is its resolution, 0 where that is not known. SceneError: more than 4096 pixels on a side, or a failure of
         the engines. InvalidError: no such pixels.
         """
+        if not isinstance(kind, Kind):
+            raise TypeError(f"the kind {kind!r} is of type {type(kind).__name__}; give a Kind, such as Kind.DOCUMENT")
         if not math.isfinite(dpi):
             raise InvalidError(f"the dpi {dpi} is no resolution; give 0 where it is not known", Status.PARAM)
         picture = Picture(resolution=max(0, min(round(dpi), 2**31 - 1)), **_HINTS[kind])
@@ -302,7 +391,7 @@ class Catalogue:
             status = library.IDXDetectScene(ctypes.byref(picture))
         del view
         if status:
-            raise error_of(status, "classify the picture")
+            raise _error_of(status, "classify the picture")
         return None if picture.presetIndex == -1 else Preset(picture.presetIndex)
 
     # ---- Calls
@@ -322,13 +411,13 @@ class Catalogue:
     def _do(self, action: str, function: Callable[..., int], item: Item) -> None:
         status = self._status(function, ctypes.byref(item))
         if status:
-            raise error_of(status, action)
+            raise _error_of(status, action)
 
     def _file(self, action: str, function: Callable[..., int], name: StrPath) -> None:
         text = String(os.fspath(name), "file name")
         status = self._status(function, text.pointer())
         if status:
-            raise file_error_of(status, action)
+            raise _error_of(status, action, file_error_of)
 
     def _load(self, name: StrPath, function: Callable[..., int], missing_ok: bool) -> None:
         try:
@@ -336,24 +425,6 @@ class Catalogue:
         except NoDataError:
             if not missing_ok:
                 raise
-
-    def _walk(self, first: Callable[..., Any], advance: Callable[..., int], item: Item, name: String,
-              end: int) -> Iterator[str]:
-        """The names that a walk finds; its other fields are in the record."""
-        find, status = None, ctypes.c_uint32()
-        try:
-            with _calls:
-                self._require_open()
-                find = first(ctypes.byref(item), ctypes.byref(status))
-            while not status.value:
-                yield name.take()
-                with _calls:
-                    status.value = advance(find, ctypes.byref(item))
-        finally:
-            with _calls:
-                library.IDXCloseFind(find)
-        if status.value != end:
-            raise error_of(status.value, "walk the catalogue")
 
 
 def _path(path: StrPath) -> String:

@@ -83,6 +83,8 @@ class OutOfMemoryError(CatalogueError, MemoryError):
 
 
 _MEANINGS: dict[int, tuple[type[CatalogueError], str]] = {
+    # Texts are checked before a call, so that only memory is left. Calls on files have a meaning of their own.
+    Status.FAILED: (OutOfMemoryError, "there is no memory for its text; free some and try again"),
     Status.PARAM: (
         InvalidError,
         "the catalogue cannot hold that; paths are full ones of at most 4096 bytes, and indexes are numbered from "

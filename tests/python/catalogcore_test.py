@@ -91,7 +91,8 @@ class CatalogueTest(unittest.TestCase):
         catalogue.set_attribute(beach, 0)
         self.assertEqual(list(catalogue.images(Preset.PHOTO)), [catalogcore.Image(str(beach), Preset.PHOTO_FACES, 0)])
         catalogue.remove(letter)
-        self.assertEqual((beach in catalogue, letter in catalogue), (True, False))
+        self.assertEqual([path in catalogue for path in (beach, letter, "", "/\udcff", "/a\0b")], [True] + [False] * 4)
+        self.assertEqual((len(catalogue), bool(catalogue)), (1, True))
 
         catalogue.name_presets({Preset.PHOTO: "Fotos"})
         catalogue.rename_index(holidays, "Sommer")
@@ -108,13 +109,14 @@ class CatalogueTest(unittest.TestCase):
         (self.folder / catalogcore.INDEX_FILE).write_text("none")
         cases = [
             (lambda: catalogue.add(beach, 1000000), catalogcore.ExistsError, Status.IMAGEEXISTS, f"add {beach}: .*; "),
-            (lambda: next(catalogue.indexes(5)), ValueError, Status.PARAM, "cannot walk"),
+            (lambda: catalogue.indexes(5), ValueError, Status.PARAM, "cannot walk"),  # before the first step
+            (lambda: catalogue.images(5), ValueError, Status.PARAM, "cannot walk"),
             (lambda: catalogue.image("/a"), LookupError, Status.NOIMAGE, "cannot find /a"),
             (lambda: catalogue.move(beach, -1), catalogcore.InvalidError, Status.PARAM, "root"),
             (lambda: catalogue.add("/a", 2**32 + 1000000), catalogcore.InvalidError, Status.PARAM, "out of range"),
             (lambda: catalogue.add("/a", 1000000, 256), catalogcore.InvalidError, Status.PARAM, "0 to 255"),
             (lambda: catalogue.add("/a\0b", 1000000), catalogcore.InvalidError, Status.PARAM, "zero byte"),
-            (lambda: catalogue.add("/\udcff", 1000000), catalogcore.InvalidError, Status.FAILED, "no UTF-8"),
+            (lambda: catalogue.add("/\udcff", 1000000), catalogcore.InvalidError, Status.FAILED, "not valid UTF-8"),
             (catalogue.load_images, catalogcore.NoDataError, Status.NODATA, "images.plist: .*missing_ok"),
             (catalogue.load, catalogcore.FileError, Status.FAILED, "index.plist: .*no catalogue file"),
             (Catalogue, catalogcore.ClosedError, Status.FAILED, "one already"),
@@ -129,14 +131,31 @@ class CatalogueTest(unittest.TestCase):
             again = pickle.loads(pickle.dumps(raised.exception))  # as it comes out of another process
             self.assertEqual((str(again), again.status), (str(raised.exception), status))
 
+        for call, words in [(lambda: catalogue.add(b"/a/b", 1000000), "type bytes; give a str .*fsdecode"),
+                            (lambda: b"/a/b" in catalogue, "type bytes; give a str"),
+                            (lambda: catalogue.add_index(5), "name 5 is of type int; give a str"),
+                            (lambda: catalogue.add(beach, "Ferien"), "index 'Ferien' is of type str; give its number"),
+                            (lambda: catalogue.remove_index("Ferien"), "index 'Ferien' is of type str; give its number"),
+                            (lambda: catalogue.classify(PAGE, kind="document"), "give a Kind, such as Kind.DOCUMENT")]:
+            self.assertRaisesRegex(TypeError, words, call)
+
+        with mock.patch.object(_library.library, "IDXAddImage", lambda item: Status.FAILED):
+            self.assertRaisesRegex(MemoryError, "no memory for its text", catalogue.add, "/a/b", 1000000)
+        _library.library.IDXUninitialize()  # by another part of the process
+        for call in lambda: catalogue.add("/a/b", 1000000), catalogue.images, catalogue.save, lambda: len(catalogue):
+            self.assertRaisesRegex(catalogcore.ClosedError, "another part of this process closed", call)
+
     def test_files_bring_the_catalogue_back(self):
         with self.catalogue as catalogue:
+            self.assertEqual(repr(catalogue), f"<Catalogue in '{self.folder}', open>")
             catalogue.load(missing_ok=True)
             catalogue.add(self.beach, catalogue.add_index("Ferien"))
             catalogue.add(self.letter, Preset.OTHER, 5)
             catalogue.save()
             before = list(catalogue.images()), list(catalogue.indexes())
-        self.assertRaises(catalogcore.ClosedError, self.catalogue.save)
+        self.assertEqual((self.catalogue.closed, repr(self.catalogue)), (True, f"<Catalogue in '{self.folder}', closed>"))
+        for call in self.catalogue.save, self.catalogue.images, self.catalogue.indexes:
+            self.assertRaises(catalogcore.ClosedError, call)
         with Catalogue() as catalogue:
             catalogue.load_indexes(self.folder / catalogcore.INDEX_FILE)
             catalogue.load_images(self.folder / catalogcore.IMAGE_FILE)
@@ -169,7 +188,7 @@ class CatalogueTest(unittest.TestCase):
             self.catalogue.add("/b/other", Preset.OTHER)
             self.assertEqual(list(left), [])  # of a catalogue that is gone
             del late
-            self.assertEqual(sorted(opened, key=str), sorted(closed, key=str))
+            self.assertEqual(sorted(filter(None, opened)), sorted(filter(None, closed)))
             self.assertEqual(len(opened), 5)
 
     def test_pixels_are_read_where_they_lie_if_they_can_be(self):
