@@ -92,7 +92,7 @@ class CatalogueTest(unittest.TestCase):
         self.assertEqual(list(catalogue.images(Preset.PHOTO)), [catalogcore.Image(str(beach), Preset.PHOTO_FACES, 0)])
         catalogue.remove(letter)
         self.assertEqual([path in catalogue for path in (beach, letter, "", "/\udcff", "/a\0b")], [True] + [False] * 4)
-        self.assertEqual((len(catalogue), bool(catalogue)), (1, True))
+        self.assertEqual(len(catalogue), 1)
 
         catalogue.name_presets({Preset.PHOTO: "Fotos"})
         catalogue.rename_index(holidays, "Sommer")
@@ -147,7 +147,7 @@ class CatalogueTest(unittest.TestCase):
 
     def test_files_bring_the_catalogue_back(self):
         with self.catalogue as catalogue:
-            self.assertEqual(repr(catalogue), f"<Catalogue in '{self.folder}', open>")
+            self.assertEqual((repr(catalogue), bool(catalogue)), (f"<Catalogue in '{self.folder}', open>", True))
             catalogue.load(missing_ok=True)
             catalogue.add(self.beach, catalogue.add_index("Ferien"))
             catalogue.add(self.letter, Preset.OTHER, 5)
