@@ -2,10 +2,11 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <array>
 #include <cerrno>
+#include <string_view>
 #include <system_error>
 
 #include "app/catalog.h"
@@ -13,56 +14,94 @@
 namespace catalogcore::app {
 namespace {
 
+// The file's text is "process 4711 (catalogcore sort)", with a line feed at its end.
+constexpr std::string_view kBegin = "process ";
+constexpr std::string_view kMiddle = " (catalogcore ";
+constexpr std::string_view kEnd = ")\n";
+constexpr std::size_t kLongest = 200;
+
 std::string Reason() { return std::generic_category().message(errno); }
 
-// What the holder wrote of itself, "process 4711 (catalogcore sort)".
-std::string Holder(int file) {
-  std::array<char, 200> text{};
-  const ssize_t size = pread(file, text.data(), text.size(), 0);
-  const std::string holder(text.data(), size > 0 ? static_cast<std::size_t>(size) : 0);
-  return holder.empty() ? "another process" : holder.substr(0, holder.find('\n'));
+// The file's first bytes, one more than a lock has at most.
+std::string TextOf(const OwnedDescriptor& file) {
+  std::array<char, kLongest + 1> text{};
+  const ssize_t size = pread(file.Get(), text.data(), text.size(), 0);
+  return {text.data(), size > 0 ? static_cast<std::size_t>(size) : 0};
 }
 
-bool Lock(int file, int operation) {
+bool IsHolder(std::string_view text) {
+  if (text.size() > kLongest || !text.starts_with(kBegin) || !text.ends_with(kEnd)) return false;
+  text.remove_prefix(kBegin.size());
+  text.remove_suffix(kEnd.size());
+  const std::size_t digits = text.find_first_not_of("0123456789");
+  return digits != 0 && digits != text.npos && text.substr(digits).starts_with(kMiddle) && text.find('\n') == text.npos;
+}
+
+std::string Holder(const OwnedDescriptor& file) {
+  const std::string text = TextOf(file);
+  return IsHolder(text) ? text.substr(0, text.size() - 1) : "another process";
+}
+
+// Why the open file is not a lock that this user made; empty if it is. An empty one is, if it has no other name: its
+// maker did not get to write into it.
+std::string WhyForeign(const OwnedDescriptor& file, const struct stat& status) {
+  if (status.st_uid != geteuid()) return "another user's file";
+  const std::string text = TextOf(file);
+  const bool isOurs = text.empty() ? status.st_size == 0 && status.st_nlink == 1 : IsHolder(text);
+  return isOurs ? "" : "a file of something else";
+}
+
+OwnedDescriptor OpenLock(const std::string& name) {
+  OwnedDescriptor file = OpenRegularFile(AT_FDCWD, name, O_RDWR | O_CREAT | O_NOFOLLOW);
+  struct stat status {};
+  const bool isKnown = file.IsOpen() && fstat(file.Get(), &status) == 0;
+  const std::string problem = isKnown ? WhyForeign(file, status) : WhyNotOpened(errno);
+  if (!problem.empty()) {
+    throw CatalogError("cannot lock the catalogue with " + name + ": " + problem +
+                       " (nothing was changed; move it away, or name another catalogue with --catalog)");
+  }
+  // Some file systems know no permissions; on those nothing can be kept from anybody.
+  if ((status.st_mode & 0077) != 0) [[maybe_unused]]
+    const int result = fchmod(file.Get(), 0600);
+  return file;
+}
+
+bool Lock(const OwnedDescriptor& file, int operation) {
   int result = 0;
   do {
-    result = flock(file, operation);
+    result = flock(file.Get(), operation);
   } while (result != 0 && errno == EINTR);
   return result == 0;
 }
 
 // That a lock cannot be read by the next one is no reason to fail.
-void WriteHolder(int file, const std::string& command) {
-  const std::string holder = "process " + std::to_string(getpid()) + " (catalogcore " + command + ")\n";
-  const bool isWritten = ftruncate(file, 0) == 0 && pwrite(file, holder.data(), holder.size(), 0) > 0;
+void WriteHolder(const OwnedDescriptor& file, const std::string& command) {
+  const std::string holder =
+      std::string(kBegin) + std::to_string(getpid()) + std::string(kMiddle) + command + std::string(kEnd);
+  const bool isWritten = ftruncate(file.Get(), 0) == 0 && pwrite(file.Get(), holder.data(), holder.size(), 0) > 0;
   static_cast<void>(isWritten);
+}
+
+OwnedDescriptor OpenLockIn(const std::filesystem::path& folder) {
+  std::error_code error;
+  std::filesystem::create_directories(folder, error);
+  if (error) throw CatalogError("cannot make " + folder.string() + ": " + error.message());
+  return OpenLock((folder / "lock").string());
 }
 
 }  // namespace
 
 CatalogLock::CatalogLock(const std::filesystem::path& folder, const std::string& command, const Waiting& waiting)
-    : file_(-1) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error) throw CatalogError("cannot make " + folder.string() + ": " + error.message());
-  const std::string name = (folder / "lock").string();
-  file_ = open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (file_ < 0) throw CatalogError("cannot open " + name + ": " + Reason());
-  bool isLocked = Lock(file_, LOCK_EX | LOCK_NB);
-  std::string problem = isLocked || errno == EWOULDBLOCK ? "" : "cannot lock " + name + ": " + Reason();
-  if (!isLocked && problem.empty()) {
+    : file_(OpenLockIn(folder)) {
+  if (!Lock(file_, LOCK_EX | LOCK_NB)) {
+    if (errno != EWOULDBLOCK) throw CatalogError("cannot lock " + (folder / "lock").string() + ": " + Reason());
     const std::string holder = folder.string() + " is being changed by " + Holder(file_);
     if (waiting) waiting(holder);
-    isLocked = waiting && Lock(file_, LOCK_EX);
-    problem = holder + " (try again later, or wait for it with --wait)";
-  }
-  if (!isLocked) {
-    close(file_);
-    throw CatalogError(problem);
+    if (!waiting || !Lock(file_, LOCK_EX)) {
+      throw CatalogError(holder + " (try again later, or wait for it with --wait)");
+    }
   }
   WriteHolder(file_, command);
 }
-
-CatalogLock::~CatalogLock() { close(file_); }
 
 }  // namespace catalogcore::app

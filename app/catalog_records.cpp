@@ -1,11 +1,13 @@
 #include "app/catalog_records.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
-#include <fstream>
 #include <stdexcept>
-#include <system_error>
+
+#include "app/regular_file.h"
 
 namespace catalogcore::app {
 namespace {
@@ -14,18 +16,11 @@ constexpr int kLevels = 4;
 constexpr std::int32_t kGroupFactor = 100;  // two decimal digits a level
 
 // The whole file; empty if it is not there.
-std::vector<UInt8> ReadFile(const std::filesystem::path& file) {
-  std::error_code error;
-  const std::uintmax_t size = std::filesystem::file_size(file, error);
-  if (error == std::errc::no_such_file_or_directory) return {};
-  if (error) throw std::runtime_error(error.message());
-  std::vector<UInt8> content(size);
-  errno = 0;
-  std::ifstream stream(file, std::ios::binary);
-  if (!stream || !stream.read(reinterpret_cast<char*>(content.data()), static_cast<std::streamsize>(size))) {
-    throw std::runtime_error(errno != 0 ? std::generic_category().message(errno) : "it cannot be read");
-  }
-  return content;
+std::string ReadFile(const std::filesystem::path& name) {
+  const OwnedDescriptor file = OpenRegularFile(AT_FDCWD, name, O_RDONLY);
+  if (file.IsOpen()) return ReadWholeFile(file);
+  if (errno == ENOENT) return {};
+  throw std::runtime_error(WhyNotOpened(errno));
 }
 
 // The next field, as the library cuts it: separators ahead of it are skipped. False if there is none.
@@ -48,9 +43,10 @@ std::uint8_t AttributeOf(const std::string& text) {
 }  // namespace
 
 CatalogRecords::CatalogRecords(const std::filesystem::path& file, CFStringRef key) {
-  const std::vector<UInt8> content = ReadFile(file);
+  const std::string content = ReadFile(file);
   if (content.empty()) return;
-  const Owned<CFDataRef> data(CFDataCreate(nullptr, content.data(), static_cast<CFIndex>(content.size())));
+  const Owned<CFDataRef> data(
+      CFDataCreate(nullptr, reinterpret_cast<const UInt8*>(content.data()), static_cast<CFIndex>(content.size())));
   if (!data) throw std::bad_alloc();
   list_.reset(CFPropertyListCreateFromXMLData(nullptr, data.get(), kCFPropertyListImmutable, nullptr));
   if (!list_ || CFGetTypeID(list_.get()) != CFDictionaryGetTypeID()) {
