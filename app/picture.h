@@ -52,9 +52,9 @@ struct PictureFacts {
 // Reads no pixels: a file with facts may still be cut short. Throws PictureError, std::bad_alloc.
 PictureFacts ReadPictureFacts(const std::filesystem::path& file);
 
-// Writes an upright JPEG copy of at most side x side pixels to `target`: a new file, whole or not there. Never enlarges.
-// Throws PictureError (also when the target cannot be written: what() tells which file), std::bad_alloc.
-void WriteSmallCopy(const std::filesystem::path& file, const std::filesystem::path& target, int side);
+// An upright JPEG copy of at most side x side pixels, as the bytes of a file. Never enlarges. Throws PictureError,
+// std::bad_alloc.
+std::string SmallCopy(const std::filesystem::path& file, int side);
 
 }  // namespace catalogcore::app
 

@@ -20,6 +20,7 @@ struct GalleryOptions {
 
 GalleryRequest RequestFor(const Catalog& catalog) {
   GalleryRequest request;
+  request.catalogueFile = catalog.ImageFile().file;
   const IndexTree tree(catalog);
   for (const IndexNode& node : tree.Nodes()) {
     const Preset* const preset = FindPreset(node.entry.number);

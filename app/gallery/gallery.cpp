@@ -1,16 +1,20 @@
 #include "app/gallery/gallery.h"
 
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <chrono>
 #include <exception>
 #include <mutex>
 #include <set>
 #include <system_error>
 #include <thread>
 
+#include "app/folder.h"
 #include "app/gallery/gallery_data.h"
 #include "app/gallery/page_files.h"
 #include "app/gallery/picture_records.h"
 #include "app/gallery/small_copies.h"
-#include "app/gallery/whole_file.h"
 
 namespace catalogcore::app {
 namespace {
@@ -21,10 +25,16 @@ namespace fs = std::filesystem;
 class GalleryRun {
  public:
   explicit GalleryRun(const GalleryRequest& request)
-      : request_(request), copies_(request.folder), records_(request.images.size()), failures_(request.images.size()) {}
+      : request_(request),
+        readers_(ReadersOf(request.catalogueFile)),
+        folder_(request.folder),
+        former_(OpenRecords(folder_, readers_)),
+        copies_(folder_),
+        records_(request.images.size()),
+        failures_(request.images.size()) {}
 
   GalleryReport Write() {
-    TakeOver(OpenRecords(request_.folder));
+    TakeOver();
     MakeCopies();
     WriteFiles();
     if (!IsStopped()) RemoveOthers();
@@ -35,28 +45,38 @@ class GalleryRun {
   bool IsStopped() const { return request_.stop != nullptr && *request_.stop; }
 
   // Gives every image the record of a former run and finds those whose file has to be opened.
-  void TakeOver(PictureRecords former) {
+  void TakeOver() {
     for (std::size_t i = 0; i < records_.size(); ++i) {
       const GalleryImage& image = request_.images[i];
-      const auto found = former.find(image.path);
-      if (found != former.end()) records_[i] = std::move(found->second);
-      const bool has_copies = copies_.Check(image.path, records_[i]);
-      if (!image.missing && !(HasFileOf(i) && has_copies)) stale_.push_back(i);
+      const auto found = former_.find(image.path);
+      if (found != former_.end()) records_[i] = std::move(found->second);
+      PictureRecord now;
+      Readers readers;
+      const bool isThere = !image.missing && !ReadStamp(image.path, now, readers);
+      const bool hasCopies = copies_.Check(image.path, records_[i], readers);
+      const bool isSame = isThere && now.changed == records_[i].changed && now.size == records_[i].size;
+      if (!image.missing && !(isSame && hasCopies)) stale_.push_back(i);
     }
+    former_.clear();
   }
 
-  // Whether the record is of the file as it is now.
-  bool HasFileOf(std::size_t i) const {
-    PictureRecord now;
-    return !ReadStamp(request_.images[i].path, now) && now.changed == records_[i].changed &&
-           now.size == records_[i].size;
+  static std::error_code ReadStamp(const fs::path& file, PictureRecord& record, Readers& readers) {
+    struct stat status {};
+    if (stat(file.c_str(), &status) != 0) return {errno, std::generic_category()};
+    const auto changed = std::chrono::seconds(status.st_mtim.tv_sec) + std::chrono::nanoseconds(status.st_mtim.tv_nsec);
+    record.changed = fs::file_time_type::clock::from_sys(std::chrono::sys_time<std::chrono::nanoseconds>(changed))
+                         .time_since_epoch()
+                         .count();
+    record.size = static_cast<std::uintmax_t>(status.st_size);
+    readers = Readers(status);
+    return {};
   }
 
-  static std::error_code ReadStamp(const fs::path& file, PictureRecord& record) {
-    std::error_code error;
-    record.changed = fs::last_write_time(file, error).time_since_epoch().count();
-    if (!error) record.size = fs::file_size(file, error);
-    return error;
+  static Readers ReadersOf(const fs::path& file) {
+    PictureRecord unused;
+    Readers readers;
+    ReadStamp(file, unused, readers);
+    return readers;
   }
 
   void MakeCopies() {
@@ -87,13 +107,14 @@ class GalleryRun {
   bool MakeCopiesOf(std::size_t i) {
     const std::string& path = request_.images[i].path;
     PictureRecord record;
-    if (const std::error_code error = ReadStamp(path, record)) {
+    Readers readers;
+    if (const std::error_code error = ReadStamp(path, record, readers)) {
       failures_[i] = error.message();
       return false;
     }
     bool made = false;
     try {
-      made = copies_.Make(path, record);
+      made = copies_.Make(path, record, readers);
     } catch (const PictureError& error) {
       failures_[i] = error.what();
     }
@@ -104,10 +125,14 @@ class GalleryRun {
   void WriteFiles() const {
     PictureRecords records;
     for (std::size_t i = 0; i < records_.size(); ++i) records.emplace(request_.images[i].path, records_[i]);
-    WriteRecords(request_.folder, records);
-    WriteWholeFile(request_.folder / "data.js", GalleryData(request_.indexes, request_.images, records_));
-    fs::create_directories(request_.folder / "assets");
-    for (const EmbeddedFile& file : PageFiles()) WriteWholeFile(request_.folder / file.name, file.content);
+    WriteRecords(folder_, records, readers_);
+    folder_.Replace("data.js", GalleryData(request_.indexes, request_.images, records_), readers_);
+    const Folder assets = folder_.Inner("assets");
+    for (const EmbeddedFile& file : PageFiles()) {
+      const fs::path name = file.name;
+      const Folder& folder = name.has_parent_path() ? assets : folder_;
+      folder.Replace(name.filename().string(), file.content, Readers());
+    }
   }
 
   void RemoveOthers() const {
@@ -117,6 +142,8 @@ class GalleryRun {
       if (record.preview) previews.insert(record.thumbnail);
     }
     copies_.RemoveOthers(thumbnails, previews);
+    folder_.RemoveLeftovers();
+    folder_.Inner("assets").RemoveLeftovers();
   }
 
   GalleryReport Report() {
@@ -129,7 +156,10 @@ class GalleryRun {
   }
 
   const GalleryRequest& request_;
-  SmallCopies copies_;
+  const Readers readers_;  // of the catalogue
+  const Folder folder_;
+  PictureRecords former_;  // what a former run left
+  const SmallCopies copies_;
   std::vector<PictureRecord> records_;
   std::vector<std::string> failures_;
   std::vector<std::size_t> stale_;    // images whose file has to be opened

@@ -40,7 +40,9 @@ struct GalleryRequest {
   std::vector<GalleryIndex> indexes;  // parents before children, siblings in the order in which they are shown
   std::vector<GalleryImage> images;   // in any order
   std::filesystem::path folder;       // made if it is not there
-  unsigned jobs = 1;                  // threads that make thumbnails, 1 or more
+  // The files that hold the paths of pictures are no more readable than this one. A missing file restricts nothing.
+  std::filesystem::path catalogueFile;
+  unsigned jobs = 1;  // threads that make thumbnails, 1 or more
   // After each file that had to be opened, of `total` such files. One thread at a time, not always the caller's.
   std::function<void(std::size_t done, std::size_t total, const std::string& file)> progress;
   // Becomes true: no further file is opened, and the page is written with what there is. May be null.
@@ -53,11 +55,11 @@ struct GalleryReport {
 };
 
 // Writes the page into the folder. What a former run left there is used where it is still true and removed where it is
-// not, also after a run that was interrupted; of other files in the folder only those in thumbs/ and previews/ are
-// touched. Each file is the old or the new one, whole, and index.html comes last.
+// not, also after a run that was interrupted. Nothing else is removed, and links in the folder are not followed. A copy is
+// no more readable than its picture. Each file is the old or the new one, whole, and index.html comes last.
 //
-// Throws std::runtime_error when the folder cannot be written, or holds something and is no gallery; std::bad_alloc; what
-// request.progress throws. REQUIRES: StartPictures was called.
+// Throws std::runtime_error when the folder cannot be written, holds something and is no gallery, or has a link in the
+// place of a folder of the gallery's; std::bad_alloc; what request.progress throws. REQUIRES: StartPictures was called.
 GalleryReport WriteGallery(const GalleryRequest& request);
 
 }  // namespace catalogcore::app

@@ -1,12 +1,14 @@
 #include "app/gallery/picture_records.h"
 
-#include <fstream>
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
-#include <string_view>
+#include <system_error>
 
 #include "app/gallery/gallery.h"
-#include "app/gallery/whole_file.h"
 
 namespace catalogcore::app {
 namespace {
@@ -21,11 +23,6 @@ Json ToJson(const PictureRecord& record) {
           facts.resolution, facts.date,  record.thumbnail, record.preview};
 }
 
-// Names become paths: nothing but a hash is taken from the file.
-bool IsCopyName(std::string_view name) {
-  return name.size() == 16 && name.find_first_not_of("0123456789abcdef") == std::string_view::npos;
-}
-
 PictureRecord FromJson(const Json& json) {
   PictureRecord record;
   json.at(0).get_to(record.changed);
@@ -36,43 +33,51 @@ PictureRecord FromJson(const Json& json) {
   json.at(5).get_to(record.facts.date);
   json.at(6).get_to(record.thumbnail);
   json.at(7).get_to(record.preview);
-  if (!IsCopyName(record.thumbnail)) record.thumbnail.clear();
+  if (!IsCopyName(record.thumbnail)) record.thumbnail.clear();  // names become paths
   return record;
 }
 
-PictureRecords ReadRecords(const std::filesystem::path& file) try {
-  std::ifstream stream(file, std::ios::binary);
-  const Json json = Json::parse(stream);
+PictureRecords ReadRecords(const OwnedDescriptor& file, const std::string& name) try {
+  const Json json = Json::parse(ReadWholeFile(file));
   PictureRecords records;
   if (json.at("format") != kFormat) return records;
   for (const auto& [path, record] : json.at("pictures").items()) records.emplace(path, FromJson(record));
   return records;
 } catch (const Json::exception&) {
-  throw std::runtime_error(file.string() +
+  throw std::runtime_error(name +
                            " is damaged or not a gallery's: remove it with the folder, or choose another folder");
+} catch (const std::system_error& error) {
+  throw std::runtime_error("cannot read " + name + ": " + error.code().message());
 }
 
 }  // namespace
 
-PictureRecords OpenRecords(const std::filesystem::path& folder) {
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (error) throw std::runtime_error("cannot make the folder " + folder.string() + ": " + error.message());
-  if (std::filesystem::exists(folder / kGalleryMark, error)) return ReadRecords(folder / kGalleryMark);
-  const bool empty = std::filesystem::is_empty(folder, error);
-  if (error) throw std::runtime_error("cannot read the folder " + folder.string() + ": " + error.message());
-  if (!empty) {
-    throw std::runtime_error(folder.string() + " holds other files and no gallery: choose an empty or a new folder");
+bool IsCopyName(std::string_view name) {
+  return name.size() == 16 && name.find_first_not_of("0123456789abcdef") == name.npos;
+}
+
+PictureRecords OpenRecords(const Folder& folder, const Readers& readers) {
+  const OwnedDescriptor file = OpenRegularFile(folder.Descriptor(), kGalleryMark, O_RDONLY | O_NOFOLLOW);
+  const std::string name = (folder.Path() / kGalleryMark).string();
+  if (file.IsOpen()) return ReadRecords(file, name);
+  if (errno != ENOENT) {
+    throw std::runtime_error("cannot read " + name + ": " + WhyNotOpened(errno) +
+                             " (move it away, or choose another folder)");
   }
-  WriteRecords(folder, {});  // a first run that is interrupted leaves a gallery too
+  const std::vector<std::string> names = folder.Names();
+  if (!std::all_of(names.begin(), names.end(), Folder::IsTemporary)) {
+    throw std::runtime_error(folder.Path().string() +
+                             " holds other files and no gallery: choose an empty or a new folder");
+  }
+  WriteRecords(folder, {}, readers);  // a first run that is interrupted leaves a gallery too
   return {};
 }
 
-void WriteRecords(const std::filesystem::path& folder, const PictureRecords& records) {
+void WriteRecords(const Folder& folder, const PictureRecords& records, const Readers& readers) {
   Json pictures = Json::object();
   for (const auto& [path, record] : records) pictures[path] = ToJson(record);
   const Json json = {{"format", kFormat}, {"pictures", std::move(pictures)}};
-  WriteWholeFile(folder / kGalleryMark, json.dump(-1, ' ', false, Json::error_handler_t::replace));
+  folder.Replace(kGalleryMark, json.dump(-1, ' ', false, Json::error_handler_t::replace), readers);
 }
 
 }  // namespace catalogcore::app

@@ -4,10 +4,11 @@
 #define CATALOGCORE_APP_GALLERY_PICTURE_RECORDS_H_
 
 #include <cstdint>
-#include <filesystem>
 #include <map>
 #include <string>
+#include <string_view>
 
+#include "app/folder.h"
 #include "app/picture.h"
 
 namespace catalogcore::app {
@@ -22,12 +23,15 @@ struct PictureRecord {
 
 using PictureRecords = std::map<std::string, PictureRecord>;  // by path
 
+// Whether it may be the name of a thumbnail: 16 hexadecimal digits.
+bool IsCopyName(std::string_view name);
+
 // Makes the folder a gallery, if it is not one, and returns what a former run left there. Throws std::runtime_error when
-// it holds something and is no gallery, or cannot be made or written.
-PictureRecords OpenRecords(const std::filesystem::path& folder);
+// it holds something and is no gallery, or cannot be written.
+PictureRecords OpenRecords(const Folder& folder, const Readers& readers);
 
 // Throws std::runtime_error.
-void WriteRecords(const std::filesystem::path& folder, const PictureRecords& records);
+void WriteRecords(const Folder& folder, const PictureRecords& records, const Readers& readers);
 
 }  // namespace catalogcore::app
 

@@ -5,9 +5,9 @@
 #include <cctype>
 #include <cstdint>
 #include <cstdio>
-#include <stdexcept>
+#include <filesystem>
+#include <optional>
 #include <string_view>
-#include <system_error>
 
 namespace catalogcore::app {
 namespace {
@@ -16,8 +16,8 @@ namespace fs = std::filesystem;
 
 constexpr int kThumbnailSide = 256;  // pixels
 constexpr int kPreviewSide = 1600;
-constexpr const char* kThumbnails = "thumbs";
-constexpr const char* kPreviews = "previews";
+constexpr std::size_t kFolderDigits = 2;  // of a copy's name, in that of its folder
+constexpr std::string_view kCopyExtension = ".jpg";
 
 // Fowler, Noll and Vo, variant 1a; RFC 9923 has the constants.
 std::uint64_t HashFnv1a(std::string_view text) {
@@ -33,13 +33,19 @@ std::string CopyName(const std::string& path, const PictureRecord& record) {
   return digits.data();
 }
 
-fs::path CopyFile(const fs::path& folder, const std::string& name) {
-  return folder / name.substr(0, 2) / (name + ".jpg");
-}
+std::string FolderOf(const std::string& name) { return name.substr(0, kFolderDigits); }
 
-bool Exists(const fs::path& file) {
-  std::error_code error;
-  return fs::exists(file, error);
+std::string FileOf(const std::string& name) { return name + std::string(kCopyExtension); }
+
+// Whether the gallery has the copy, which it then takes from whoever may not read the picture.
+bool CheckCopy(const Folder& folder, const std::string& name, const Readers& readers) {
+  if (name.empty()) return false;
+  const std::optional<struct stat> status = folder.FindFile(FolderOf(name) + '/' + FileOf(name));
+  if (!status) return false;
+  if ((status->st_mode & 0077 & ~readers.Limit(status->st_gid)) != 0) {
+    if (const std::optional<Folder> inner = folder.FindInner(FolderOf(name))) inner->Restrict(FileOf(name), readers);
+  }
+  return true;
 }
 
 // Browsers show these themselves.
@@ -51,47 +57,55 @@ bool IsShownByBrowsers(const fs::path& file) {
   return std::find(kShown.begin(), kShown.end(), extension) != kShown.end();
 }
 
-bool MakeCopy(const fs::path& picture, const fs::path& copy, int side) {
-  if (Exists(copy)) return false;
-  std::error_code error;
-  fs::create_directories(copy.parent_path(), error);
-  if (error) throw std::runtime_error("cannot make the folder " + copy.parent_path().string() + ": " + error.message());
-  WriteSmallCopy(picture, copy, side);
+bool MakeCopy(const fs::path& picture, const Folder& folder, const std::string& name, int side,
+              const Readers& readers) {
+  const Folder inner = folder.Inner(FolderOf(name));
+  if (inner.FindFile(FileOf(name))) return false;
+  inner.Replace(FileOf(name), SmallCopy(picture, side), readers);
   return true;
 }
 
-void RemoveOthersIn(const fs::path& folder, const std::set<std::string>& names) {
-  std::error_code error;
-  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
-    if (!entry->is_regular_file(error)) continue;
-    const fs::path& file = entry->path();
-    std::error_code ignored;
-    if (file.extension() != ".jpg" || !names.contains(file.stem().string())) fs::remove(file, ignored);
+// Whether it is a file's name, in a folder of that name, that only a copy has.
+bool IsCopyFile(const std::string& folder, const std::string& file) {
+  if (!file.ends_with(kCopyExtension) || !file.starts_with(folder)) return false;
+  return IsCopyName(std::string_view(file).substr(0, file.size() - kCopyExtension.size()));
+}
+
+void RemoveOthersIn(const Folder& folder, const std::set<std::string>& names) {
+  for (const std::string& part : folder.Names()) {
+    if (part.size() != kFolderDigits) continue;
+    const std::optional<Folder> inner = folder.FindInner(part);
+    if (!inner) continue;
+    inner->RemoveLeftovers();
+    for (const std::string& file : inner->Names()) {
+      const bool isCopy = IsCopyFile(part, file) && inner->FindFile(file);
+      if (isCopy && !names.contains(fs::path(file).stem().string())) inner->Remove(file);
+    }
   }
 }
 
 }  // namespace
 
-bool SmallCopies::Check(const std::string& path, PictureRecord& record) const {
-  if (!Exists(CopyFile(folder_ / kThumbnails, record.thumbnail))) record.thumbnail.clear();
-  record.preview = record.preview && Exists(CopyFile(folder_ / kPreviews, record.thumbnail));
+bool SmallCopies::Check(const std::string& path, PictureRecord& record, const Readers& readers) const {
+  if (!CheckCopy(thumbnails_, record.thumbnail, readers)) record.thumbnail.clear();
+  record.preview = record.preview && CheckCopy(previews_, record.thumbnail, readers);
   return !record.thumbnail.empty() && (record.preview || IsShownByBrowsers(path));
 }
 
-bool SmallCopies::Make(const std::string& path, PictureRecord& record) const {
+bool SmallCopies::Make(const std::string& path, PictureRecord& record, const Readers& readers) const {
   record.facts = ReadPictureFacts(path);
   const std::string name = CopyName(path, record);
-  const bool made = MakeCopy(path, CopyFile(folder_ / kThumbnails, name), kThumbnailSide);
+  const bool made = MakeCopy(path, thumbnails_, name, kThumbnailSide, readers);
   record.thumbnail = name;
   if (IsShownByBrowsers(path)) return made;
-  MakeCopy(path, CopyFile(folder_ / kPreviews, name), kPreviewSide);
+  MakeCopy(path, previews_, name, kPreviewSide, readers);
   record.preview = true;
   return made;
 }
 
 void SmallCopies::RemoveOthers(const std::set<std::string>& thumbnails, const std::set<std::string>& previews) const {
-  RemoveOthersIn(folder_ / kThumbnails, thumbnails);
-  RemoveOthersIn(folder_ / kPreviews, previews);
+  RemoveOthersIn(thumbnails_, thumbnails);
+  RemoveOthersIn(previews_, previews);
 }
 
 }  // namespace catalogcore::app

@@ -6,7 +6,6 @@
 #ifndef CATALOGCORE_APP_GALLERY_SMALL_COPIES_H_
 #define CATALOGCORE_APP_GALLERY_SMALL_COPIES_H_
 
-#include <filesystem>
 #include <set>
 #include <string>
 
@@ -16,21 +15,25 @@ namespace catalogcore::app {
 
 class SmallCopies {
  public:
-  explicit SmallCopies(std::filesystem::path folder) : folder_(std::move(folder)) {}
+  // Makes the folders of the copies in the gallery's. Throws std::runtime_error.
+  explicit SmallCopies(const Folder& gallery)
+      : thumbnails_(gallery.Inner("thumbs")), previews_(gallery.Inner("previews")) {}
 
-  // Takes copies that are not there (any more) out of the record. Returns whether it has all that the picture needs.
-  bool Check(const std::string& path, PictureRecord& record) const;
+  // Takes copies that are not there (any more) out of the record, and those that are from whoever is not among the
+  // picture's readers. Returns whether it has all that the picture needs.
+  bool Check(const std::string& path, PictureRecord& record, const Readers& readers) const;
 
   // Fills facts, thumbnail and preview of a record whose time and size are set, and makes the copies that are not there.
   // Returns whether the thumbnail was made. Throws PictureError: what was found until then stays;
   // std::runtime_error: the folder cannot be written. Any thread, one a picture.
-  bool Make(const std::string& path, PictureRecord& record) const;
+  bool Make(const std::string& path, PictureRecord& record, const Readers& readers) const;
 
-  // Removes every file but the copies of these names.
+  // Removes all copies but those of these names, and what interrupted runs left. Other files stay.
   void RemoveOthers(const std::set<std::string>& thumbnails, const std::set<std::string>& previews) const;
 
  private:
-  std::filesystem::path folder_;
+  Folder thumbnails_;
+  Folder previews_;
 };
 
 }  // namespace catalogcore::app

@@ -37,9 +37,7 @@ PictureFacts ReadPictureFacts(const fs::path& file) {
   return {1240, 1754, 150, "2024-05-31 18:20:05"};
 }
 
-void WriteSmallCopy(const fs::path& file, const fs::path& target, int side) {
-  WriteText(target, ReadText(file) + " " + std::to_string(side));
-}
+std::string SmallCopy(const fs::path& file, int side) { return ReadText(file) + " " + std::to_string(side); }
 
 namespace {
 

@@ -62,6 +62,64 @@ class HostileTest(unittest.TestCase):
     def copies(self, kind="thumbs"):
         return sorted((self.gallery / kind).glob("*/*.jpg"))
 
+    def test_a_gallery_removes_nothing_but_its_own_copies(self):
+        self.run_command("gallery", self.gallery)
+        own = self.copies()[0]
+        elsewhere = self.root / "elsewhere"
+        theirs = [elsewhere / name for name in (own.name, f"{own.parent.name}/{own.name}", "ab/" + "0" * 16 + ".jpg", "notes")]
+        inside = [self.gallery / name for name in ("thumbs/notes", "thumbs/ab/mine.jpg", "thumbs/ab/abc.jpg",
+                                                   f"thumbs/ab/{0:016}.jpg", "previews/abcdef0123456789.jpg",
+                                                   "assets/mine.css")]
+        for file in theirs + inside:
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_text("mine")
+        self.run_command("rm", self.picture)
+        for name in ("thumbs", "previews", "assets", "thumbs/ab"):
+            shutil.move(self.gallery / name, self.root / "moved")
+            (self.gallery / name).symlink_to(elsewhere)
+            self.run_command("gallery", self.gallery, status=3 if "/" not in name else 0)
+            (self.gallery / name).unlink()
+            shutil.move(self.root / "moved", self.gallery / name)
+            for file in theirs + inside:
+                self.assertEqual(file.read_text(), "mine", (name, file))
+        old = self.gallery / "thumbs" / "ab" / ("ab" + "0" * 14 + ".jpg")
+        left = old.parent / ".catalogcore-1-1"  # of a run that was killed
+        for file in (old, left):
+            file.write_text("ours")
+        self.run_command("gallery", self.gallery)
+        self.assertEqual([file for file in (own, old, left) if file.exists()], [])
+        for file in theirs + inside:
+            self.assertEqual(file.read_text(), "mine", file)
+
+    def test_nothing_is_written_through_a_planted_name(self):
+        self.run_command("gallery", self.gallery)
+        own = self.copies()[0]
+        for file in (self.gallery / "data.js", self.gallery / "index.html", own):
+            file.unlink()
+            file.symlink_to(self.victim)
+        plant = "for n in 1 2 3 4 5 6; do for f in %s; do ln -s %s $f; done; done" % (
+            " ".join(f"{folder}/{name}" for folder, name in (
+                (self.gallery, "data.js.new"), (self.gallery, "index.html.new"), (self.gallery, ".catalogcore-$$-$n"),
+                (own.parent, own.name + ".$$-$n.part"), (own.parent, ".catalogcore-$$-$n"))), self.victim)
+        self.run_command("gallery", self.gallery, before=plant)
+        self.assertIn("JSON.parse", (self.gallery / "data.js").read_text())
+        self.assertTrue(own.is_file() and not own.is_symlink())
+
+    def test_what_is_made_is_no_more_readable_than_what_it_is_made_of(self):
+        self.run_command("gallery", self.gallery)
+        texts = [self.gallery / "data.js", self.gallery / "catalogcore-gallery.json"]
+        self.assertEqual({mode(file) for file in texts + self.copies()}, {"0o644"})
+        groups = [(os.getgid(), "0o640"), (12345, "0o600")] if os.getuid() == 0 else [(os.getgid(), "0o640")]
+        for permissions, (group, made) in [(0o640, group) for group in groups] + [(0o600, (os.getgid(), "0o600"))]:
+            for private in (self.picture, self.catalog / "images.plist"):
+                private.chmod(permissions)
+                os.chown(private, -1, group)
+            for _ in range(2):  # the copies of a picture that became private, then new ones
+                self.run_command("gallery", self.gallery)
+                self.assertEqual({mode(file) for file in texts + self.copies()}, {made})
+                self.assertEqual(mode(self.gallery / "index.html"), "0o644")
+                shutil.rmtree(self.gallery)
+
     def test_the_lock_is_nothing_but_the_lock(self):
         lock = self.catalog / "lock"
         plants = {"link": lambda: lock.symlink_to(self.victim), "hard link": lambda: os.link(self.victim, lock),
@@ -86,6 +144,54 @@ class HostileTest(unittest.TestCase):
             self.run_command("index", "add", ".", name)
             self.assertEqual(mode(lock), "0o600")
             lock.unlink()
+
+    def test_nothing_waits_for_a_pipe_or_reads_a_device(self):
+        self.run_command("gallery", self.gallery)
+        mark = self.gallery / "catalogcore-gallery.json"
+        whole = mark.read_bytes()
+        (self.root / "whole").write_bytes(whole)
+        for plant in (os.mkfifo, lambda file: file.symlink_to("/dev/zero"), lambda file: file.symlink_to(self.root / "whole")):
+            mark.unlink()
+            plant(mark)
+            self.assertIn("catalogcore-gallery.json", self.run_command("gallery", self.gallery, status=3)[1])
+        mark.unlink()
+        mark.write_bytes(whole)
+        for name in ("thumbs", "assets"):
+            shutil.rmtree(self.gallery / name)
+            os.mkfifo(self.gallery / name)
+            self.assertIn(f"{self.gallery / name}: a link, or no folder", self.run_command("gallery", self.gallery, status=3)[1])
+            (self.gallery / name).unlink()
+        folder = self.root / "pictures"
+        os.mkfifo(folder / "pipe.png")
+        (folder / "zero.jpg").symlink_to("/dev/zero")
+        with socket.socket(socket.AF_UNIX) as listener:
+            listener.bind(str(folder / "socket.tif"))
+            err = self.run_command("sort", "--again", folder, status=1)[1]
+        self.assertEqual(len(re.findall(r"cannot read .*(?:pipe.png|zero|socket.tif): ", err)), 3, err)
+        for name in ("images.plist", "index.plist"):
+            for plant in (os.mkfifo, lambda file: file.symlink_to("/dev/zero")):
+                file = self.catalog / name
+                file.unlink(missing_ok=True)
+                plant(file)
+                self.assertIn(name, self.run_command("gallery", self.gallery, status=3)[1])
+                self.run_command("sort", folder, status=3)
+            file.unlink()
+
+    def test_every_signal_to_end_ends_a_gallery_with_what_it_has(self):
+        files = [self.picture.parent / f"{number}.png" for number in range(3000)]  # seconds of work, of which little is done
+        for file in files:
+            os.link(self.picture, file)
+        self.write_images(*files)
+        for ending in (signal.SIGINT, signal.SIGTERM):
+            shutil.rmtree(self.gallery, ignore_errors=True)
+            process = subprocess.Popen([COMMAND, "--catalog", self.catalog, "gallery", "--jobs", "1", self.gallery],
+                                       stdout=subprocess.DEVNULL)
+            while not self.copies() and process.poll() is None:
+                time.sleep(0.001)
+            process.send_signal(ending)
+            self.assertEqual(process.wait(HANGS), 130, ending)
+            self.assertTrue(0 < len(self.copies()) < len(files))
+            self.assertTrue((self.gallery / "index.html").exists())
 
 
 if __name__ == "__main__":
