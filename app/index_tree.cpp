@@ -15,6 +15,10 @@ std::int32_t ParentOf(std::int32_t number) {
   return slash == std::string::npos ? kRoot : NumberOfKey(std::string_view(key).substr(0, slash));
 }
 
+// Whether an index of that number has a place in the tree. A file may hold keys of which the library makes numbers that
+// stand for none (0), for the top (-1), or for another key.
+bool IsPlaced(std::int32_t number) { return number > 0 && NumberOfKey(KeyOfNumber(number)) == number; }
+
 std::string Listed(const std::vector<const IndexNode*>& nodes) {
   std::string text;
   for (const IndexNode* node : nodes) {
@@ -29,6 +33,7 @@ IndexTree::IndexTree(const Catalog& catalog) {
   std::map<std::int32_t, std::size_t> counts;
   catalog.ForEachImage({}, [&counts](const Image& image) { ++counts[image.index]; });
   for (Index entry : catalog.Calls().Indexes().value()) {
+    if (!IsPlaced(entry.number) || Find(entry.number)) continue;
     if (!entry.isText) entry.name = "(no UTF-8)";
     IndexNode node;
     node.parent = ParentOf(entry.number);

@@ -33,7 +33,8 @@ class IndexTree {
   // With the counts as they are now.
   explicit IndexTree(const Catalog& catalog);
 
-  const std::vector<IndexNode>& Nodes() const { return nodes_; }  // parents before children
+  // Parents before children. Indexes of numbers that no command can make are passed over.
+  const std::vector<IndexNode>& Nodes() const { return nodes_; }
 
   // Null if there is none.
   const IndexNode* Find(std::int32_t number) const;

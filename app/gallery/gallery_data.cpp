@@ -37,7 +37,7 @@ std::vector<std::size_t> PageOrder(const std::vector<GalleryImage>& images) {
 
 std::unordered_map<std::int32_t, int> Positions(const std::vector<GalleryIndex>& indexes) {
   std::unordered_map<std::int32_t, int> positions;
-  for (const GalleryIndex& index : indexes) positions.emplace(index.number, static_cast<int>(positions.size()));
+  for (std::size_t i = 0; i < indexes.size(); ++i) positions.emplace(indexes[i].number, static_cast<int>(i));
   return positions;
 }
 
@@ -70,7 +70,10 @@ char StateDigit(const GalleryImage& image, const PictureRecord& record) {
 Json IndexRows(const std::vector<GalleryIndex>& indexes, const std::unordered_map<std::int32_t, int>& positions) {
   Json rows = Json::array();
   for (const GalleryIndex& index : indexes) {
-    rows.push_back({index.number, PositionOf(positions, index.parent), index.name, index.meaning});
+    // No index is above itself, whatever the request says.
+    const int parent = PositionOf(positions, index.parent);
+    const bool isAbove = parent < static_cast<int>(rows.size());
+    rows.push_back({index.number, isAbove ? parent : -1, index.name, index.meaning});
   }
   return rows;
 }

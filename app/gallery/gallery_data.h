@@ -5,7 +5,7 @@
 // The text is ASCII; whatever a name holds is escaped in it. Pictures stand in the order of their folders, a folder right
 // before what is below it, and of their names; so what is in and below a folder is one range. For each picture there is
 // an entry in every array of its kind:
-//   indexes  [[number, position of the parent or -1, name, meaning], ...]
+//   indexes  [[number, position of the parent or -1, name, meaning], ...]   parents before children
 //   folders  ["/home/anna/Pictures/", ...]    in their order, each with the slash at its end
 //   starts   number of the first picture of each folder
 //   names    names of the files

@@ -171,6 +171,7 @@ TEST_F(GalleryTest, CarriesAnyNameInTheOrderOfFolders) {
   const std::vector<std::string> names = {"/a/b/</script>\xe2\x80\xa8\"'\\.jpg", "/a/\xf0\x9f\x8e\x89.jpg",
                                           "/a-b/" + std::string(5000, 'n'), "no folder", "/a/b/bad \xff utf-8"};
   request_.images.clear();
+  request_.indexes.push_back({-1, -1, "itself", ""});
   for (const std::string& name : names) request_.images.push_back({name, 7, true});
   OpenedBy(0);
   const json data = Data();
@@ -178,6 +179,7 @@ TEST_F(GalleryTest, CarriesAnyNameInTheOrderOfFolders) {
   EXPECT_EQ(data.at("starts"), (json{0, 1, 2, 3, 4}));
   EXPECT_EQ(data.at("names").at(0), names[3]);
   EXPECT_EQ(data.at("filed").at(0), -1);
+  EXPECT_EQ(data.at("indexes").at(2).at(1), -1) << "not its own parent";
   EXPECT_EQ(data.at("names").at(3), names[0].substr(std::string("/a/b/</").size()));
   EXPECT_EQ(data.at("names").at(4), names[2].substr(std::string("/a-b/").size()));
   for (const char byte : ReadText(request_.folder / "data.js")) ASSERT_TRUE(byte > 0) << "not ASCII";

@@ -193,6 +193,18 @@ class HostileTest(unittest.TestCase):
             self.assertTrue(0 < len(self.copies()) < len(files))
             self.assertTrue((self.gallery / "index.html").exists())
 
+    def test_an_index_that_is_its_own_parent_is_passed_over(self):
+        (self.catalog / "index.plist").write_bytes(catalogue_file(
+            "IDXIndex", "0/0/0/-1,0,itself", "-1/0/0/0,0,below none", "1/0/5,0,skips a level", "0,0,nothing", "1/7,0,sound"))
+        out = self.run_command("tree")[0]
+        self.assertRegex(out, r"Photographs +1000000 +1 .*\n(.*\n)* +sound +1070000 +0\n")
+        self.assertNotRegex(out, "itself|none|skips|nothing")
+        self.run_command("gallery", self.gallery)
+        rows = re.findall(r"\[(-?\d+),(-?\d+),", (self.gallery / "data.js").read_text())
+        self.assertEqual(len(rows), 11)
+        for at, (_, parent) in enumerate(rows):
+            self.assertLess(int(parent), at)
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1] + sys.argv[3:])

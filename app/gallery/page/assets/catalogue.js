@@ -32,7 +32,9 @@ class Catalogue {
   #orders = new Map();
 
   constructor(data) {
-    this.#data = data;
+    // Parents come before their children, so that the way up from an index has an end.
+    const indexes = data.indexes.map(([number, parent, ...texts], at) => [number, parent < at ? parent : -1, ...texts]);
+    this.#data = {...data, indexes};
     this.count = data.names.length;
     this.#folderOf = new Uint32Array(this.count);
     data.starts.forEach((start, folder) => this.#folderOf.fill(folder, start, data.starts[folder + 1] ?? this.count));
