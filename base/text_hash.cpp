@@ -1,5 +1,11 @@
 #include "base/text_hash.h"
 
+#include <sys/random.h>
+
+#include <algorithm>
+#include <chrono>
+#include <random>
+
 #include "base/text_word.h"
 
 namespace {
@@ -23,12 +29,29 @@ std::uint32_t HashWord(std::uint64_t word) {
   return static_cast<std::uint32_t>(fours) * kFactor4 + static_cast<std::uint32_t>(fours >> 32) - kBias;
 }
 
-// Both halves of the product, one over the other: each bit of the number reaches all of the result.
-std::uint64_t Mix(std::uint64_t number) {
-  constexpr std::uint64_t kGolden = 0x9E3779B97F4A7C15u;  // 2^64 / the golden ratio: Knuth's multiplicative hashing
-  __extension__ using Product = unsigned __int128;
-  const Product product = static_cast<Product>(number) * kGolden;
-  return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+__extension__ using Product = unsigned __int128;
+
+Product Multiply(std::uint64_t a, std::uint64_t b) { return static_cast<Product>(a) * b; }
+
+bool DrawFromSystem(HashKey& key) {
+  auto* const bytes = reinterpret_cast<char*>(&key);
+  std::size_t drawn = 0;
+  while (drawn < sizeof key) {
+    const ssize_t more = getrandom(bytes + drawn, sizeof key - drawn, GRND_NONBLOCK);
+    if (more <= 0) return false;
+    drawn += static_cast<std::size_t>(more);
+  }
+  return true;
+}
+
+// For a system that has no random numbers, or none yet: the time and address-space randomisation are hard to guess, but
+// can be guessed.
+void DrawFromTimeAndPlace(HashKey& key) {
+  const auto time = std::chrono::system_clock::now().time_since_epoch().count();
+  const auto place = reinterpret_cast<std::uintptr_t>(&key);
+  std::mt19937_64 random(static_cast<std::uint64_t>(time) ^ std::uint64_t{place} << 20);
+  for (std::uint64_t& word : key.words) word = random();
+  for (std::uint64_t& word : key.end) word = random();
 }
 
 }  // namespace
@@ -41,10 +64,27 @@ std::uint32_t ExactHash(const char* text, std::size_t size) {
   return hash;
 }
 
-std::uint64_t FoldedHash(const char* text, std::size_t size, std::uint64_t seed) {
-  std::uint64_t hash = Mix((seed ^ size) + FoldWord(LoadFirstWord(text, size)));
-  for (std::size_t at = size % kWordBytes; at < size; at += kWordBytes) {
-    hash = Mix(hash ^ FoldWord(LoadWord(text + at)));
+std::uint32_t FoldedHash(const char* text, std::size_t size, const HashKey& key) {
+  const std::size_t hashed = std::min(size, HashKey::kTextBytes);
+  const std::uint64_t* words = key.words.data();
+  // Texts of different sizes differ in the first factor, those of one size have the same number of products.
+  Product sum = Multiply(words[0] + size, words[1] + FoldWord(LoadFirstWord(text, hashed)));
+  std::size_t at = hashed % kWordBytes;
+  for (words += 2; at + 2 * kWordBytes <= hashed; at += 2 * kWordBytes, words += 2) {
+    sum += Multiply(words[0] + FoldWord(LoadWord(text + at)), words[1] + FoldWord(LoadWord(text + at + kWordBytes)));
   }
-  return hash;
+  if (at < hashed) sum += Multiply(words[0] + FoldWord(LoadWord(text + at)), words[1]);
+
+  std::uint64_t end = key.end[4];
+  for (std::size_t i = 0; i < 4; ++i) end += key.end[i] * static_cast<std::uint32_t>(sum >> 32 * i);
+  return static_cast<std::uint32_t>(end >> 32);
+}
+
+const HashKey& ProcessHashKey() {
+  static const HashKey key = [] {
+    HashKey drawn{};
+    if (!DrawFromSystem(drawn)) DrawFromTimeAndPlace(drawn);
+    return drawn;
+  }();
+  return key;
 }

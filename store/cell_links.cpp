@@ -47,20 +47,19 @@ CIDXCell* CIndexData::ReleaseCell(CIDXCell* cell) {
 CIDXCell* CIndexData::IsolateCell(std::int32_t tree, CIDXCell* cell) {
   ReleaseCell(cell);
   for (CIDXCell* below = cell; below; below = NextInPreOrder(cell, below)) {
-    if (below->moved) continue;  // since an earlier move
+    if (below->info->moved) continue;  // since an earlier move
     ReleaseHashCell(tree, below);
     movedCells[tree].Append(below);
-    below->moved = true;
+    below->info->moved = true;
   }
   return cell;
 }
 
 void CIndexData::HashCell(std::int32_t tree, const HashedKey& key, CIDXCell* cell) {
   const std::uint32_t bucket = key.Bucket();
-  cell->info->keyHash = key.hash;
   cell->info->bucket = static_cast<std::uint16_t>(bucket);
   cellHash[tree][bucket].Append(cell);
-  cellTable[tree].Insert(cell);
+  cellTable[tree].Insert(key, cell);
 }
 
 void CIndexData::ReleaseHashCell(std::int32_t tree, CIDXCell* cell) {

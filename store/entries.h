@@ -13,22 +13,24 @@
 //   its key. An index cell's list is in the order of filing.
 // - Groups: a folder cell's list is grouped by index cell, the groups in tree order (CompareCell), the images of a
 //   group in the order of filing. A folder cell's skip list holds one marker for each group, in the same order, which
-//   names the group's first image. Index cells have no skip list. Once an index cell was moved, the groups lie as they
-//   did, so that they may be out of order and one index may have several; still each marker begins a run of one index.
+//   names the group's first image. Index cells have no skip list. Once an index cell was moved, or where the index tree
+//   has no root, the groups may be out of order, and one index may have several, which may stand side by side; still the
+//   images from one marker to the next are of one index. `skipRuns` belongs to the skip list (skip_list.cpp).
 // - The key tables: an entry stands in the key table of images, or of its tree's cells, exactly while it stands in its
 //   hash chain. Entries with equal keys, of which there may be several without a root alone, follow one another there
-//   in the order of their chain, so that both give the same first one. `tableNext` belongs to the table (key_table.h);
-//   `info->keyHash` and `info->bucket` are those of the key.
+//   in the order of their chain, so that both give the same first one. `tableNext` and
+//   `info->keyHash` belong to the table (key_table.h); `info->bucket` is that of the key.
 // - Walks: what is filed leads to nothing that was removed. A removed image leads on, in `next`, to the image that stood
 //   behind it then, which is filed still or was removed later; so who follows it comes to a filed image of the same cell
-//   or to the end. A removed cell leads nowhere. A removed entry is deleted once every find is closed that was open when
-//   it was removed (open_finds.h), so that a walk stands on nothing that is deleted.
+//   or to the end. A removed cell leads nowhere. A removed entry is deleted some time after every find is closed that
+//   was open when it was removed (open_finds.h), so that a walk stands on nothing that is deleted.
 #ifndef CATALOGCORE_STORE_ENTRIES_H_
 #define CATALOGCORE_STORE_ENTRIES_H_
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <vector>
 
 #include "base/idx_string.h"
 
@@ -57,7 +59,7 @@ struct CIDXNodeInfo {
   CIDXNodeInfo(char* block, const char* text, std::size_t size) : key(block, text, size) {}
   virtual ~CIDXNodeInfo() = default;
   const EmbeddedKey key;      // the image's full path
-  std::uint32_t keyHash = 0;  // HashedKey
+  std::uint32_t keyHash = 0;  // the key table's
   std::uint16_t bucket = 0;   // of the hash table
   std::uint8_t attribute = 0;
   bool removed = false;  // filed no more, and kept for the walks that may stand on it
@@ -92,9 +94,10 @@ struct CIDXCellInfo {
   virtual ~CIDXCellInfo() = default;
   CIDXString key;             // the whole path from the root, the root left out
   CIDXString name;            // always holds a text, if an empty one
-  std::uint32_t keyHash = 0;  // HashedKey
+  std::uint32_t keyHash = 0;  // the key table's
   std::uint16_t bucket = 0;   // of the hash table
   std::uint8_t attribute = 0;
+  bool moved = false;  // taken out of the hash table by a move, of the cell itself or from above it
 };
 
 struct CIDXSkipNode {
@@ -120,9 +123,9 @@ struct CIDXCell {
   CIDXCell* hashPrev = nullptr;
   CIDXCell* hashNext = nullptr;
   CIDXCell* tableNext = nullptr;
-  CIDXSkipNode* skipHead = nullptr;  // deleted by whoever deletes the cell, with DeleteSkipList
-  std::uint64_t ordinal = 0;         // grows along the parent's child list
-  bool moved = false;                // taken out of the hash table by a move, of itself or from above it
+  CIDXSkipNode* skipHead = nullptr;                // deleted by whoever deletes the cell, with DeleteSkipList
+  std::vector<CIDXSkipNode*>* skipRuns = nullptr;  // where the runs of a long skip list begin; deleted with it
+  std::uint64_t ordinal = 0;                       // grows along the parent's child list
 };
 
 // Deletes every marker of the cell.

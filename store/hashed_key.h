@@ -7,20 +7,27 @@
 
 #include "base/idx_string.h"
 
-// Two keys are the same when they share a bucket and their texts are equal but for letter case. The hash is that of the
-// text alone, as most look-ups never need the bucket; so keys that differ in case alone have one hash, and are never
-// more than there are buckets.
+// Two keys are the same when they share a bucket and their texts are equal but for letter case; twins are keys whose texts
+// are equal but for letter case and whose buckets differ. Most look-ups never need the bucket, so it is computed when it
+// is first asked for, and `hash` is that of the text alone: twins have it in common. They differ in TwinHash.
 struct HashedKey {
   explicit HashedKey(const CIDXString& key);
 
   // CIDXString::GetHashKey.
   std::uint32_t Bucket() const;
 
+  // As hard to foresee as `hash`, and another for each of a key's twins.
+  std::uint32_t TwinHash() const { return hash + 1 + Bucket(); }
+
   // Whether the entry with this information has this key. An entry's key holds nothing but its text.
   template <typename Info>
   bool IsKeyOf(const Info& entry) const {
-    return entry.keyHash == hash && static_cast<std::size_t>(entry.key.Length()) == size &&
-           (IsText(entry.key.Text()) || (IsSpelling(entry.key.Text()) && Bucket() == entry.bucket));
+    return HasSize(entry) && (IsText(entry.key.Text()) || (Bucket() == entry.bucket && IsSpelling(entry.key.Text())));
+  }
+
+  template <typename Info>
+  bool IsTwinOf(const Info& entry) const {
+    return HasSize(entry) && Bucket() != entry.bucket && IsSpelling(entry.key.Text());
   }
 
   const char* text;  // the key's own
@@ -28,8 +35,16 @@ struct HashedKey {
   std::uint32_t hash;
 
  private:
+  static constexpr std::uint32_t kNoBucket = CIDXString::kBucketCount;
+
+  template <typename Info>
+  bool HasSize(const Info& entry) const {
+    return static_cast<std::size_t>(entry.key.Length()) == size;
+  }
   bool IsText(const char* other) const;
   bool IsSpelling(const char* other) const;
+
+  mutable std::uint32_t bucket = kNoBucket;
 };
 
 #endif  // CATALOGCORE_STORE_HASHED_KEY_H_

@@ -10,15 +10,19 @@
 
 #include "store/hashed_key.h"
 
-// `Entry` is CIDXNode or CIDXCell: it has `tableNext`, and an `info` with what HashedKey looks at, which
-// does not change while the entry stands in the table. The table owns no entry.
+// `Entry` is CIDXNode or CIDXCell: it has `tableNext`, and an `info` with the `keyHash` that the table gives it and with
+// what HashedKey looks at, which does not change while the entry stands in the table. The table owns no entry.
 //
 // Linear hashing (W. Litwin, 1980): entries with the same slot are linked, and the table grows by one slot at a time,
 // which takes its entries from the one slot that shared them. So no insertion waits for all entries to be moved, and
 // none fails: where there is no memory for more slots, the links get longer.
 //
-// Invariants: slots 0 to slotCount - 1 are in use, kFirstSlots of them always; an entry stands in SlotOf its hash, behind
-// those with the same key that were inserted before.
+// A key that has twins may have as many as there are buckets, and all of them one hash. So only the first of them stands
+// under it; an entry that has a twin there is inserted under its TwinHash, where Find looks second.
+//
+// Invariants: slots 0 to slotCount - 1 are in use, kFirstSlots of them always; an entry stands in SlotOf its keyHash,
+// which is the hash or the TwinHash of its key, behind those with the same key that were inserted before. Without
+// `hasTwins` none stands under its TwinHash.
 template <typename Entry>
 class KeyTable {
  public:
@@ -27,8 +31,19 @@ class KeyTable {
   KeyTable(const KeyTable&) = delete;
   KeyTable& operator=(const KeyTable&) = delete;
 
-  void Insert(Entry* entry) {
-    Append(Slot(SlotOf(entry->info->keyHash)), entry);
+  // The entry has this key, and its `info->bucket` is set.
+  void Insert(const HashedKey& key, Entry* entry) {
+    entry->info->keyHash = key.hash;
+    Entry** end = Slot(SlotOf(key.hash));
+    while (*end && !IsTwinUnder(key.hash, key, **end)) end = &(*end)->tableNext;
+    if (*end) {
+      hasTwins = true;
+      entry->info->keyHash = key.TwinHash();
+      end = Slot(SlotOf(entry->info->keyHash));
+      while (*end) end = &(*end)->tableNext;
+    }
+    *end = entry;
+    entry->tableNext = nullptr;
     ++count;
     for (int splits = 0; splits < kMaxSplits && count > Capacity() && Split(); ++splits) {
     }
@@ -46,13 +61,8 @@ class KeyTable {
 
   // The entry with this key that was inserted first; null if there is none.
   Entry* Find(const HashedKey& key) const {
-    Entry* entry = *Slot(SlotOf(key.hash));
-    while (entry) {
-      PrefetchEntry(entry);  // its key is wanted as soon as its hash is seen to be the one
-      if (key.IsKeyOf(*entry->info)) break;
-      entry = entry->tableNext;
-    }
-    return entry;
+    Entry* const entry = FindUnder(key.hash, key);
+    return entry || !hasTwins ? entry : FindUnder(key.TwinHash(), key);
   }
 
   // Asks for the memory that Find will look at first.
@@ -71,6 +81,7 @@ class KeyTable {
     slotCount = kFirstSlots;
     half = kFirstSlots;
     count = 0;
+    hasTwins = false;
   }
 
  private:
@@ -107,10 +118,18 @@ class KeyTable {
     __builtin_prefetch(reinterpret_cast<const void*>(address + kToKey));
   }
 
-  static void Append(Entry** slot, Entry* entry) {
-    while (*slot) slot = &(*slot)->tableNext;
-    *slot = entry;
-    entry->tableNext = nullptr;
+  Entry* FindUnder(std::uint32_t hash, const HashedKey& key) const {
+    Entry* entry = *Slot(SlotOf(hash));
+    while (entry) {
+      PrefetchEntry(entry);  // its key is wanted as soon as its hash is seen to be the one
+      if (entry->info->keyHash == hash && key.IsKeyOf(*entry->info)) break;
+      entry = entry->tableNext;
+    }
+    return entry;
+  }
+
+  static bool IsTwinUnder(std::uint32_t hash, const HashedKey& key, const Entry& entry) {
+    return entry.info->keyHash == hash && key.IsTwinOf(*entry.info);
   }
 
   // Adds one slot; false if there is no memory for it.
@@ -150,6 +169,7 @@ class KeyTable {
   std::uint64_t slotCount = kFirstSlots;
   std::uint64_t half = kFirstSlots;  // the largest power of 2 that is not above slotCount
   std::uint64_t count = 0;
+  bool hasTwins = false;
 };
 
 #endif  // CATALOGCORE_STORE_KEY_TABLE_H_

@@ -59,10 +59,9 @@ std::uint32_t CIndexData::RemoveNodeSub(CIDXNode* node, std::int32_t force) {
 
 void CIndexData::HashNode(const HashedKey& key, CIDXNode* node) {
   const std::uint32_t bucket = key.Bucket();
-  node->info->keyHash = key.hash;
   node->info->bucket = static_cast<std::uint16_t>(bucket);
   nodeHash[bucket].Append(node);
-  nodeTable.Insert(node);
+  nodeTable.Insert(key, node);
 }
 
 void CIndexData::ReleaseHashNode(CIDXNode* node) {

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <deque>
 #include <memory>
+#include <optional>
 #include <unordered_set>
 #include <vector>
 
@@ -28,6 +29,7 @@ struct Entry : BoostHook {
   Info record;
   Info* info = &record;
   Entry* tableNext = nullptr;
+  std::optional<HashedKey> hashed;
 };
 
 // All of the others' tables take the hash that the entry keeps, and find by a HashedKey without making an entry.
@@ -48,7 +50,7 @@ struct Equal {
 };
 
 struct OurTable {
-  void Insert(Entry& entry) { table.Insert(&entry); }
+  void Insert(Entry& entry) { table.Insert(*entry.hashed, &entry); }
   bool Has(const HashedKey& key) const { return table.Find(key) != nullptr; }
   KeyTable<Entry> table;
 };
@@ -88,7 +90,7 @@ struct Entries {
     for (const CIDXString& key : images.keys) {
       Entry::Info& info = *entries.emplace_back().info;
       info.key.CopyString(key.Text());
-      info.keyHash = HashedKey(info.key).hash;
+      info.keyHash = entries.back().hashed.emplace(info.key).hash;
       info.bucket = static_cast<std::uint16_t>(key.GetHashKey());
     }
   }

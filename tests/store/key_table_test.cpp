@@ -28,14 +28,13 @@ class KeyTableTest : public testing::Test {
   Entry* Make(const std::string& key) {
     Entry& entry = entries_.emplace_back();
     entry.info->key.CopyString(key.c_str());
-    const HashedKey hashed(entry.info->key);
-    entry.info->keyHash = hashed.hash;
-    entry.info->bucket = static_cast<std::uint16_t>(hashed.Bucket());
+    entry.info->bucket = static_cast<std::uint16_t>(entry.info->key.GetHashKey());
     return &entry;
   }
+  void Insert(Entry* entry) { table_.Insert(HashedKey(entry->info->key), entry); }
   Entry* Insert(const std::string& key) {
     Entry* const entry = Make(key);
-    table_.Insert(entry);
+    Insert(entry);
     return entry;
   }
   Entry* InsertNumber(int number) { return Insert("/pictures/" + std::to_string(number)); }
@@ -70,7 +69,7 @@ TEST_F(KeyTableTest, FindsWhatIsThereAfterEveryGrowth) {
   }
   EXPECT_EQ(table_.Count(), 0u);
   table_.Clear();
-  table_.Insert(order[0]);
+  Insert(order[0]);
   EXPECT_EQ(table_.Find(HashedKey(order[0]->info->key)), order[0]);
 }
 
@@ -105,7 +104,7 @@ TEST_F(KeyTableTest, WithoutMemoryToGrowNothingIsLost) {
     for (int i = 0; i < 100; ++i) {
       Entry* const entry = Make("/pictures/" + std::to_string(entries_.size()));
       const FailingAllocation failure(0);
-      table_.Insert(entry);
+      Insert(entry);
     }
     ExpectAllFound();
     InsertNumber(static_cast<int>(entries_.size()));  // now there is memory

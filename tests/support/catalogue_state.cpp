@@ -60,18 +60,24 @@ std::string BrokenLinks(const CIDXCell* cell) {
 std::string BrokenImageList(const CIDXCell* cell, int tree, bool isOrdered, std::set<const CIDXNode*>& filed) {
   const CIDXNode* before = nullptr;
   const CIDXSkipNode* marker = cell->skipHead;
+  const std::vector<CIDXSkipNode*> noRuns;
+  const std::vector<CIDXSkipNode*>& runs = isOrdered && cell->skipRuns ? *cell->skipRuns : noRuns;
+  std::size_t runsSeen = 0;
   for (const CIDXNode* node = cell->firstNode; node; before = node, node = node->next[tree]) {
     if (node->cell[tree] != cell || node->prev[tree] != before) return "links of image " + KeyOf(node);
     if (!filed.insert(node).second) return "filed twice: " + KeyOf(node);
     if (tree == kIndexTree) continue;
     const bool beginsGroup = !before || before->cell[kIndexTree] != node->cell[kIndexTree];
-    if (!beginsGroup) continue;
+    const bool isSecondGroup = !isOrdered && marker && marker->node == node;  // of the same index, side by side
+    if (!beginsGroup && !isSecondGroup) continue;
     if (!marker || marker->node != node) return "marker of group at " + KeyOf(node);
     if (before && isOrdered && StoreInspector::Compare(before->cell[kIndexTree], node->cell[kIndexTree]) != -1) {
       return "order of groups at " + KeyOf(node);
     }
+    if (runsSeen < runs.size() && runs[runsSeen] == marker) ++runsSeen;
     marker = marker->next;
   }
+  if (runsSeen != runs.size()) return "run of groups in " + KeyOf(cell);
   if (marker) return "marker without a group in " + KeyOf(cell);
   return cell->lastNode == before ? "" : "last image of " + KeyOf(cell);
 }
@@ -129,7 +135,8 @@ std::string BrokenInvariant(const CIndexData& store) {
     if (!broken.empty()) return broken;
   }
   std::size_t inTable = 0;
-  const bool isOrdered = !inspector.MovedCells(kIndexTree).head;  // moved indexes leave their groups where they were
+  // Moved indexes leave their groups where they were.
+  const bool isOrdered = inspector.Root(kIndexTree) && !inspector.MovedCells(kIndexTree).head;
   for (int tree = 0; tree < kTreeCount; ++tree) {
     std::set<const CIDXNode*> filed;
     std::set<const CIDXCell*> cells;
@@ -139,8 +146,8 @@ std::string BrokenInvariant(const CIndexData& store) {
       broken = BrokenLinks(cell);
       if (broken.empty()) broken = BrokenImageList(cell, tree, isOrdered, filed);
       if (broken.empty() && tree == kIndexTree && cell->skipHead) broken = "marker in index " + KeyOf(cell);
-      if (broken.empty() && chainedCells.count(cell) == (cell->moved ? 1 : 0)) broken = "table of " + KeyOf(cell);
-      if (!cell->moved) ++inTable;
+      if (broken.empty() && chainedCells.count(cell) == (cell->info->moved ? 1 : 0)) broken = "table of " + KeyOf(cell);
+      if (!cell->info->moved) ++inTable;
     };
     ForEachCell(store, tree, visit);
     for (const CIDXCell* cell = inspector.MovedCells(tree).head; cell; cell = cell->hashNext) visit(cell);
