@@ -2,6 +2,7 @@
 #ifndef CATALOGCORE_STORE_INDEX_DATA_H_
 #define CATALOGCORE_STORE_INDEX_DATA_H_
 
+#include <cstddef>
 #include <cstdint>
 
 #include "base/critical_region.h"
@@ -138,10 +139,21 @@ class CIndexData {
   static void LinkNodesSub(std::int32_t tree, CIDXNode* before, CIDXNode* after, CIDXNode* node);
   CIDXNode* IsolateNode(CIDXNode* node);
   CIDXNode* ReleaseNode(std::int32_t tree, CIDXNode* node);
-  // False once an index was moved: then groups may be out of order, and one index may have several.
+  // Where a group stands in a folder's skip list, or is to stand.
+  struct GroupPlace {
+    CIDXSkipNode* own;     // null if there is none
+    CIDXSkipNode* before;  // null if it is the first
+    CIDXSkipNode* after;   // null if it is the last
+    std::size_t run;       // of ordered groups: how many of skipRuns come before it
+  };
+  // False once an index was moved, or without a root: then groups may be out of order, and one index may have several.
   bool AreGroupsOrdered() const;
-  // The last group of the folder that does not come after the index, its own if there is one; null if there is none.
-  CIDXSkipNode* GroupUpTo(const CIDXCell* folder, const CIDXCell* index) const;
+  static GroupPlace PlaceOfGroup(const CIDXCell* folder, const CIDXCell* index);
+  static GroupPlace PlaceInDisorder(const CIDXCell* folder, const CIDXCell* index);
+  static GroupPlace PlaceOfMarker(const CIDXCell* folder, const CIDXNode* node);
+  CIDXNode* LastOfGroup(const CIDXCell* folder, const CIDXNode* node) const;
+  bool InsertGroup(CIDXCell* folder, const GroupPlace& place, CIDXNode* node) const;
+  void RemoveGroup(CIDXCell* folder, const GroupPlace& place) const;
   void DropFromGroup(const CIDXNode* node);
   std::uint32_t RemoveNodeSub(CIDXNode* node, std::int32_t force);
   CIDXNode* FirstMatchFromCurrentCell(SearchHandle* handle, std::int32_t recursive) const;

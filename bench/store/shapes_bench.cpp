@@ -22,6 +22,8 @@ struct Shape {
 };
 
 std::string OneFolder(int) { return "/home/user/Pictures"; }
+// The index's last image lies in the other folder.
+std::string TwoFoldersInTurn(int image) { return "/home/user/Pictures/" + std::to_string(image / 8000 % 2); }
 std::string FolderOf3000(int image) { return "/home/user/Pictures/" + std::to_string(image / 3000); }
 std::string FolderOfItsOwn(int image) { return "/home/user/Pictures/" + std::to_string(image); }
 std::string OneOf50Levels(int image) {
@@ -108,7 +110,10 @@ void AddShapeRows() {
   const Shape shapes[] = {{"one_folder", many, 20, OneFolder},
                           {"one_index", many, 1, FolderOf3000},
                           {"own_folders", 100000, 20, FolderOfItsOwn},
-                          {"deep_folders", many, 20, OneOf50Levels}};
+                          {"deep_folders", many, 20, OneOf50Levels},
+                          {"one_folder_400_indexes", 100000, 400, OneFolder},
+                          {"one_folder_8000_indexes", 100000, 8000, OneFolder},
+                          {"two_folders_8000_indexes", 100000, 8000, TwoFoldersInTurn}};
   const struct {
     const char* name;
     void (Catalogue::*operation)();

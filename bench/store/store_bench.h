@@ -9,7 +9,7 @@ void AddStoreRows();
 void AddKeyTableRows();
 
 // Catalogues of unusual shapes (everything in one folder, in one index, each image in a folder of its own, folders of 50
-// levels) beside one of as many images in folders of 3,000 and 20 indexes.
+// levels, folders of images of many indexes) beside one of as many images in folders of 3,000 and 20 indexes.
 void AddShapeRows();
 
 #endif  // CATALOGCORE_BENCH_STORE_STORE_BENCH_H_

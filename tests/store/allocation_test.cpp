@@ -51,4 +51,21 @@ TEST(FailedAllocation, AddingOrMovingACellIsRolledBack) {
   EXPECT_GE(FailEach([&](CIndexData& s) { return s.AddCell(kFolderTree, below, name, 0); }, all), 8);
 }
 
+TEST(FailedAllocation, GroupsAreFoundWithoutMemoryForTheirRuns) {
+  CIndexData store;
+  store.Initialize();
+  int failures = 0;
+  for (int image = 0; image < 400; ++image) {
+    ASSERT_EQ(store.AddCell(kIndexTree, Key(std::to_string(image)), Key(""), 0), StoreOk);
+  }
+  for (int image = 0; image < 400; ++image) {
+    const Key index(std::to_string(image * 7 % 400)), key("/p/" + std::to_string(image)), folder("/p");
+    const FailingAllocation failure(image == 0 ? -1 : 2);  // beyond the image and its marker
+    ASSERT_EQ(store.AddNode(key, index, folder, 0), StoreOk);
+    failures += failure.HasFailed();
+  }
+  EXPECT_GT(failures, 300);
+  EXPECT_EQ(BrokenInvariant(store), "");
+}
+
 }  // namespace

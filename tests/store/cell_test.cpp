@@ -144,21 +144,39 @@ TEST_F(CellTest, WalksGoOnFromWhereTheirCellWasMovedTo) {
   }
 }
 
+TEST_F(CellTest, WalkInAFolderThatIsMovedOutOfItsSubtreeEnds) {
+  AddIndex("1");
+  for (const char* image : {"/p/q/a", "/p/q/b"}) {
+    ASSERT_EQ(store_.AddNode(Key(image), Key("1"), Key("/p/q"), 0), StoreOk);
+  }
+  store_.AddCell(kFolderTree, Key("/r"), Key(""), 0);
+  SearchHandle handle{};
+  CIDXString everyIndex;
+  Key folder("/p");
+  ASSERT_NE(store_.GetFirstNode(&handle, everyIndex, folder, 1), nullptr);
+  ASSERT_EQ(store_.MoveCell(kFolderTree, Key("/p/q"), Key("/r/q"), 0), StoreOk);
+  EXPECT_EQ(store_.GetNextNode(&handle, 1), nullptr);
+}
+
 TEST_F(CellTest, GroupsLeftOutOfOrderByAMoveAreDroppedWhole) {
-  for (const char* key : {"1", "2", "3", "4"}) AddIndex(key);
-  const auto add = [this](const char* image, const char* index) {
-    EXPECT_EQ(store_.AddNode(Key(image), Key(index), Key("/p"), 0), StoreOk);
-  };
-  add("c", "2");
-  add("x", "3");
-  Move("2", "4/2");
-  add("x2", "3");  // ahead of the moved index's group, although its own lies behind that
-  const CellState folder = StateOf(store_).cells[kFolderTree].back();
-  EXPECT_EQ(folder.images, Keys({"x2", "c", "x"}));
-  EXPECT_EQ(folder.groups, folder.images);
-  for (const char* image : {"c", "x2", "x"}) {
-    EXPECT_EQ(store_.RemoveNode(Key(image), 0), StoreOk);
-    EXPECT_EQ(StateOf(store_).cells[kFolderTree].back().groups, StateOf(store_).cells[kFolderTree].back().images);
+  for (const Keys& order : {Keys{"c", "x2", "x"}, Keys{"c", "x", "x2"}}) {
+    store_.Initialize();
+    for (const char* key : {"1", "2", "3", "4"}) AddIndex(key);
+    const auto add = [this](const char* image, const char* index) {
+      EXPECT_EQ(store_.AddNode(Key(image), Key(index), Key("/p"), 0), StoreOk);
+    };
+    add("c", "2");
+    add("x", "3");
+    Move("2", "4/2");
+    add("x2", "3");  // ahead of the moved index's group, although its own lies behind that
+    const CellState folder = StateOf(store_).cells[kFolderTree].back();
+    EXPECT_EQ(folder.images, Keys({"x2", "c", "x"}));
+    EXPECT_EQ(folder.groups, folder.images);
+    for (const std::string& image : order) {
+      EXPECT_EQ(store_.RemoveNode(Key(image), 0), StoreOk);
+      EXPECT_EQ(StateOf(store_).cells[kFolderTree].back().groups, StateOf(store_).cells[kFolderTree].back().images);
+      EXPECT_EQ(BrokenInvariant(store_), "") << image;
+    }
   }
 }
 
