@@ -49,15 +49,21 @@ void OpenFinds::Keep(CIDXCell* cell) {
 }
 
 void OpenFinds::Clear() {
-  while (first) DropFirst();
+  while (first) DeleteOldest();
   catalogue = NextCatalogue();
 }
 
-void OpenFinds::DropFirst() {
+void OpenFinds::DeleteOldest() {
+  const auto deleteFirst = [](auto& chain) {
+    auto* const entry = chain.head;
+    if (!entry) return false;
+    chain.Remove(entry);
+    delete entry;
+    return true;
+  };
+  if (deleteFirst(first->nodes) || deleteFirst(first->cells)) return;
   FindSpan* const span = first;
   first = span->next;
   if (!first) last = nullptr;
-  span->nodes.Clear([](CIDXNode* node) { delete node; });
-  span->cells.Clear([](CIDXCell* cell) { delete cell; });
   delete span;
 }

@@ -6,8 +6,10 @@
 //
 // What always holds:
 // - While there is a span, a removed entry waits in the last one; without a span it is deleted at once.
-// - A span and all that waits in it are deleted once neither it nor any before it has an open find. Sweep looks at that,
-//   so that afterwards the first span has an open find, and without an open find there is no span.
+// - A span and all that waits in it may be deleted once neither it nor any before it has an open find. Sweep looks at
+//   that, and deletes what was removed first before what was removed later, which it may lead to. So that no call waits
+//   long for what others left behind, it deletes a few at a time: the rest of them, until later calls come to it, is what
+//   waits without need.
 #ifndef CATALOGCORE_STORE_OPEN_FINDS_H_
 #define CATALOGCORE_STORE_OPEN_FINDS_H_
 
@@ -46,10 +48,12 @@ class OpenFinds {
   void Keep(CIDXNode* node);
   void Keep(CIDXCell* cell);
 
-  // Deletes what no find can stand on any more. To be called by whoever enters the region.
+  // Deletes at most kSweptAtOnce of what no find can stand on any more. To be called by whoever enters the region: a call
+  // removes fewer on average, so that what waits gets less.
   void Sweep() {
-    while (first && first->openFinds.load(std::memory_order_acquire) == 0) DropFirst();
+    for (int i = 0; i < kSweptAtOnce && first && IsClosed(*first); ++i) DeleteOldest();
   }
+  static constexpr int kSweptAtOnce = 64;
 
   // Deletes everything. No find is open afterwards.
   void Clear();
@@ -57,7 +61,9 @@ class OpenFinds {
  private:
   friend class StoreInspector;
 
-  void DropFirst();
+  static bool IsClosed(const FindSpan& span) { return span.openFinds.load(std::memory_order_acquire) == 0; }
+  // Of the first span, an entry, or the span itself if nothing waits in it.
+  void DeleteOldest();
 
   FindSpan* first = nullptr;
   FindSpan* last = nullptr;

@@ -18,7 +18,12 @@ class StoreInspector {
   const KeyTable<CIDXCell>& CellTable(int tree) const { return store_.cellTable[tree]; }
   const HashChain<CIDXCell>& MovedCells(int tree) const { return store_.movedCells[tree]; }
   const FindSpan* FirstSpan() const { return store_.openFinds.first; }
-  // How many removed entries are kept for open finds.
+  std::size_t Spans() const {
+    std::size_t count = 0;
+    for (const FindSpan* span = FirstSpan(); span; span = span->next) ++count;
+    return count;
+  }
+  // How many removed entries wait to be deleted.
   std::size_t Waiting() const {
     std::size_t count = 0;
     for (const FindSpan* span = FirstSpan(); span; span = span->next) {
