@@ -103,14 +103,25 @@ TEST_F(CallsTest, ResultsAreWrittenWhereTheyAreWanted) {
   item.index = 5;
   EXPECT_EQ(IDXSearchImage(&item), IDX_OK);
   EXPECT_EQ(item.index, 5);
-  // Without IDXOP_GETINFO a find tells nothing but that there is one.
-  IDXSTATUS status = 99;
+  // Without IDXOP_GETINFO a find tells nothing but that there is one, and an added index not its number.
+  ASSERT_EQ(AddImage("/a/c", 1010000), IDX_OK);
   Item untouched;
-  untouched.Name("n").Path("p").Index(5).Attribute(9);
-  IDXCloseFind(IDXFindFirstIndex(&untouched, &status));
-  EXPECT_EQ(status, IDX_OK);
-  EXPECT_EQ(untouched.NameText() + untouched.PathText(), "np");
-  EXPECT_EQ(untouched.index + untouched.attribute, 14);
+  untouched.Name("n").Path("p").Index(1000000).Attribute(3);
+  const auto expectUntouched = [&untouched](IDXSTATUS status, IDXSTATUS expected) {
+    EXPECT_EQ(status, expected);
+    EXPECT_EQ(untouched.NameText() + untouched.PathText(), "np");
+    EXPECT_EQ(untouched.index + untouched.attribute, 1000003);
+  };
+  for (const auto& [first, next] :
+       {std::pair{&IDXFindFirstIndex, &IDXFindNextIndex}, {&IDXFindFirstImage, &IDXFindNextImage}}) {
+    IDXSTATUS status = 99;
+    const IDXFIND find = first(&untouched, &status);
+    expectUntouched(status, IDX_OK);
+    expectUntouched(next(find, &untouched), IDX_OK);
+    IDXCloseFind(find);
+  }
+  expectUntouched(IDXAddIndex(&untouched), IDX_OK);
+  expectUntouched(IDXAddIndex(&untouched), IDXERR_INDEXEXISTS);
 }
 
 TEST_F(CallsTest, AddedIndexesTakeTheLowestFreeNumber) {

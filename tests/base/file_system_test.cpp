@@ -2,10 +2,12 @@
 #include <unistd.h>
 
 #include <cstring>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
+#include "base/clock.h"
 #include "base/desktop_folder.h"
 
 namespace {
@@ -47,6 +49,14 @@ TEST_F(FileSystem, DesktopPathIsWrittenOnlyIfItFits) {
   WriteDesktopFolder(fits, out);
   EXPECT_EQ(out, fits + "/");
   EXPECT_EQ(out[kTempFilePathSize], '!');
+}
+
+TEST(Clock, CountsSecondsAndTheirParts) {
+  EXPECT_NEAR(GetTime(), static_cast<double>(std::time(nullptr)), 60);
+  const double begin = GetTime();
+  double now = begin;
+  while (now == begin) now = GetTime();
+  EXPECT_LT(now - begin, 0.5);
 }
 
 }  // namespace

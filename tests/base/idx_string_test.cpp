@@ -7,6 +7,7 @@
 #include <type_traits>
 
 #include "base/idx_buffer.h"
+#include "base/text_hash.h"
 
 namespace {
 
@@ -59,6 +60,10 @@ TEST(IdxString, CopiesAndCuts) {
 
 TEST(IdxString, HashAndEqualityAreThoseOfSingleBytes) {
   std::mt19937 random(1);
+  HashKey key;
+  for (std::uint64_t& word : key.words) word = std::uint64_t{random()} << 32 | random();
+  for (std::uint64_t& word : key.end) word = std::uint64_t{random()} << 32 | random();
+  const auto folded = [&key](const std::string& text) { return FoldedHash(text.c_str(), text.size(), key); };
   const char near[] = "@AZ[`az{\x7F\x80\xC1\xDA\xE1\xFA\xFF/";
   for (int size = 0; size < 70; ++size) {
     for (int round = 0; round < 50; ++round) {
@@ -72,7 +77,10 @@ TEST(IdxString, HashAndEqualityAreThoseOfSingleBytes) {
       left.CopyString(a.c_str());
       right.CopyString(b.c_str());
       EXPECT_EQ(left.GetHashKey(), hash % 1987) << a;
-      EXPECT_EQ(left == right, strcasecmp(a.c_str(), b.c_str()) == 0) << a << " " << b;  // in the C locale
+      const bool isSame = strcasecmp(a.c_str(), b.c_str()) == 0;  // in the C locale
+      EXPECT_EQ(left == right, isSame) << a << " " << b;
+      EXPECT_EQ(folded(a) == folded(b), isSame) << a << " " << b;
+      EXPECT_NE(folded(a), folded(a + "/")) << a;
     }
   }
   CIDXString text, none;
