@@ -24,9 +24,11 @@ enum class Encoding { kBytes, kLittleEndian, kBigEndian };
 
 std::string Encoded(const std::string& latin1, Encoding encoding) {
   if (encoding == Encoding::kBytes) return latin1;
-  const bool isLittle = encoding == Encoding::kLittleEndian;
-  std::string text = isLittle ? "\xFF\xFE" : "\xFE\xFF";
-  for (const char c : latin1) text += isLittle ? std::string{c, '\0'} : std::string{'\0', c};
+  const std::size_t low = encoding == Encoding::kLittleEndian ? 0 : 1;
+  std::string text(2 * (latin1.size() + 1), '\0');
+  text[low] = '\xFF';
+  text[1 - low] = '\xFE';
+  for (std::size_t i = 0; i < latin1.size(); ++i) text[2 * (i + 1) + low] = latin1[i];
   return text;
 }
 
