@@ -105,9 +105,9 @@ std::vector<std::string> Folder::Names() const {
   return names;
 }
 
-std::optional<struct stat> Folder::FindFile(const std::string& path) const {
+std::optional<struct stat> Folder::FindFile(const std::string& name) const {
   struct stat status {};
-  const bool isThere = fstatat(Descriptor(), path.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
+  const bool isThere = fstatat(Descriptor(), name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
   return isThere && S_ISREG(status.st_mode) ? std::optional(status) : std::nullopt;
 }
 

@@ -1,6 +1,5 @@
 // A folder that the program writes into, by descriptor: what is made, replaced or removed in it is in it, wherever its
-// name leads meanwhile. Links below it are never followed. Names here are those of single entries, without a slash,
-// unless it says so.
+// name leads meanwhile. Links below it are never followed. Names here are those of single entries, without a slash.
 #ifndef CATALOGCORE_APP_FOLDER_H_
 #define CATALOGCORE_APP_FOLDER_H_
 
@@ -48,8 +47,8 @@ class Folder {
   // Throws std::runtime_error.
   std::vector<std::string> Names() const;
 
-  // The status of the regular file of that name, which may be a path below it; nothing if there is none.
-  std::optional<struct stat> FindFile(const std::string& path) const;
+  // The status of the regular file of that name. Nothing if it is missing, a link, or not a regular file.
+  std::optional<struct stat> FindFile(const std::string& name) const;
 
   // Writes the content to a temporary file of a unique name in the folder and renames it to `name`, so that a file of
   // that name is the old or the new one, whole. A link of that name is replaced. The file's permissions are those that

@@ -40,11 +40,10 @@ std::string FileOf(const std::string& name) { return name + std::string(kCopyExt
 // Whether the gallery has the copy, which it then takes from whoever may not read the picture.
 bool CheckCopy(const Folder& folder, const std::string& name, const Readers& readers) {
   if (name.empty()) return false;
-  const std::optional<struct stat> status = folder.FindFile(FolderOf(name) + '/' + FileOf(name));
+  const std::optional<Folder> inner = folder.FindInner(FolderOf(name));
+  const std::optional<struct stat> status = inner ? inner->FindFile(FileOf(name)) : std::nullopt;
   if (!status) return false;
-  if ((status->st_mode & 0077 & ~readers.Limit(status->st_gid)) != 0) {
-    if (const std::optional<Folder> inner = folder.FindInner(FolderOf(name))) inner->Restrict(FileOf(name), readers);
-  }
+  if ((status->st_mode & 0077 & ~readers.Limit(status->st_gid)) != 0) inner->Restrict(FileOf(name), readers);
   return true;
 }
 
