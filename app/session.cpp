@@ -47,8 +47,6 @@ void Change(Session& session, const std::string& command, const std::function<vo
   });
 }
 
-void PrintJsonLine(const nlohmann::ordered_json& value) {
-  std::puts(ForOutput(value.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)).c_str());
-}
+void PrintJsonLine(const nlohmann::ordered_json& value) { std::puts(JsonText(value).c_str()); }
 
 }  // namespace catalogcore::app

@@ -46,7 +46,7 @@ void Report(Session& session, const Catalog& catalog, bool isJson) {
                           {"missing", missing}});
   }
   for (const FileState* state : {&catalog.IndexFile(), &catalog.ImageFile()}) {
-    std::printf("%s: %s\n", ForOutput(state->file.string()).c_str(), StateWords(*state).c_str());
+    std::printf("%s: %s\n", ForOutput(state->file.string()).c_str(), ForOutput(StateWords(*state)).c_str());
   }
   std::printf("%td indexes, %s, %s missing\n", indexes, Counted(images, "image").c_str(),
               Grouped(missing.size()).c_str());

@@ -5,24 +5,17 @@
 #include <nlohmann/json.hpp>
 
 #include "app/commands/commands.h"
+#include "app/text.h"
 
 namespace catalogcore::app {
 namespace {
 
-// RFC 4180: quoted, with quotes doubled.
-std::string CsvField(const std::string& text) {
-  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-  std::string quoted = "\"";
-  for (const char byte : text) quoted += byte == '"' ? std::string("\"\"") : std::string(1, byte);
-  return quoted + '"';
-}
-
 void ExportCsv(const Catalog& catalog, const IndexTree& tree) {
   std::fputs("file,folder,index,name,attribute,missing\r\n", stdout);
   catalog.ForEachImage({}, [&](const Image& image) {
-    std::printf("%s,%s,%d,%s,%d,%d\r\n", CsvField(image.path).c_str(),
-                CsvField(std::filesystem::path(image.path).parent_path().string()).c_str(), image.index,
-                CsvField(tree.NameOf(image.index)).c_str(), static_cast<int>(image.attributes),
+    std::printf("%s,%s,%d,%s,%d,%d\r\n", CsvField(ForOutput(image.path)).c_str(),
+                CsvField(ForOutput(std::filesystem::path(image.path).parent_path().string())).c_str(), image.index,
+                CsvField(ForOutput(tree.NameOf(image.index))).c_str(), static_cast<int>(image.attributes),
                 catalog.IsMissing(image.path) ? 1 : 0);
   });
 }
@@ -39,7 +32,7 @@ void ExportJson(const Catalog& catalog, const IndexTree& tree) {
                                       {"name", tree.NameOf(image.index)},
                                       {"attribute", image.attributes},
                                       {"missing", catalog.IsMissing(image.path)}};
-    std::fputs(line.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace).c_str(), stdout);
+    std::fputs(JsonText(line).c_str(), stdout);
   });
   std::puts(isFirst ? "[]" : "\n]");
 }
@@ -53,7 +46,12 @@ void AddExport(CLI::App& app, Session& session) {
       ->type_name("FORMAT")
       ->required()
       ->check(CLI::IsMember({"json", "csv"}));
-  command->footer("Example:\n  catalogcore export --format csv > pictures.csv");
+  command->footer(
+      "In CSV, text that begins with = + - @ tab or CR gets an apostrophe (') in front, so that no spreadsheet takes "
+      "it\n"
+      "for a formula; JSON has every name as it is. On a terminal, control characters in CSV are shown as escapes\n"
+      "(\\x1B, \\u202E) and a backslash as two.\n\n"
+      "Example:\n  catalogcore export --format csv > pictures.csv");
   command->callback([format, &session] {
     std::optional<Catalog> opened;
     const Catalog& catalog = OpenForReading(session, opened);

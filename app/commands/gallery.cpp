@@ -49,7 +49,7 @@ void MakeGallery(Session& session, const GalleryOptions& options) {
   }
   session.progress.Clear();
   std::printf("%s, %s made now\n%s\n", Counted(request.images.size(), "picture").c_str(),
-              Counted(report.made, "thumbnail").c_str(), (request.folder / "index.html").c_str());
+              Counted(report.made, "thumbnail").c_str(), ForOutput((request.folder / "index.html").string()).c_str());
   if (*request.stop) session.status = kInterruptedStatus;
 }
 
