@@ -10,6 +10,7 @@
 
 #include "app/gallery/gallery.h"
 #include "app/picture.h"
+#include "app/text.h"
 
 namespace catalogcore::app {
 namespace {
@@ -17,6 +18,20 @@ namespace {
 namespace fs = std::filesystem;
 
 using Identity = std::pair<dev_t, ino_t>;
+
+constexpr std::size_t kLongestKind = 8;  // what is longer, or not in ASCII letters and digits, is no extension
+constexpr std::size_t kNamedKinds = 6;
+
+// "PDF" of letter.pdf; empty if the name has no extension.
+std::string KindOf(const fs::path& file) {
+  std::string kind = file.extension().string().substr(file.has_extension() ? 1 : 0);
+  const auto isPlain = [](char c) {
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+  };
+  if (kind.size() > kLongestKind || !std::all_of(kind.begin(), kind.end(), isPlain)) return "";
+  for (char& c : kind) c = static_cast<char>(c >= 'a' ? c - 'a' + 'A' : c);
+  return kind;
+}
 
 class Finder {
  public:
@@ -28,8 +43,11 @@ class Finder {
     std::error_code error;
     const fs::file_status status = fs::status(name, error);
     if (!fs::exists(status)) return report_(name.string(), error ? error.message() : "No such file or directory");
-    if (fs::is_directory(status)) return Folder(CatalogPath(name));
-    found_.files.push_back(CatalogPath(name));
+    const std::string path = CatalogPath(name);
+    const std::string given = fs::absolute(name, error).lexically_normal().string();
+    if (given != path && given != path + '/') found_.links.emplace(path, given);
+    if (fs::is_directory(status)) return Folder(path);
+    found_.files.push_back(path);
   }
 
   FoundFiles Result() {
@@ -51,7 +69,10 @@ class Finder {
     if (!searched_.insert(identity).second) return;
     above_.insert(identity);
     std::error_code error;
-    fs::directory_iterator entries(fs::is_symlink(folder, error) ? fs::path(CatalogPath(folder)) : folder, error);
+    const bool isLink = fs::is_symlink(folder, error);
+    const fs::path path = isLink ? fs::path(CatalogPath(folder)) : folder;
+    if (isLink) found_.links.emplace(path.string(), folder.string());
+    fs::directory_iterator entries(path, error);
     std::vector<fs::path> folders;
     for (; !error && entries != fs::directory_iterator() && !Stops(); entries.increment(error)) {
       if (entries->path().filename().native().front() != '.') Entry(*entries, folders);
@@ -72,7 +93,12 @@ class Finder {
       report_(entry.path().string(), error.message());
     } else if (HasPictureName(entry.path())) {
       if (!fs::exists(status)) return report_(entry.path().string(), "a link to nothing");
-      found_.files.push_back(entry.is_symlink(error) ? CatalogPath(entry.path()) : entry.path().string());
+      if (!entry.is_symlink(error)) return found_.files.push_back(entry.path().string());
+      const std::string path = CatalogPath(entry.path());
+      found_.links.emplace(path, entry.path().string());
+      found_.files.push_back(path);
+    } else if (fs::is_regular_file(status)) {
+      ++found_.others[KindOf(entry.path())];
     }
   }
 
@@ -93,6 +119,40 @@ std::string CatalogPath(const fs::path& file) {
   std::string path = (error ? fs::absolute(file).lexically_normal() : resolved).string();
   if (path.size() > 1 && path.back() == '/') path.pop_back();
   return path;
+}
+
+std::string FoundFiles::LinkTo(const std::string& file) const {
+  for (fs::path above = file; above.has_relative_path(); above = above.parent_path()) {
+    const auto link = links.find(above.string());
+    if (link != links.end()) return link->second + file.substr(link->first.size());
+  }
+  return "";
+}
+
+std::string FoundFiles::Shown(const std::string& file) const {
+  const std::string link = LinkTo(file);
+  if (!link.empty()) return link + " -> " + file;
+  std::error_code error;
+  const std::string target = fs::read_symlink(file, error).string();
+  return error ? file : file + " -> " + target;
+}
+
+std::string OtherKinds(const std::map<std::string, std::size_t>& others) {
+  std::vector<std::pair<std::string, std::size_t>> kinds(others.begin(), others.end());
+  std::stable_sort(kinds.begin(), kinds.end(), [](const auto& a, const auto& b) { return a.second > b.second; });
+  std::size_t all = 0;
+  std::size_t named = 0;
+  std::string list;
+  for (std::size_t i = 0; i < kinds.size(); ++i) {
+    const auto& [kind, count] = kinds[i];
+    all += count;
+    if (i >= kNamedKinds) continue;
+    named += count;
+    list += (i == 0 ? ": " : ", ") + Grouped(count) + ' ' + (kind.empty() ? "without extension" : kind);
+  }
+  if (all == 0) return "";
+  if (all > named) list += ", " + Grouped(all - named) + " more";
+  return "Passed over " + Counted(all, "file") + " of other kinds" + list;
 }
 
 FoundFiles FindPictures(const std::vector<std::string>& names, const std::function<bool(std::size_t)>& stop,

@@ -2,8 +2,10 @@
 #ifndef CATALOGCORE_APP_FILE_FINDER_H_
 #define CATALOGCORE_APP_FILE_FINDER_H_
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -13,8 +15,16 @@ namespace catalogcore::app {
 std::string CatalogPath(const std::filesystem::path& file);
 
 struct FoundFiles {
-  std::vector<std::string> files;  // full paths, sorted, each once
+  std::vector<std::string> files;             // full paths, sorted, each once
+  std::map<std::string, std::string> links;   // by full path: the link that led to this file or folder
+  std::map<std::string, std::size_t> others;  // files passed over because of their names, by extension: "PDF"
   bool isStopped = false;
+
+  // The link that led to the file, if there was one; else empty.
+  std::string LinkTo(const std::string& file) const;
+
+  // For messages: "LINK -> FILE" if a link led to the file, "FILE -> TARGET" if the file is itself a link.
+  std::string Shown(const std::string& file) const;
 };
 
 // Names that are files count whatever they are called; folders are searched for files that are called like pictures.
@@ -23,6 +33,10 @@ struct FoundFiles {
 // then.
 FoundFiles FindPictures(const std::vector<std::string>& names, const std::function<bool(std::size_t found)>& stop,
                         const std::function<void(const std::string& file, const std::string& reason)>& report);
+
+// "Passed over 6 files of other kinds: 3 PDF, 2 GIF, 1 without extension", the most frequent first; empty if there are
+// none.
+std::string OtherKinds(const std::map<std::string, std::size_t>& others);
 
 }  // namespace catalogcore::app
 

@@ -4,11 +4,13 @@
 
 #include <atomic>
 #include <csignal>
+#include <string>
 
 namespace catalogcore::app {
 
-// From now on, SIGINT, SIGTERM and SIGHUP set the flag that is returned, but for those that the process ignores.
-const std::atomic<bool>& CatchInterrupts();
+// From now on, SIGINT, SIGTERM and SIGHUP set the flag that is returned, but for those that the process ignores. The
+// first prints "catalogcore: NOTICE" on standard error at once.
+const std::atomic<bool>& CatchInterrupts(const std::string& notice);
 
 // While it lives, nobody reading the output (any more) is no reason to end.
 class IgnoredPipes {

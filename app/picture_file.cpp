@@ -14,6 +14,8 @@
 #include <string_view>
 #include <system_error>
 
+#include "app/other_formats.h"
+
 namespace catalogcore::app {
 namespace {
 
@@ -95,7 +97,7 @@ void PictureFile::Examine(const std::filesystem::path& path) {
   std::array<std::uint8_t, 12> start = {};
   if (!Read(0, start)) throw PictureError(size_ == 0 ? "the file is empty" : "not an image file");
   const std::optional<Content> content = ContentOf(start);
-  if (!content) throw PictureError("not an image file");
+  if (!content) throw PictureError(WhyNotDecoded(start));
   content_ = *content;
   source_.reset(vips_source_new_from_descriptor(descriptor_));
   if (source_ == nullptr) FailBySystem();  // a copy of the descriptor

@@ -39,14 +39,16 @@ void Print(const std::string& file, const Decision& decision, bool isJson) {
 void Classify(Session& session, const ClassifyOptions& options) {
   StartPictures("catalogcore");
   const catalogcore::Catalog library = OpenLibrary();
-  const std::atomic<bool>& stop = CatchInterrupts();
+  const std::atomic<bool>& stop =
+      CatchInterrupts("finishing the pictures under way; press Ctrl-C again to stop at once");
+  FoundFiles found;
   const auto report = [&](const std::string& file, const std::string& reason) {
     Print(file, {-1, reason}, options.isJson);
-    session.Skip("cannot read " + file + ": " + reason + " (skipped)");
+    session.Skip("cannot read " + found.Shown(file) + ": " + reason + " (skipped)");
   };
-  const std::vector<std::string> files = FindPictures(
-                                             options.paths, [&stop](std::size_t) { return stop.load(); }, report)
-                                             .files;
+  found = FindPictures(
+      options.paths, [&stop](std::size_t) { return stop.load(); }, report);
+  const std::vector<std::string>& files = found.files;
   RunInOrder(
       files.size(), options.jobs, stop, [&](std::size_t i) { return DecideScene(library, files[i]); },
       [&](std::size_t i, const Decision& decision) {
@@ -54,6 +56,8 @@ void Classify(Session& session, const ClassifyOptions& options) {
         decision.problem.empty() ? Print(files[i], decision, options.isJson) : report(files[i], decision.problem);
         session.progress.Step(i + 1, files.size(), files[i]);
       });
+  session.progress.Clear();
+  if (!found.others.empty()) session.progress.Say(OtherKinds(found.others));
   if (stop) session.status = kInterruptedStatus;
 }
 

@@ -39,7 +39,7 @@ void MakeGallery(Session& session, const GalleryOptions& options) {
   opened.reset();
   request.folder = options.folder;
   request.jobs = options.jobs;
-  request.stop = &CatchInterrupts();
+  request.stop = &CatchInterrupts("finishing the pictures under way; press Ctrl-C again to stop at once");
   request.progress = [&session](std::size_t done, std::size_t total, const std::string& file) {
     session.progress.Step(done, total, file);
   };
