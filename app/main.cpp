@@ -39,6 +39,7 @@ void DescribeCommandLine(CLI::App& app, Session& session) {
   AddCheck(app, session);
   AddGallery(app, session);
   AddExport(app, session);
+  AddHelp(app);
   app.footer(
       "Exit status: 0 all done, 1 some files were skipped, 2 wrong use, 3 the catalogue could not be read or "
       "written.\n\n"
@@ -46,7 +47,7 @@ void DescribeCommandLine(CLI::App& app, Session& session) {
       "  catalogcore sort ~/Pictures        look at every picture and file it\n"
       "  catalogcore tree                   what there is now\n"
       "  catalogcore gallery ~/gallery      look at it with a browser\n\n"
-      "`catalogcore COMMAND --help` tells about each command.");
+      "`catalogcore help COMMAND`, or `catalogcore COMMAND --help`, tells about each command.");
 }
 
 // A file that is opened must not become the standard output of a process that was started without one. What is opened
@@ -62,14 +63,16 @@ int Run(int argc, char** argv, Session& session) {
   CLI::App app("Files pictures by what they show: documents by their size, photographs by whether faces show.",
                "catalogcore");
   DescribeCommandLine(app, session);
-  app.parse_complete_callback([&session] {
+  app.parse_complete_callback([&app, &session] {
+    if (app.got_subcommand("help")) return;
     if (session.catalogFolder.empty()) throw UsageError("there is no home folder; name the catalogue with --catalog");
     session.catalogFolder = std::filesystem::absolute(session.catalogFolder).string();
   });
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kDone : kWrongUse;
+    if (error.get_exit_code() != 0) throw UsageError(WrongUse(app, error));
+    app.exit(error);  // prints the help or the version
   }
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
     session.progress.Say("cannot write to standard output");

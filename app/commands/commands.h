@@ -17,9 +17,13 @@ void AddImageCommands(CLI::App& app, Session& session);
 void AddCheck(CLI::App& app, Session& session);
 void AddGallery(CLI::App& app, Session& session);
 void AddExport(CLI::App& app, Session& session);
+void AddHelp(CLI::App& app);
 
 // The option --jobs: threads to work with, as many as there are cores if it is not given.
 void AddJobs(CLI::App& command, unsigned& jobs);
+
+// What is wrong with a command line that `app` failed to parse, and where to read on.
+std::string WrongUse(const CLI::App& app, const CLI::ParseError& error);
 
 }  // namespace catalogcore::app
 
