@@ -2,7 +2,7 @@
 
 _catalogcore() {
   local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local commands="sort classify ls tree index mv rm protect check gallery export"
+  local commands="sort classify ls tree index mv rm protect check gallery export help"
   local global="--catalog --wait --help" command="" word i
   for ((i = 1; i < COMP_CWORD; i++)); do
     word=${COMP_WORDS[i]}
@@ -29,7 +29,7 @@ _catalogcore() {
       mapfile -t COMPREPLY < <(compgen -W "json csv" -- "$current")
       return
       ;;
-    --jobs) return ;;
+    --jobs | --files-from) return ;;  # readline completes files
   esac
 
   local options
@@ -41,20 +41,23 @@ _catalogcore() {
     tree) options="--json" ;;
     index) options="add rename rm protect" ;;
     "index add") options="--no-move --no-remove --no-rename" ;;
-    "index rename" | "index rm" | mv | rm) options="--force" ;;
+    "index rename" | "index rm") options="--force" ;;
+    mv) options="--force --to --files-from --null" ;;
+    rm) options="--force --files-from --null" ;;
     "index protect") options="--no-move --no-remove --no-rename --none" ;;
-    protect) options="--no-move --no-remove --none" ;;
+    protect) options="--no-move --no-remove --none --files-from --null" ;;
     check) options="--forget --json" ;;
     gallery) options="--jobs" ;;
+    help) options="$commands" ;;
     export) options="--format" ;;
   esac
-  if [[ $current == -* || -z $command || $command == index ]]; then
+  if [[ $current == -* || -z $command || $command == index || $command == help ]]; then
     mapfile -t COMPREPLY < <(compgen -W "$options $global" -- "$current")
     return
   fi
   # Arguments: numbers of indexes where one belongs, else files, which readline completes itself.
   case $command in
-    mv) [[ $current == [0-9]* ]] || return ;;
+    mv) [[ $current == [0-9]* || $previous == -t || $previous == --to ]] || return ;;
     ls | index\ *) ;;
     *) return ;;
   esac

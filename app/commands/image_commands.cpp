@@ -1,5 +1,11 @@
 // catalogcore mv, rm, protect: changing images of the catalogue. Their files are never touched.
+#include <array>
+#include <cerrno>
+#include <cstdio>
 #include <memory>
+#include <optional>
+#include <sstream>
+#include <system_error>
 
 #include "app/commands/commands.h"
 #include "app/file_finder.h"
@@ -10,6 +16,9 @@ namespace {
 
 struct ImageOptions {
   std::vector<std::string> files;
+  std::string listFile;  // with more files; "-": standard input
+  bool isNullSeparated = false;
+  std::optional<std::string> index;
   ProtectionOptions protection;
   bool isForced = false;
 };
@@ -20,6 +29,48 @@ std::optional<Image> FindNamed(Catalog& catalog, const std::string& file) {
   const std::optional<Image> image =
       catalog.FindImage(std::filesystem::absolute(file, error).lexically_normal().string());
   return image ? image : catalog.FindImage(CatalogPath(file));
+}
+
+std::string ReadAll(const std::string& listFile) {
+  const bool isInput = listFile == "-";
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> opened(isInput ? nullptr : std::fopen(listFile.c_str(), "re"),
+                                                               [](std::FILE* file) { return std::fclose(file); });
+  std::FILE* const file = isInput ? stdin : opened.get();
+  std::string text;
+  std::array<char, 65536> buffer;
+  for (std::size_t size = 1; file && size > 0;) {
+    size = std::fread(buffer.data(), 1, buffer.size(), file);
+    text.append(buffer.data(), size);
+  }
+  if (file && std::ferror(file) == 0) return text;
+  throw UsageError("cannot read " + (isInput ? "standard input" : listFile) + ": " +
+                   std::generic_category().message(errno));
+}
+
+// Adds the files that a list names, and takes the index from the end of the arguments if no option gave it. Read before
+// the catalogue is locked: whoever writes the list may take long, or look at the catalogue.
+void CompleteFiles(ImageOptions& options, bool hasIndex) {
+  if (hasIndex && !options.index) {
+    if (options.files.empty()) throw UsageError("an index is missing, at the end or with --to");
+    options.index = std::move(options.files.back());
+    options.files.pop_back();
+  }
+  if (options.listFile.empty() && options.isNullSeparated) throw UsageError("--null needs --files-from");
+  if (options.listFile.empty() && options.files.empty()) throw UsageError("say which files, or use --files-from");
+  if (options.listFile.empty()) return;
+  const std::string list = ReadAll(options.listFile);
+  if (!options.isNullSeparated && list.find('\0') != std::string::npos) {
+    throw UsageError("the list of files has null bytes; read it with --null");
+  }
+  std::istringstream names(list);
+  for (std::string name; std::getline(names, name, options.isNullSeparated ? '\0' : '\n');) {
+    if (!name.empty()) options.files.push_back(name);
+  }
+}
+
+std::string Refusal(const std::string& verb, const std::string& file, Status status) {
+  return "cannot " + verb + ' ' + file + ": " + Message(status) +
+         (status == Status::kProtected ? " (--force does it all the same)" : "");
 }
 
 // Changes image after image, names those that cannot be changed, and writes the others.
@@ -33,17 +84,15 @@ void ChangeImages(Session& session, Catalog& catalog, const std::vector<std::str
     if (status == Status::kOk) {
       isChanged = true;
     } else {
-      session.Skip("cannot " + verb + ' ' + file + ": " + Message(status) +
-                   (status == Status::kProtected ? " (--force does it all the same)" : ""));
+      session.Skip(Refusal(verb, file, status));
     }
   }
   if (isChanged) catalog.SaveImages();
 }
 
 void Move(Session& session, Catalog& catalog, const ImageOptions& options) {
-  const std::vector<std::string> files(options.files.begin(), options.files.end() - 1);
-  const std::int32_t index = IndexTree(catalog).Resolve(options.files.back()).entry.number;
-  ChangeImages(session, catalog, files, "move", [&](const Image& image) {
+  const std::int32_t index = IndexTree(catalog).Resolve(options.index.value()).entry.number;
+  ChangeImages(session, catalog, options.files, "move", [&](const Image& image) {
     return catalog.Calls().ChangeImage(image.path, {.index = index}, ForcedIf(options.isForced));
   });
 }
@@ -60,37 +109,51 @@ void Protect(Session& session, Catalog& catalog, const ImageOptions& options) {
   });
 }
 
+CLI::App* AddChange(CLI::App& app, Session& session, const std::shared_ptr<ImageOptions>& options,
+                    const std::string& name, const std::string& description,
+                    void (*change)(Session&, Catalog&, const ImageOptions&)) {
+  CLI::App* const command = app.add_subcommand(name, description);
+  const bool hasIndex = name == "mv";
+  command
+      ->add_option(hasIndex ? "FILE... INDEX" : "FILE", options->files,
+                   hasIndex ? "Image files, and at the end the index, unless --to names it" : "Image files")
+      ->type_name("")
+      ->expected(0, -1);
+  command
+      ->add_option("--files-from", options->listFile,
+                   "Read more image files from LIST, one a line; - for standard input")
+      ->type_name("LIST");
+  command->add_flag("-0,--null", options->isNullSeparated, "The files in LIST end with a null byte, not a line feed");
+  command->callback([options, &session, name, hasIndex, change] {
+    CompleteFiles(*options, hasIndex);
+    Change(session, name, [&](Catalog& catalog) { change(session, catalog, *options); });
+  });
+  return command;
+}
+
 }  // namespace
 
 void AddImageCommands(CLI::App& app, Session& session) {
   const auto options = std::make_shared<ImageOptions>();
 
-  CLI::App* const move = app.add_subcommand("mv", "Move images to another index");
-  move->add_option("FILE... INDEX", options->files, "Image files, and at the end the index")
-      ->type_name("")
-      ->required()
-      ->expected(2, -1);
+  CLI::App* const move = AddChange(app, session, options, "mv", "Move images to another index", Move);
+  move->add_option("-t,--to", options->index, "The index; all arguments are files then")->type_name("INDEX");
   move->add_flag("--force", options->isForced, "Even if they are protected");
-  move->footer("The files stay where they are.\n\nExample:\n  catalogcore mv beach.jpg dune.jpg Holiday");
-  move->callback(
-      [options, &session] { Change(session, "mv", [&](Catalog& catalog) { Move(session, catalog, *options); }); });
+  move->footer(
+      "The files stay where they are.\n\n"
+      "Examples:\n"
+      "  catalogcore mv beach.jpg dune.jpg Holiday\n"
+      "  find ~/Pictures/2024 -name '*.jpg' -print0 | catalogcore mv --files-from - -0 -t Holiday");
 
-  CLI::App* const remove = app.add_subcommand("rm", "Take images out of the catalogue");
-  remove->add_option("FILE", options->files, "Image files")->type_name("")->required();
+  CLI::App* const remove = AddChange(app, session, options, "rm", "Take images out of the catalogue", Remove);
   remove->add_flag("--force", options->isForced, "Even if they are protected");
   remove->footer("The files stay where they are.\n\nExample:\n  catalogcore rm beach.jpg");
-  remove->callback(
-      [options, &session] { Change(session, "rm", [&](Catalog& catalog) { Remove(session, catalog, *options); }); });
 
-  CLI::App* const protect = app.add_subcommand("protect", "Say what may not be done to images");
-  protect->add_option("FILE", options->files, "Image files")->type_name("")->required();
+  CLI::App* const protect = AddChange(app, session, options, "protect", "Say what may not be done to images", Protect);
   AddProtection(*protect, options->protection, false);
   protect->add_flag("--none", options->protection.none, "Take all protections away first");
   protect->footer(
       "Examples:\n  catalogcore protect contract.tif --no-move --no-remove\n  catalogcore protect contract.tif --none");
-  protect->callback([options, &session] {
-    Change(session, "protect", [&](Catalog& catalog) { Protect(session, catalog, *options); });
-  });
 }
 
 }  // namespace catalogcore::app

@@ -58,13 +58,17 @@ class CommandTest(unittest.TestCase):
         return json.loads(self.run_command("sort", "--json", *arguments, status=status)[0])
 
     def test_pictures_are_filed_by_what_they_show(self):
-        self.assertEqual(self.sort("--dry-run", self.pictures)["filed"], 2)
+        beach, page = str(self.pictures / "beach.png"), str(self.pictures / "scans/page.png")
+        self.assertEqual(self.run_command("sort", "--dry-run", self.pictures)[0].splitlines()[:3],
+                         [beach + ": Other photographs (1090000)", page + ": Pages (2030000)",
+                          "Would file 2 pictures:"])
+        self.assertEqual([(f["file"], f["preset"]) for f in self.sort("--dry-run", self.pictures)["files"]],
+                         [(beach, OTHER_PHOTOGRAPHS), (page, PAGES)])
         self.assertFalse(self.catalog.exists())
         out, err = self.run_command("sort", self.pictures)
         self.assertEqual(err, "")
         self.assertRegex(out, r"Filed 2 pictures:\n +1090000 +Other photographs +1\n +2030000 +Pages +1\n")
         self.assertEqual(self.sort(self.pictures)["already"], 2)
-        beach, page = str(self.pictures / "beach.png"), str(self.pictures / "scans/page.png")
         self.assertEqual(self.run_command("ls")[0].splitlines(), [beach, page])
         for name in ("Pages", "pages", "2/3", "2030000", "Documents/Pages", "Documents"):
             self.assertEqual(self.run_command("ls", name)[0], page + "\n", name)
@@ -98,17 +102,27 @@ class CommandTest(unittest.TestCase):
         (self.pictures / "line\nfeed.png").write_bytes(PHOTOGRAPH)
         pathlib.Path(os.fsdecode(bytes(self.pictures) + b"/\xff.png")).write_bytes(PHOTOGRAPH)
         (self.pictures / ".hidden.png").write_bytes(PHOTOGRAPH)
-        (self.pictures / "readme.txt").write_text("passed over silently")
+        for name in ("readme.txt", "b.TXT", "x.a b"):
+            (self.pictures / name).write_text("passed over")
+        (self.pictures / "gif.png").write_bytes(b"GIF89a" + bytes(20))
+        (self.pictures / "bmp.png").write_bytes(b"BM" + bytes(20))
+        (self.pictures / "text.png").write_text("BM is no bitmap")
         (self.pictures / "scans" / "up").symlink_to(self.pictures)
         (self.pictures / "same").symlink_to(self.pictures / "scans")
         (self.root / "far").mkdir()
         (self.root / "far" / "page.png").write_bytes(PAGE)
         (self.pictures / "link").symlink_to(self.root / "far")
         (self.pictures / "gone.png").symlink_to(self.pictures / "nowhere")
+        (self.root / "far" / "cut").mkdir()
+        (self.root / "far" / "cut" / "far.png").write_bytes(PHOTOGRAPH[:999])
+        err = self.run_command("sort", "--dry-run", self.pictures, status=1)[1]
+        for link, target in (("gone.png", "pictures/nowhere"), ("link/cut/far.png", "far/cut/far.png")):
+            self.assertIn(f"{self.pictures / link} -> {self.root / target}: ", err)
         result = self.sort(self.pictures, self.root / "absent", status=1)
         reasons = {pathlib.Path(skip["file"]).name: skip["reason"] for skip in result["skipped"]}
-        self.assertEqual(len(reasons), 7)
-        for name, reason in (("cut.png", "cut short"), ("fake.jpg", "not an image"), ("up", "leads back"),
+        self.assertEqual((len(reasons), result["passedOver"]), (11, {"TXT": 2, "": 1}))
+        for name, reason in (("cut.png", "cut short"), ("fake.jpg", "not an image"), ("text.png", "not an image"),
+                             ("gif.png", "GIF is not"), ("bmp.png", "BMP is not"), ("up", "leads back"),
                              ("line\nfeed.png", "line feed"), ("gone.png", "nothing"), ("absent", "No such file")):
             self.assertIn(reason, reasons[name])
         self.assertEqual(result["filed"], 3)
@@ -210,6 +224,18 @@ class CommandTest(unittest.TestCase):
         self.run_command("protect", self.pictures / "beach.png", "--no-move")
         self.run_command("mv", self.pictures / "beach.png", "Other", status=1)
         self.run_command("mv", "--force", self.pictures / "beach.png", "Summer")
+        self.run_command("protect", self.pictures / "scans/page.png", "--no-move")
+        self.assertEqual(self.sort("--again", "--dry-run", self.pictures, status=1)["filed"], 1)
+        names = b"".join(os.fsencode(self.pictures / name) + b"\0" for name in ("absent", "scans/page.png"))
+        for index, options, listed, status in (("Other", ["--to", "Other", "-0"], names, 1),
+                                               ("Pages", ["Pages"], names[:-1].replace(b"\0", b"\n\n"), 1),
+                                               ("Pages", ["-t", "Other"], names, 2),
+                                               ("Pages", ["-t", "", "Other", "-0"], names, 2)):
+            done = subprocess.run(self.command("mv", "--force", "--files-from", "-", *options), input=listed,
+                                  capture_output=True)
+            self.assertNotIn(b"cannot move :", done.stderr)
+            self.assertEqual(done.returncode, status, (options, done.stderr))
+            self.assertIn(str(self.pictures / "scans/page.png"), self.run_command("ls", index)[0], options)
         self.run_command("index", "protect", "Summer", "--none")
         self.assertIn("1 image would leave", self.run_command("index", "rm", "Summer", status=2)[1])
         self.run_command("index", "rm", "--force", "Summer")
@@ -230,6 +256,7 @@ class CommandTest(unittest.TestCase):
             return process
         process = begun(*self.command("sort", "--jobs", "3", self.pictures))
         process.send_signal(signal.SIGINT)
+        self.assertIn(b"again to stop without saving", process.stderr.readline())
         self.assertEqual(process.wait(120), 130)
         self.run_command("check")
         first = [image["file"] for image in self.listed()]
@@ -255,10 +282,16 @@ class CommandTest(unittest.TestCase):
             self.assertRegex((self.catalog / "lock").read_text(), r"^process \d+ \(catalogcore sort\)\n$")
 
     def test_a_terminal_gets_lines_that_fit_and_no_control_characters(self):
-        for name in ("a\x1b[31m.png", "b\x9b31m.png", "写真" * 12 + ".png"):
+        for name in ("a\x1b[31m.png", "b\x9b31m.png", "c\u202egnp\\.png", "写真" * 12 + ".png"):
             (self.pictures / name).write_bytes(PHOTOGRAPH)
         self.run_command("sort", self.pictures)
-        for arguments in (("ls",), ("classify", self.pictures)):
+        self.run_command("index", "add", ".", '=1+"2"')
+        self.run_command("mv", self.pictures / "beach.png", '=1+"2"')
+        self.assertIn(',10000000,"\'=1+""2""",', self.run_command("export", "--format", "csv")[0])
+        self.assertIn("c\u202egnp\\.png\n", self.run_command("ls")[0])
+        self.assertIn("c\\u202Egnp\\\\.png", self.run_command("ls", "--json")[0])
+        exports = [("export", "--format", form) for form in ("csv", "json")]
+        for arguments in (("ls",), *exports, ("classify", self.pictures)):
             process, terminal = pty.fork()
             if process == 0:
                 termios.tcsetwinsize(0, (24, 40))
@@ -270,11 +303,12 @@ class CommandTest(unittest.TestCase):
             os.close(terminal)
             self.assertEqual(os.waitpid(process, 0)[1], 0)
             out = out.decode()
-            self.assertNotRegex(out, "\x1b\\[31m|\x9b")
+            self.assertNotRegex(out, "\x1b\\[31m|\x9b|\u202e")
+            self.assertRegex(out, r"a\\(x1B|u001b)\[31m.*\s.*b\\u009B31m.*\s.*c\\u202Egnp\\\\.png")
             lines = re.findall("\r([^\r\n]+)\x1b\\[K", out)
-            self.assertEqual(len(lines), 0 if arguments == ("ls",) else 5)
+            self.assertEqual(len(lines), 6 if arguments[0] == "classify" else 0)
             for line in lines:
-                self.assertRegex(line, r"^\d of 5, ")
+                self.assertRegex(line, r"^\d of 6, ")
                 self.assertLess(sum(2 if unicodedata.east_asian_width(c) == "W" else 1 for c in line), 40, line)
 
     def test_help_man_page_and_completion_tell_of_every_option(self):
@@ -289,8 +323,15 @@ class CommandTest(unittest.TestCase):
             for name in re.findall(r"^  ([a-z]+) ", out.partition("Subcommands:\n")[2].split("\n\n")[0], re.M):
                 look(*command, name)
         look()
-        for wrong in ((), ("sort",), ("nonsense",), ("sort", "--jobs", "0", "."), ("export", "--format", "xml")):
-            self.run_command(*wrong, status=2)
+        self.assertEqual(self.run_command("help", "index", "add"), self.run_command("index", "add", "--help"))
+        for wrong, reason in (((), "command is missing"), (("sort",), "PATH is required"), (("srot",), 'mean "sort"?'),
+                              (("sl",), 'mean "ls"?'),
+                              (("",), 'no command ""'), (("help", "index", "ad"), 'mean "add"?'),
+                              (("nonsense\x1b",), r'no command "nonsense\x1B" ('),
+                              (("--nonsense",), "no option --nonsense"),
+                              (("mv", "Other"), "which files"), (("mv", "-0", "a", "Other"), "needs --files-from"),
+                              (("sort", "--jobs", "0", "."), "--jobs"), (("export", "--format", "xml"), "xml not in")):
+            self.assertIn(reason, self.run_command(*wrong, status=2)[1])
 
 
 if __name__ == "__main__":
