@@ -70,7 +70,7 @@ void CompleteFiles(ImageOptions& options, bool hasIndex) {
 
 std::string Refusal(const std::string& verb, const std::string& file, Status status) {
   return "cannot " + verb + ' ' + file + ": " + Message(status) +
-         (status == Status::kProtected ? " (--force does it all the same)" : "");
+         (status == Status::kProtected ? " (--force overrides the protection)" : "");
 }
 
 // Changes image after image, names those that cannot be changed, and writes the others.

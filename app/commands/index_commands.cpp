@@ -39,7 +39,7 @@ const IndexNode& ResolveAdded(const IndexTree& tree, const std::string& text) {
 }
 
 void Require(Status status, const std::string& what) {
-  if (status == Status::kProtected) throw UsageError(what + ": it is protected (use --force to do it all the same)");
+  if (status == Status::kProtected) throw UsageError(what + ": it is protected (--force overrides the protection)");
   if (status == Status::kParam) throw UsageError(what + ": indexes are at most four levels deep");
   if (status != Status::kOk) throw UsageError(what + ": " + Message(status));
 }
