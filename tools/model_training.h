@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "engines/brenn/model.h"
+#include "engines/document_type/model.h"
 #include "tools/training_data.h"
 
 namespace catalogcore::tools {

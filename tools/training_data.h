@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "engines/brenn/features.h"
+#include "engines/document_type/features.h"
 #include "tools/raster.h"
 
 namespace catalogcore::tools {

@@ -1,4 +1,4 @@
-// The page's own files, which the build puts into the program (cmake/EmbedFiles.cmake).
+// The page's own files, which the build puts into the program (cmake/embed_files.cmake).
 #ifndef CATALOGCORE_APP_GALLERY_PAGE_FILES_H_
 #define CATALOGCORE_APP_GALLERY_PAGE_FILES_H_
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "api/preset_index.h"
-#include "engines/orlo/face_search.h"
+#include "engines/faces/face_search.h"
 #include "fuzz/support/fuzzer.h"
 
 // In place of the search itself, which takes half a second for a thumbnail: looks at every pixel that it is handed.

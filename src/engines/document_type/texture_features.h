@@ -1,0 +1,14 @@
+// Features of how tones change from pixel to pixel and from block to block, and of the ink on its ground.
+#ifndef CATALOGCORE_ENGINES_DOCUMENT_TYPE_TEXTURE_FEATURES_H_
+#define CATALOGCORE_ENGINES_DOCUMENT_TYPE_TEXTURE_FEATURES_H_
+
+#include "engines/document_type/features.h"
+
+namespace catalogcore::brenn {
+
+// Sets kFlatGradients to kProfileAcross. REQUIRES: kPaperTone is set.
+void MeasureTexture(const WorkingCopy& copy, FeatureVector& features);
+
+}  // namespace catalogcore::brenn
+
+#endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_TEXTURE_FEATURES_H_
