@@ -141,7 +141,7 @@ void CrossValidate(CDetectScene& detector, const std::vector<LabelledPicture>& p
     std::vector<bool> isHeldOut;
     isHeldOut.reserve(parts.size());
     for (const std::string& other : parts) isHeldOut.push_back(other == part);
-    SetBlock(detector, brenn::MakeParameterBlock(TrainModel(TrainingExamples(pictures, variants, isHeldOut))));
+    SetBlock(detector, document_type::MakeParameterBlock(TrainModel(TrainingExamples(pictures, variants, isHeldOut))));
     for (std::size_t i = 0; i < pictures.size(); ++i) {
       if (isHeldOut[i]) table.Add(pictures[i]);
     }

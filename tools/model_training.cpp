@@ -9,19 +9,20 @@
 namespace catalogcore::tools {
 namespace {
 
-using brenn::FeatureVector;
-using brenn::kFeatureCount;
-using brenn::Term;
+using document_type::FeatureVector;
+using document_type::kFeatureCount;
+using document_type::Term;
 
 // Found by cross-validation with whole sources held out.
 constexpr double kPenaltyOfAnExample = 0.02;
 
 // Above these a document counts as one with colour or pictures: coloured cells beyond a stamp or a letterhead, a
 // spread of colour that no tinted paper has, soft texture beyond that of a scanned page.
-constexpr brenn::Limit kLimits[] = {{brenn::kColourfulShare, 0.04F}, {brenn::kMiddlingBlocks, 0.35F}};
+constexpr document_type::Limit kLimits[] = {{document_type::kColourfulShare, 0.04F},
+                                            {document_type::kMiddlingBlocks, 0.35F}};
 
-std::array<brenn::Standard, kFeatureCount> Standards(const std::vector<Example>& examples) {
-  std::array<brenn::Standard, kFeatureCount> standards{};
+std::array<document_type::Standard, kFeatureCount> Standards(const std::vector<Example>& examples) {
+  std::array<document_type::Standard, kFeatureCount> standards{};
   const auto count = static_cast<double>(examples.size());
   for (std::size_t i = 0; i < kFeatureCount; ++i) {
     double sum = 0;
@@ -40,14 +41,14 @@ std::array<brenn::Standard, kFeatureCount> Standards(const std::vector<Example>&
 std::vector<Term> AllTerms() {
   std::vector<Term> terms;
   for (std::uint16_t feature = 0; feature < kFeatureCount; ++feature) {
-    if (feature == brenn::kPictureSize) continue;
+    if (feature == document_type::kPictureSize) continue;
     terms.push_back({feature, Term::kAlone, 0});
-    terms.push_back({feature, brenn::kPictureSize, 0});
+    terms.push_back({feature, document_type::kPictureSize, 0});
   }
   return terms;
 }
 
-Design MakeDesign(const std::vector<Example>& examples, const brenn::Model& model) {
+Design MakeDesign(const std::vector<Example>& examples, const document_type::Model& model) {
   const auto documents = static_cast<double>(
       std::count_if(examples.begin(), examples.end(), [](const Example& example) { return example.isDocument; }));
   const auto all = static_cast<double>(examples.size());
@@ -56,7 +57,7 @@ Design MakeDesign(const std::vector<Example>& examples, const brenn::Model& mode
   design.columns = model.terms.size() + 1;
   design.values.reserve(examples.size() * design.columns);
   for (const Example& example : examples) {
-    const FeatureVector values = brenn::Standardised(model.standards, example.features);
+    const FeatureVector values = document_type::Standardised(model.standards, example.features);
     for (const Term& term : model.terms) {
       design.values.push_back(values[term.first] * (term.second == Term::kAlone ? 1 : values[term.second]));
     }
@@ -70,7 +71,7 @@ Design MakeDesign(const std::vector<Example>& examples, const brenn::Model& mode
 }  // namespace
 
 std::vector<Example> TrainingExamples(const std::vector<LabelledPicture>& pictures,
-                                      const std::vector<std::vector<brenn::FeatureVector>>& variants,
+                                      const std::vector<std::vector<document_type::FeatureVector>>& variants,
                                       const std::vector<bool>& isHeldOut) {
   std::vector<Example> examples;
   for (std::size_t i = 0; i < pictures.size(); ++i) {
@@ -80,8 +81,8 @@ std::vector<Example> TrainingExamples(const std::vector<LabelledPicture>& pictur
   return examples;
 }
 
-brenn::Model TrainModel(const std::vector<Example>& examples) {
-  brenn::Model model{Standards(examples), 0, AllTerms(), {std::begin(kLimits), std::end(kLimits)}};
+document_type::Model TrainModel(const std::vector<Example>& examples) {
+  document_type::Model model{Standards(examples), 0, AllTerms(), {std::begin(kLimits), std::end(kLimits)}};
   const std::vector<double> coefficients =
       FitLogistic(MakeDesign(examples, model), kPenaltyOfAnExample * static_cast<double>(examples.size()));
   for (std::size_t i = 0; i < model.terms.size(); ++i) model.terms[i].weight = static_cast<float>(coefficients[i]);

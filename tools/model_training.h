@@ -10,18 +10,18 @@
 namespace catalogcore::tools {
 
 struct Example {
-  brenn::FeatureVector features;
+  document_type::FeatureVector features;
   bool isDocument;
 };
 
 // The examples of all pictures but those whose `isHeldOut` is set (as many as pictures, or none at all).
 std::vector<Example> TrainingExamples(const std::vector<LabelledPicture>& pictures,
-                                      const std::vector<std::vector<brenn::FeatureVector>>& variants,
+                                      const std::vector<std::vector<document_type::FeatureVector>>& variants,
                                       const std::vector<bool>& isHeldOut = {});
 
 // Both kinds weigh the same, however many examples there are of each. The same examples give the same model.
 // REQUIRES: examples of both kinds. Throws std::runtime_error.
-brenn::Model TrainModel(const std::vector<Example>& examples);
+document_type::Model TrainModel(const std::vector<Example>& examples);
 
 }  // namespace catalogcore::tools
 

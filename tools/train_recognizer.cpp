@@ -23,7 +23,7 @@ struct Options {
 };
 
 void WriteBlock(const std::vector<Example>& examples, const std::string& path) {
-  const std::vector<std::uint8_t> block = brenn::MakeParameterBlock(TrainModel(examples));
+  const std::vector<std::uint8_t> block = document_type::MakeParameterBlock(TrainModel(examples));
   std::ofstream file(path, std::ios::binary);
   for (const std::uint8_t byte : block) file.put(static_cast<char>(byte));
   file.close();

@@ -44,9 +44,9 @@ std::uint64_t Seed(const std::string& name) {
 // Calls `measure` for every picture, several at a time. Results go to the picture's own place, so that neither the
 // number of threads nor their order shows.
 template <typename Measure>
-std::vector<std::vector<brenn::FeatureVector>> MeasureEach(const std::vector<LabelledPicture>& pictures,
-                                                           unsigned threads, Measure measure) {
-  std::vector<std::vector<brenn::FeatureVector>> features(pictures.size());
+std::vector<std::vector<document_type::FeatureVector>> MeasureEach(const std::vector<LabelledPicture>& pictures,
+                                                                   unsigned threads, Measure measure) {
+  std::vector<std::vector<document_type::FeatureVector>> features(pictures.size());
   std::atomic<std::size_t> next{0};
   std::exception_ptr failure;
   std::mutex failureLock;
@@ -95,20 +95,21 @@ std::vector<Condition> AllConditions() {
   return conditions;
 }
 
-brenn::FeatureVector Measure(const SourcePicture& picture) {
+document_type::FeatureVector Measure(const SourcePicture& picture) {
   const PreparedPicture prepared = PreparePicture(picture);
-  brenn::PictureRecord record;
-  if (brenn::ReadRecord(prepared.record.data(), record) != brenn::Fault::kNone) {
+  document_type::PictureRecord record;
+  if (document_type::ReadRecord(prepared.record.data(), record) != document_type::Fault::kNone) {
     throw std::runtime_error("the recognizer refuses a prepared picture");
   }
-  return brenn::MeasureFeatures(brenn::MakeWorkingCopy(brenn::Picture(record, prepared.pixels.data())));
+  return document_type::MeasureFeatures(
+      document_type::MakeWorkingCopy(document_type::Picture(record, prepared.pixels.data())));
 }
 
-std::vector<std::vector<brenn::FeatureVector>> MeasureVariants(const std::vector<LabelledPicture>& pictures,
-                                                               std::size_t variants, unsigned threads) {
+std::vector<std::vector<document_type::FeatureVector>> MeasureVariants(const std::vector<LabelledPicture>& pictures,
+                                                                       std::size_t variants, unsigned threads) {
   return MeasureEach(pictures, threads, [variants](const LabelledPicture& picture) {
     const Raster raster = ReadRaster(picture.path);
-    std::vector<brenn::FeatureVector> features;
+    std::vector<document_type::FeatureVector> features;
     for (std::size_t i = 0; i < variants; ++i) {
       features.push_back(Measure(MakeVariant(raster, picture.isDocument, Seed(picture.name), i)));
     }

@@ -39,14 +39,14 @@ struct Condition {
 std::vector<Condition> AllConditions();
 
 // What the recognizer measures on the picture.
-brenn::FeatureVector Measure(const SourcePicture& picture);
+document_type::FeatureVector Measure(const SourcePicture& picture);
 
 // How many variants of a picture it takes to train on.
 inline constexpr std::size_t kVariants = 8;
 
 // For every picture the features of its first `variants` variants.
-std::vector<std::vector<brenn::FeatureVector>> MeasureVariants(const std::vector<LabelledPicture>& pictures,
-                                                               std::size_t variants, unsigned threads);
+std::vector<std::vector<document_type::FeatureVector>> MeasureVariants(const std::vector<LabelledPicture>& pictures,
+                                                                       std::size_t variants, unsigned threads);
 
 }  // namespace catalogcore::tools
 

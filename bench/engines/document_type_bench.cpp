@@ -12,6 +12,8 @@
 #include "scene/image_record.h"
 #include "scene/parameter_resource.h"
 
+namespace catalogcore {
+
 namespace {
 
 // 300 dots per inch, 24 bits: lines of dark strokes on paper.
@@ -74,3 +76,5 @@ double Reduce() {
 }  // namespace
 
 void AddRecognizerRows() { AddRow("recognize_a4_300dpi", Recognize, "reduction of scan", Reduce, 31); }
+
+}  // namespace catalogcore

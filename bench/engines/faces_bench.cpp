@@ -17,6 +17,8 @@
 #include "engines/faces/source_picture.h"
 #include "scene/orlo.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr std::int32_t kWidth = 4000;
@@ -76,10 +78,10 @@ void FindFaces(const Photograph& photograph) {
 }
 
 dlib::array2d<unsigned char> ReadyCopy(const Photograph& photograph) {
-  orlo::SourcePicture source;
-  orlo::DescribeSource(24, kWidth, kHeight, -kStride, photograph.Pixels(), source);
+  catalogcore::faces::SourcePicture source;
+  catalogcore::faces::DescribeSource(24, kWidth, kHeight, -kStride, photograph.Pixels(), source);
   dlib::array2d<unsigned char> grey(960, 1280);
-  orlo::MakeGreyCopy(source, {1280, 960}, &grey[0][0]);
+  catalogcore::faces::MakeGreyCopy(source, {1280, 960}, &grey[0][0]);
   return grey;
 }
 
@@ -100,3 +102,5 @@ void AddFaceRows() {
         return Time(1, [] { detector(grey); });
       });
 }
+
+}  // namespace catalogcore

@@ -16,6 +16,8 @@
 #include "bench/support/ratios.h"
 #include "catalogcore.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr int kIndexCount = 20;
@@ -185,3 +187,5 @@ void AddFileRows() {
     AddRow("write_" + std::to_string(count), round(&Bed::Write), "SQLite", round(&Bed::WriteNewDatabase), rounds);
   }
 }
+
+}  // namespace catalogcore

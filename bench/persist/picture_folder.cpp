@@ -4,6 +4,8 @@
 
 #include <fstream>
 
+namespace catalogcore {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -36,3 +38,5 @@ PictureFolder::~PictureFolder() {
   std::error_code ignored;
   fs::remove_all(root_, ignored);
 }
+
+}  // namespace catalogcore

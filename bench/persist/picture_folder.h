@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+namespace catalogcore {
+
 // Made in the system's folder for temporary files, and removed again with this object. The names of a folder are links
 // to one empty file, so that millions of them take few inodes. What cannot be made ends the program.
 class PictureFolder {
@@ -22,5 +24,7 @@ class PictureFolder {
   std::filesystem::path root_;
   std::vector<std::string> paths_;
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BENCH_PERSIST_PICTURE_FOLDER_H_

@@ -15,6 +15,8 @@
 #include "scene/orlo.h"
 #include "scene/tone_curve.h"
 
+namespace catalogcore {
+
 // The result word that is left as it is says photograph: so the search for faces, which gets a copy of all pixels, is
 // reached as well.
 std::int32_t DocumentTypeRecognize(std::int32_t, const char*, const unsigned char*, const void*, unsigned char*,
@@ -81,3 +83,5 @@ int main(int argc, char** argv) {
   std::vector<Ratio> results;
   return RunRows(argc - 1, argv + 1, file, results);
 }
+
+}  // namespace catalogcore

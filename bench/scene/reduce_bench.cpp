@@ -13,6 +13,8 @@
 #include "scene/idx_image.h"
 #include "scene/tone_curve.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr int kSide = 4096;
@@ -75,3 +77,5 @@ void AddReduceRows() {
     }
   }
 }
+
+}  // namespace catalogcore

@@ -2,7 +2,11 @@
 #ifndef CATALOGCORE_BENCH_SCENE_REDUCE_BENCH_H_
 #define CATALOGCORE_BENCH_SCENE_REDUCE_BENCH_H_
 
+namespace catalogcore {
+
 // Rows reduce_F_BITS and reduce_F_BITS_memcpy: by the factors 2, 4 and 8, of 8 and 24 bits a pixel.
 void AddReduceRows();
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BENCH_SCENE_REDUCE_BENCH_H_

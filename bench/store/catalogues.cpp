@@ -9,6 +9,8 @@
 #include <numeric>
 #include <random>
 
+namespace catalogcore {
+
 namespace {
 
 void Require(bool holds, const char* what) {
@@ -212,3 +214,5 @@ long SqliteCatalogue::WalkFolder(std::size_t folder) {
   BindPath(walkFolder_, 1, images_.folders[folder]);
   return SumRows(walkFolder_);
 }
+
+}  // namespace catalogcore

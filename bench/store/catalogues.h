@@ -11,6 +11,8 @@
 
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 inline constexpr int kIndexCount = 20;
 inline constexpr int kImagesPerFolder = 3000;
 
@@ -101,5 +103,7 @@ class SqliteCatalogue {
   std::vector<sqlite3_stmt*> statements_;
   sqlite3_stmt *add_, *find_, *move_, *remove_, *walkIndex_, *walkFolder_;
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BENCH_STORE_CATALOGUES_H_

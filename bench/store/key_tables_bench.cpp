@@ -16,6 +16,8 @@
 #include "bench/support/ratios.h"
 #include "store/key_table.h"
 
+namespace catalogcore {
+
 namespace {
 
 using BoostHook = boost::intrusive::unordered_set_base_hook<boost::intrusive::link_mode<boost::intrusive::normal_link>>;
@@ -167,3 +169,5 @@ void AddKeyTableRows() {
   rows("memory", BytesPerEntry<OurTable>, BytesPerEntry<StandardTable>, BytesPerEntry<AbseilTable>,
        BytesPerEntry<BoostTable>, "B");
 }
+
+}  // namespace catalogcore

@@ -11,6 +11,8 @@
 #include "bench/support/ratios.h"
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 namespace {
 
 // Where image number `image` of a catalogue of one shape is filed.
@@ -129,3 +131,5 @@ void AddShapeRows() {
     }
   }
 }
+
+}  // namespace catalogcore

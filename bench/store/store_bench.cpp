@@ -7,6 +7,8 @@
 #include "bench/store/catalogues.h"
 #include "bench/support/ratios.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr char kMap[] = "std::unordered_map";
@@ -163,3 +165,5 @@ void AddStoreRows() {
     row("walk_folder", WalkFolders<StoreCatalogue>, kSqlite, WalkFolders<SqliteCatalogue>);
   }
 }
+
+}  // namespace catalogcore

@@ -10,6 +10,8 @@
 #include "bench/support/plot.h"
 #include "bench/support/ratios.h"
 
+namespace catalogcore {
+
 int main(int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') {
     std::fprintf(stderr, "usage: catalogcore_bench RATIOS.json [--benchmark_filter=REGEX ...]\n");
@@ -33,3 +35,5 @@ int main(int argc, char** argv) {
   std::fprintf(stderr, "catalogcore_bench: cannot write %s\n", plot.c_str());
   return 1;
 }
+
+}  // namespace catalogcore

@@ -6,6 +6,8 @@
 #include <map>
 #include <sstream>
 
+namespace catalogcore {
+
 namespace {
 
 constexpr double kWidth = 320, kHeight = 240;                       // of a panel
@@ -159,3 +161,5 @@ bool WritePlot(const std::vector<Ratio>& rows, const std::vector<std::string>& o
   out.close();
   return static_cast<bool>(out);
 }
+
+}  // namespace catalogcore

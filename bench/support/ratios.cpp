@@ -8,6 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
+namespace catalogcore {
+
 namespace {
 
 // The rows that were added; their medians are yet to come.
@@ -108,3 +110,5 @@ int RunRows(int argc, char** argv, const std::string& file, std::vector<Ratio>& 
   if (!out) std::fprintf(stderr, "catalogcore_bench: cannot write %s\n", file.c_str());
   return out ? 0 : 1;
 }
+
+}  // namespace catalogcore

@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace catalogcore {
+
 // One round of a measurement: does its work, preparations included, and returns the nanoseconds that one operation
 // took, or what else the row's unit says.
 using Round = std::function<double()>;
@@ -48,5 +50,7 @@ double Time(double operations, Work work) {
   const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - begin;
   return taken.count() / operations;
 }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BENCH_SUPPORT_RATIOS_H_

@@ -12,6 +12,8 @@
 
 #include "bench/support/ratios.h"
 
+namespace catalogcore {
+
 namespace {
 
 using catalogcore::Catalog;
@@ -147,3 +149,5 @@ int main(int argc, char** argv) {
   std::vector<Ratio> results;
   return RunRows(argc - 1, argv + 1, file, results);
 }
+
+}  // namespace catalogcore

@@ -3,6 +3,8 @@
 #include "fuzz/support/fuzzer.h"
 #include "tests/support/compared_calls.h"
 
+namespace catalogcore {
+
 namespace {
 
 bool IsName(const std::string& line) {
@@ -34,3 +36,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   calls.WriteAndLoad(ScratchFolder());
   return 0;
 }
+
+}  // namespace catalogcore

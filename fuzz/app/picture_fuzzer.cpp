@@ -4,6 +4,8 @@
 #include "app/picture.h"
 #include "fuzz/support/fuzzer.h"
 
+namespace catalogcore {
+
 namespace {
 
 using namespace catalogcore::app;
@@ -43,3 +45,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (Succeeds([] { WriteFile(copy, SmallCopy(file, 64)); })) ExpectWhole(DecodePicture(copy), 64);
   return 0;
 }
+
+}  // namespace catalogcore

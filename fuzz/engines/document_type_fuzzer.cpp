@@ -7,9 +7,11 @@
 #include "fuzz/support/fuzzer.h"
 #include "tests/engines/painted.h"
 
+namespace catalogcore {
+
 namespace {
 
-using namespace catalogcore::brenn;
+using namespace catalogcore::document_type;
 using Block = std::vector<std::uint8_t>;
 
 std::int32_t Recognize(const Block& block, std::uint16_t& word) {
@@ -55,3 +57,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   Check(block);
   return 0;
 }
+
+}  // namespace catalogcore

@@ -7,6 +7,8 @@
 #include "persist/payload.h"
 #include "tests/support/compared_calls.h"
 
+namespace catalogcore {
+
 namespace {
 
 void WriteFileWith(std::string_view payload) {
@@ -75,3 +77,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   EXPECT_EQ(WrittenAndLoaded(), second);
   return 0;
 }
+
+}  // namespace catalogcore

@@ -13,6 +13,8 @@
 #include "platform/corefoundation/dictionary_object.h"
 #include "platform/corefoundation/kept_values.h"
 
+namespace catalogcore {
+
 namespace {
 
 using catalogcore::cf::Kind;
@@ -117,3 +119,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   EXPECT_TRUE(!list || IsSame(list, Read(Written(list), kCFPropertyListImmutable)));
   return 0;
 }
+
+}  // namespace catalogcore

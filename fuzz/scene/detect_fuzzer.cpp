@@ -8,9 +8,11 @@
 #include "engines/faces/face_search.h"
 #include "fuzz/support/fuzzer.h"
 
+namespace catalogcore {
+
 // In place of the search itself, which takes half a second for a thumbnail: looks at every pixel that it is handed.
-void orlo::PrepareFaceSearch() {}
-std::vector<OrloFace> orlo::FindFaces(const GreyView& picture) {
+void catalogcore::faces::PrepareFaceSearch() {}
+std::vector<OrloFace> catalogcore::faces::FindFaces(const GreyView& picture) {
   std::size_t sum = 0;
   for (std::int32_t y = 0; y < picture.size.height; ++y) {
     for (const std::uint8_t tone : picture.Row(y)) sum += tone;
@@ -73,3 +75,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   EXPECT_EQ(again.presetIndex, record.presetIndex);
   return 0;
 }
+
+}  // namespace catalogcore

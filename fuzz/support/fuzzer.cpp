@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <fstream>
 
+namespace catalogcore {
+
 namespace {
 
 // Signed: what was there before the hooks may be freed after.
@@ -48,3 +50,5 @@ const std::string& ScratchFolder() {
 }
 
 void WriteFile(const std::string& path, std::string_view content) { std::ofstream(path, std::ios::binary) << content; }
+
+}  // namespace catalogcore

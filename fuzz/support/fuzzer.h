@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+namespace catalogcore {
+
 // Expects, at its end, that the heap never held more than 512 times `size` bytes beyond what it held at the beginning, and
 // a megabyte for what costs the same whatever the file. One at a time.
 class ProportionalMemory {
@@ -31,5 +33,7 @@ void WriteFile(const std::string& path, std::string_view content);
 inline std::string_view AsText(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_FUZZ_SUPPORT_FUZZER_H_

@@ -8,6 +8,8 @@
 #include "catalogcore.h"
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 // The catalogue; null unless the library is initialised.
 extern CIndexData* idData;
 
@@ -31,5 +33,7 @@ IDXSTATUS CatalogueCall(const void* required, Call call) noexcept {
   if (!idData) return IDXERR_FAILED;
   return WithoutExceptions(call);
 }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_API_CATALOGUE_H_

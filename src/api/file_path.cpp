@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+namespace catalogcore {
+
 int ExtractFilePath(CIDXString& folder, const CIDXString& file) {
   const char* const path = file.Text();
   const char* const slash = std::strrchr(path, '/');
@@ -16,3 +18,5 @@ int NormFilePathKey(CIDXString& key) {
   }
   return 1;
 }
+
+}  // namespace catalogcore

@@ -9,7 +9,9 @@
 #include "store/search_handle.h"
 
 // What the application's handle points to: the store's record under a name that no application has.
-struct IDXFINDHANDLE : SearchHandle {};
+struct IDXFINDHANDLE : catalogcore::SearchHandle {};
+
+namespace catalogcore {
 
 struct CloseHandle {
   void operator()(IDXFINDHANDLE* handle) const { IDXCloseFind(handle); }
@@ -49,5 +51,7 @@ IDXSTATUS FindNext(IDXFIND find, IDXITEM* item, IDXSTATUS end, Advance advance) 
     return advance(*find, *item);
   });
 }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_API_FIND_H_

@@ -3,6 +3,8 @@
 #include "api/index_number.h"
 #include "base/string_conversion.h"
 
+namespace catalogcore {
+
 namespace {
 
 bool IsMarked(const IDXITEM* item, std::uint32_t field) { return (item->mask & field) != 0; }
@@ -71,3 +73,5 @@ IDXSTATUS SetIDXAttribute(IDXITEM* item, unsigned char attribute) {
   item->attribute = attribute;
   return IDX_OK;
 }
+
+}  // namespace catalogcore

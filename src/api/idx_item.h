@@ -6,6 +6,8 @@
 #include "base/idx_string.h"
 #include "catalogcore.h"
 
+namespace catalogcore {
+
 // IDXERR_PARAM when the field is absent; else what converting it gives (string_conversion.h).
 IDXSTATUS GetIDXName(const IDXITEM* item, CIDXString& name);
 IDXSTATUS GetIDXPath(const IDXITEM* item, CIDXString& path);
@@ -25,5 +27,7 @@ IDXSTATUS SetIDXName(IDXITEM* item, const CIDXString& name);
 IDXSTATUS SetIDXPath(IDXITEM* item, const CIDXString& path);
 IDXSTATUS SetIDXIndex(IDXITEM* item, const CIDXString& key);
 IDXSTATUS SetIDXAttribute(IDXITEM* item, unsigned char attribute);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_API_IDX_ITEM_H_

@@ -6,6 +6,8 @@
 #include "api/idx_item.h"
 #include "api/store_status.h"
 
+using namespace catalogcore;
+
 IDXSTATUS IDXAddImage(IDXITEM* item) {
   return CatalogueCall(item, [item]() -> IDXSTATUS {
     CIDXString name;

@@ -2,6 +2,8 @@
 #include "api/find.h"
 #include "api/idx_item.h"
 
+namespace catalogcore {
+
 namespace {
 
 IDXSTATUS Found(const CIDXNode* node, IDXITEM& item) {
@@ -25,6 +27,10 @@ IDXSTATUS ReadCondition(const IDXITEM& item, CIDXString& folder, CIDXString& ind
 }
 
 }  // namespace
+
+}  // namespace catalogcore
+
+using namespace catalogcore;
 
 IDXFIND IDXFindFirstImage(IDXITEM* item, IDXSTATUS* status) {
   return FindFirst(item, status, [](SearchHandle& handle, IDXITEM& record) -> IDXSTATUS {

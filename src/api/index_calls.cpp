@@ -8,6 +8,8 @@
 #include "api/index_number.h"
 #include "api/store_status.h"
 
+namespace catalogcore {
+
 namespace {
 
 // The groups that added indexes get; smaller ones are the presets'.
@@ -57,6 +59,10 @@ IDXSTATUS AddUnder(IDXITEM* item, const CIDXString& parentKey, const CIDXString&
 }
 
 }  // namespace
+
+}  // namespace catalogcore
+
+using namespace catalogcore;
 
 IDXSTATUS IDXAddIndex(IDXITEM* item) {
   return CatalogueCall(item, [item]() -> IDXSTATUS {

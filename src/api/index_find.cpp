@@ -2,6 +2,8 @@
 #include "api/find.h"
 #include "api/idx_item.h"
 
+namespace catalogcore {
+
 namespace {
 
 IDXSTATUS Found(const CIDXCell* cell, IDXITEM& item) {
@@ -15,6 +17,10 @@ IDXSTATUS Found(const CIDXCell* cell, IDXITEM& item) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore
+
+using namespace catalogcore;
 
 IDXFIND IDXFindFirstIndex(IDXITEM* item, IDXSTATUS* status) {
   return FindFirst(item, status, [](SearchHandle& handle, IDXITEM& record) -> IDXSTATUS {

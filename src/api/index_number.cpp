@@ -8,6 +8,8 @@
 
 #include "base/decimal.h"
 
+namespace catalogcore {
+
 int ConvertINTtoPath(CIDXString& path, int number, int digits) {
   if (number == kRootNumber) return path.CopyString(".");
   if (!IsIndexNumber(number) || digits < 1) return -1;
@@ -48,3 +50,5 @@ int GetLastIndexTag(const char* path) {
   const char* const slash = std::strrchr(path, '/');
   return DecimalValue(slash ? slash + 1 : path);
 }
+
+}  // namespace catalogcore

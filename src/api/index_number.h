@@ -7,6 +7,8 @@
 
 #include "base/idx_string.h"
 
+namespace catalogcore {
+
 inline constexpr int kIndexLevels = 4;
 inline constexpr int kIndexDigits = 2;
 inline constexpr int kRootNumber = -1;
@@ -26,5 +28,7 @@ int ConvertPathtoINT(int& number, const CIDXString& path, int levels, int digits
 
 // The number behind the last "/", or of the whole text.
 int GetLastIndexTag(const char* path);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_API_INDEX_NUMBER_H_

@@ -4,6 +4,8 @@
 #include "api/idx_item.h"
 #include "base/string_conversion.h"
 
+namespace catalogcore {
+
 namespace {
 
 IDXSTATUS Found(const CIDXCell* cell, IDXITEM& item) {
@@ -57,3 +59,5 @@ int IDXFindFirstHash(int32_t bucket, IDXSTR out) {
   CopyCIDXStringtoIDXSTR(out, first ? first->info->key : empty);
   return 1;
 }
+
+}  // namespace catalogcore

@@ -4,6 +4,8 @@
 
 #include "catalogcore.h"
 
+namespace catalogcore {
+
 // Walks the folders; under IDXOP_CONDITION from `path` ("/": all but those on mounted volumes). `status` must not be
 // null; it gets IDXERR_NOINDEX when there is no folder, also when there is no memory for the handle.
 IDXFIND IDXFindFirstPath(IDXITEM* item, IDXSTATUS* status);
@@ -13,5 +15,7 @@ IDXSTATUS IDXFindNextPath(IDXFIND find, IDXITEM* item);
 // memory. Returns 1; 0, with nothing written, for a number that no bucket has. The key is read after the region was
 // left, so that the image may be removed by then.
 int IDXFindFirstHash(int32_t bucket, IDXSTR out);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_API_INTERNAL_CALLS_H_

@@ -6,6 +6,8 @@
 #include "base/string_conversion.h"
 #include "scene/detect_scene.h"
 
+namespace catalogcore {
+
 CIndexData* idData = nullptr;
 CIDXString g_strFilePath;
 
@@ -23,6 +25,10 @@ IDXSTATUS Initialize() {
 }
 
 }  // namespace
+
+}  // namespace catalogcore
+
+using namespace catalogcore;
 
 IDXSTATUS IDXInitialize(void) {
   IDXUninitialize();

@@ -9,6 +9,8 @@
 #include "api/store_status.h"
 #include "base/string_conversion.h"
 
+namespace catalogcore {
+
 IDXSTATUS CreatePresetIndex(int number) {
   CIDXString path;
   CIDXString name;
@@ -24,6 +26,10 @@ int MakePresetIndex() {
              ? 1
              : 0;
 }
+
+}  // namespace catalogcore
+
+using namespace catalogcore;
 
 IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int32_t count) {
   if (count > 0 && (!names || !numbers)) return IDXERR_PARAM;

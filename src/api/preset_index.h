@@ -6,6 +6,8 @@
 
 #include "catalogcore.h"
 
+namespace catalogcore {
+
 // Their numbers, parents before children.
 inline constexpr std::int32_t kaPresetIndex[] = {
     IDXPRESET_PHOTO,          IDXPRESET_DOCUMENT,      IDXPRESET_OTHER,         IDXPRESET_PHOTO_FACES,
@@ -17,5 +19,7 @@ IDXSTATUS CreatePresetIndex(int number);
 
 // Makes them all, up to the first that fails: 1 if none does, else 0.
 int MakePresetIndex();
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_API_PRESET_INDEX_H_

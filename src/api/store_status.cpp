@@ -2,6 +2,8 @@
 
 #include "store/result_codes.h"
 
+namespace catalogcore {
+
 IDXSTATUS ConvertErrorCode(int code, int base) {
   constexpr int kReserved = 7;
   if (code == 0) return IDX_OK;
@@ -30,3 +32,5 @@ IDXSTATUS ConvertErrorCode(int code, int base) {
       return IDXERR_FAILED;
   }
 }
+
+}  // namespace catalogcore

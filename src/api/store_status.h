@@ -6,6 +6,8 @@
 
 #include "catalogcore.h"
 
+namespace catalogcore {
+
 inline constexpr int kStoreCodeBase = 0x1000;
 
 // IDX_OK for 0. With kStoreCodeBase the status that stands for the store's code, IDXERR_FAILED if none does; with any
@@ -13,5 +15,7 @@ inline constexpr int kStoreCodeBase = 0x1000;
 IDXSTATUS ConvertErrorCode(int code, int base);
 
 inline IDXSTATUS StoreStatus(std::uint32_t code) { return ConvertErrorCode(static_cast<int>(code), kStoreCodeBase); }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_API_STORE_STATUS_H_

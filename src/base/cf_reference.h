@@ -7,6 +7,8 @@
 #include <memory>
 #include <type_traits>
 
+namespace catalogcore {
+
 struct CFReleaser {
   void operator()(CFTypeRef object) const { CFRelease(object); }
 };
@@ -14,5 +16,7 @@ struct CFReleaser {
 // For what a function with Create or Copy in its name returned: CFReference<CFStringRef>.
 template <typename Ref>
 using CFReference = std::unique_ptr<std::remove_pointer_t<Ref>, CFReleaser>;
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BASE_CF_REFERENCE_H_

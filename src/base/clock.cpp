@@ -3,6 +3,8 @@
 #include <chrono>
 #include <thread>
 
+namespace catalogcore {
+
 double GetTime() {
   using std::chrono::microseconds;
   const auto now = std::chrono::system_clock::now().time_since_epoch();
@@ -10,3 +12,5 @@ double GetTime() {
 }
 
 void SleepFunction(std::int32_t) { std::this_thread::sleep_for(std::chrono::seconds(1)); }
+
+}  // namespace catalogcore

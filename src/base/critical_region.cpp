@@ -5,6 +5,8 @@
 #include <new>
 #include <thread>
 
+namespace catalogcore {
+
 class CriticalRegion {
  public:
   void Enter() {
@@ -53,3 +55,5 @@ void DeleteCriticalSectionAPI(MPCriticalRegionID* region) {
   delete *region;
   *region = nullptr;
 }
+
+}  // namespace catalogcore

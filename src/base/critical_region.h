@@ -4,6 +4,8 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
+namespace catalogcore {
+
 class CriticalRegion;
 using MPCriticalRegionID = CriticalRegion*;
 
@@ -27,5 +29,7 @@ OSStatus LeaveCriticalSectionAPI(MPCriticalRegionID* region);
 
 // Waits until no other thread holds the region, deletes it and clears the field. No thread may be on its way in.
 void DeleteCriticalSectionAPI(MPCriticalRegionID* region);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BASE_CRITICAL_REGION_H_

@@ -11,6 +11,8 @@
 #include "base/cf_reference.h"
 #include "base/file_existence.h"
 
+namespace catalogcore {
+
 namespace {
 
 // From the account data base, since nothing is read from the environment. Empty when the account is unknown.
@@ -57,3 +59,5 @@ void GetTempFilePath(char* out) {
   const std::string home = HomeFolder();
   if (!home.empty()) WriteDesktopFolder(DesktopFolderOf(home), out);
 }
+
+}  // namespace catalogcore

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace catalogcore {
+
 // The bytes that GetTempFilePath's caller must give it room for.
 inline constexpr int kTempFilePathSize = 100;
 
@@ -18,5 +20,7 @@ std::string DesktopFolderOf(const std::string& home);
 
 // What GetTempFilePath does with the folder once it is known.
 void WriteDesktopFolder(const std::string& folder, char* out);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BASE_DESKTOP_FOLDER_H_

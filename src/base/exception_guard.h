@@ -6,6 +6,8 @@
 
 #include "catalogcore.h"
 
+namespace catalogcore {
+
 // The status that `call` returns; IDXERR_MEMORY when it threw for want of memory, IDXERR_FAILED for anything else.
 template <typename Call>
 IDXSTATUS WithoutExceptions(Call call) noexcept {
@@ -17,5 +19,7 @@ IDXSTATUS WithoutExceptions(Call call) noexcept {
     return IDXERR_FAILED;
   }
 }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BASE_EXCEPTION_GUARD_H_

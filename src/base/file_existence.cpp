@@ -9,6 +9,8 @@
 #include "base/cf_reference.h"
 #include "platform/corefoundation/utf8.h"
 
+namespace catalogcore {
+
 bool IsUtf8(const char* text) {
   std::string_view rest(text);
   if (std::all_of(rest.begin(), rest.end(), [](char c) { return (c & 0x80) == 0; })) return true;  // mostly
@@ -32,3 +34,5 @@ int IsFileExistAPI(const char* path) {
   if (!CFURLGetFileSystemRepresentation(url.get(), true, reinterpret_cast<UInt8*>(resolved), sizeof resolved)) return 0;
   return access(resolved, F_OK) == 0 ? 1 : 0;
 }
+
+}  // namespace catalogcore

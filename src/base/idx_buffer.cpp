@@ -4,6 +4,8 @@
 
 #include "base/text_size.h"
 
+namespace catalogcore {
+
 std::int32_t CIDXBuffer::CatBuffer(const char* text, int count) {
   if (!text || count < -1) return -1;
   if (count == -1) count = CheckedAdd(TextSize(text), 1);
@@ -13,3 +15,5 @@ std::int32_t CIDXBuffer::CatBuffer(const char* text, int count) {
   length = size - 1;
   return length;
 }
+
+}  // namespace catalogcore

@@ -6,6 +6,8 @@
 
 #include "base/idx_string.h"
 
+namespace catalogcore {
+
 class CIDXBuffer : public CIDXString {
  public:
   static constexpr std::int32_t kDefaultBlockSize = 256;
@@ -27,5 +29,7 @@ class CIDXBuffer : public CIDXString {
  private:
   std::int32_t blockSize = kDefaultBlockSize;
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BASE_IDX_BUFFER_H_

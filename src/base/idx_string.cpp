@@ -8,6 +8,8 @@
 #include "base/text_size.h"
 #include "base/text_word.h"
 
+namespace catalogcore {
+
 CIDXString::CIDXString(int size) { AllocBuffer(size); }
 
 CIDXString::~CIDXString() { FreeBuffer(); }
@@ -129,3 +131,5 @@ bool CIDXString::operator==(const CIDXString& other) const {
 }
 
 std::uint32_t CIDXString::GetHashKey() const { return ExactHash(Text(), std::strlen(Text())) % kBucketCount; }
+
+}  // namespace catalogcore

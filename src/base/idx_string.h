@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+namespace catalogcore {
+
 // Text is UTF-8, but nothing here looks at encodings: lengths and positions count bytes. One thread at a time.
 //
 // Invariants:
@@ -98,5 +100,7 @@ class CIDXString {
   std::int32_t capacity = 0;
   std::int32_t length = 0;
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BASE_IDX_STRING_H_

@@ -4,6 +4,8 @@
 
 #include "base/critical_region.h"
 
+namespace catalogcore {
+
 class RegionGuard {
  public:
   explicit RegionGuard(MPCriticalRegionID* region) : region_(region) { EnterCriticalSectionAPI(region_); }
@@ -14,5 +16,7 @@ class RegionGuard {
  private:
   MPCriticalRegionID* const region_;
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BASE_REGION_GUARD_H_

@@ -4,6 +4,8 @@
 
 #include "base/heap_block.h"
 
+namespace catalogcore {
+
 std::int32_t CopyIDXSTRtoCIDXString(CIDXString& target, IDXSTR source) {
   if (!source || !*source) return IDXERR_FAILED;
   const CFRange all = CFRangeMake(0, CFStringGetLength(*source));
@@ -21,3 +23,5 @@ std::int32_t CopyCIDXStringtoIDXSTR(IDXSTR target, const CIDXString& source) {
   if (string) *target = string;
   return IDX_OK;
 }
+
+}  // namespace catalogcore

@@ -8,6 +8,8 @@
 
 #include "base/text_word.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr std::uint32_t kFactor = 137;
@@ -88,3 +90,5 @@ const HashKey& ProcessHashKey() {
   }();
   return key;
 }
+
+}  // namespace catalogcore

@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace catalogcore {
+
 // The hash of the system, before it is reduced to a bucket: h = h * 137 + the byte as a signed number, modulo 2^32.
 std::uint32_t ExactHash(const char* text, std::size_t size);
 
@@ -28,5 +30,7 @@ std::uint32_t FoldedHash(const char* text, std::size_t size, const HashKey& key)
 
 // This process's own key, drawn at the first call.
 const HashKey& ProcessHashKey();
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BASE_TEXT_HASH_H_

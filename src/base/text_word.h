@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstring>
 
+namespace catalogcore {
+
 static_assert(std::endian::native == std::endian::little, "a text's first byte is a word's lowest");
 
 inline constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
@@ -51,5 +53,7 @@ inline bool EqualFolded(const char* a, const char* b, std::size_t size) {
   }
   return true;
 }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_BASE_TEXT_WORD_H_

@@ -8,6 +8,8 @@
 #include "persist/property_file.h"
 #include "persist/property_value.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr int kPayloadBlockSize = 1024;
@@ -67,3 +69,5 @@ IDXSTATUS WriteCatalogueFile(IDXSTR name, CFStringRef key, IDXSTATUS (*fill)(CID
   if (status != IDX_OK) return status;
   return _WriteKeyData(url.get(), key, payload) == 1 ? IDX_OK : IDXERR_FAILED;
 }
+
+}  // namespace catalogcore

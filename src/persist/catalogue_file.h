@@ -10,6 +10,8 @@
 #include "base/idx_buffer.h"
 #include "catalogcore.h"
 
+namespace catalogcore {
+
 // The keys of the two payloads.
 #define CATALOGCORE_INDEX_KEY CFSTR("IDXIndex")
 #define CATALOGCORE_IMAGE_KEY CFSTR("IDXImage")
@@ -36,5 +38,7 @@ IDXSTATUS WriteCatalogueFile(IDXSTR name, CFStringRef key, IDXSTATUS (*fill)(CID
 // Fill the buffer with the payload. IDX_OK, IDXERR_FAILED before IDXInitialize, IDXERR_MEMORY.
 IDXSTATUS GetIndexData(CIDXBuffer& payload);
 IDXSTATUS GetImageData(CIDXBuffer& payload);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_PERSIST_CATALOGUE_FILE_H_

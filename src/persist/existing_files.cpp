@@ -7,6 +7,8 @@
 
 #include "base/file_existence.h"
 
+namespace catalogcore {
+
 bool ExistingFiles::Has(const char* path) {
   const char* const slash = std::strrchr(path, '/');
   const bool isInFolder = *path == '/' && slash[1] != 0 && IsUtf8(path);
@@ -23,3 +25,5 @@ bool ExistingFiles::Enter(std::string_view folder) {
   }
   return folder_.IsOpen();
 }
+
+}  // namespace catalogcore

@@ -7,6 +7,8 @@
 
 #include "persist/file_descriptor.h"
 
+namespace catalogcore {
+
 // Keeps the folder of the last path open: most paths lie in the folder of the one before, and then the system need not
 // go the way from the root to it again.
 class ExistingFiles {
@@ -20,5 +22,7 @@ class ExistingFiles {
   std::string path_;  // of the open folder, with a "/" at its end
   FileDescriptor folder_{-1};
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_PERSIST_EXISTING_FILES_H_

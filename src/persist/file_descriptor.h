@@ -4,6 +4,8 @@
 
 #include <unistd.h>
 
+namespace catalogcore {
+
 class FileDescriptor {
  public:
   // `descriptor` is what open() gave: negative if it failed.
@@ -28,5 +30,7 @@ class FileDescriptor {
  private:
   int descriptor_;
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_PERSIST_FILE_DESCRIPTOR_H_

@@ -10,6 +10,8 @@
 #include "persist/existing_files.h"
 #include "persist/payload.h"
 
+namespace catalogcore {
+
 namespace {
 
 // Whether the file of each record exists, in the order of the records, a bit each. A disk may take its time to answer,
@@ -41,6 +43,10 @@ IDXSTATUS GetImageData(CIDXBuffer& payload) {
   }
   return IDX_OK;
 }
+
+}  // namespace catalogcore
+
+using namespace catalogcore;
 
 IDXSTATUS IDXLoadImageFile(IDXSTR name) {
   return CatalogueCall(name, [name]() -> IDXSTATUS {

@@ -3,6 +3,8 @@
 #include "persist/catalogue_file.h"
 #include "persist/payload.h"
 
+namespace catalogcore {
+
 namespace {
 
 // Roots and presets carry it, which every start makes anew; so an index with all three protections is not saved.
@@ -24,6 +26,10 @@ IDXSTATUS GetIndexData(CIDXBuffer& payload) {
   }
   return IDX_OK;
 }
+
+}  // namespace catalogcore
+
+using namespace catalogcore;
 
 IDXSTATUS IDXLoadIndexFile(IDXSTR name) {
   return CatalogueCall(name, [name]() -> IDXSTATUS {

@@ -7,6 +7,8 @@
 #include "base/decimal.h"
 #include "base/text_size.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr char kVersion[] = "CatalogCoreVer1.0";
@@ -63,3 +65,5 @@ bool PayloadReader::NextRecord(PayloadRecord& record) {
   record.attribute = static_cast<std::uint8_t>(DecimalValue(attribute.data()) & 0xFF);
   return true;
 }
+
+}  // namespace catalogcore

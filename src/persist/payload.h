@@ -8,6 +8,8 @@
 
 #include "base/idx_buffer.h"
 
+namespace catalogcore {
+
 // 1 if the text is the version tag and nothing else, else 0.
 int IsValidVersion(std::string_view text);
 
@@ -44,5 +46,7 @@ class PayloadReader {
 
   std::string_view rest_;
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_PERSIST_PAYLOAD_H_

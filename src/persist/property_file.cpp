@@ -12,6 +12,8 @@
 #include "persist/property_value.h"
 #include "persist/replace_file.h"
 
+namespace catalogcore {
+
 namespace {
 
 using Dictionary = CFReference<CFMutableDictionaryRef>;
@@ -103,3 +105,5 @@ int _WriteKeyData(CFURLRef url, CFStringRef key, const CIDXBuffer& buffer) {
                               static_cast<std::size_t>(CFDataGetLength(xml.get())));
   return ReplaceFile(path, {text, kFinalZero}) ? 1 : 0;
 }
+
+}  // namespace catalogcore

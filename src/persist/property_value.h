@@ -4,8 +4,12 @@
 
 #include "base/cf_reference.h"
 
+namespace catalogcore {
+
 // Sets `value` to the data under `key`; leaves it null when the file or the key is not there. False when the file
 // cannot be read, or holds something else there.
 bool ReadPropertyValue(CFURLRef url, CFStringRef key, CFReference<CFDataRef>& value);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_PERSIST_PROPERTY_VALUE_H_

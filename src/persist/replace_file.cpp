@@ -21,6 +21,8 @@
 
 #include "persist/file_descriptor.h"
 
+namespace catalogcore {
+
 namespace {
 
 // A temporary file is named after its file by a number, since the name itself may be as long as names can be:
@@ -221,3 +223,5 @@ bool ReplaceFile(const char* path, Parts parts, const char* permissionsOf) {
   unlink(temporary.c_str());
   return isRefused && target.exists && WriteInPlace(target, parts);
 }
+
+}  // namespace catalogcore

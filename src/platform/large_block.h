@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace catalogcore {
+
 // Asks the system to back a new block of the heap with huge pages, if it is a large one that is about to be filled: page
 // by page the system would take several times as long to provide the memory as filling it takes. Only a hint; the block
 // is used and freed as any other.
@@ -20,5 +22,7 @@ inline void AdviseLargeBlock([[maybe_unused]] void* block, [[maybe_unused]] std:
   madvise(reinterpret_cast<void*>(first), address + size - first, MADV_HUGEPAGE);
 #endif
 }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_PLATFORM_LARGE_BLOCK_H_

@@ -8,6 +8,8 @@
 #include <type_traits>
 #include <utility>
 
+namespace catalogcore {
+
 // A row of blocks is worked on in strips whose sums stay in the processor's first cache. In a strip the rows
 // are added first, column by column, sixteen bytes at a time whatever the depth; what is then left to add
 // lies in one row, a factor-th of the bytes. At the factors that the resolutions of scanners lead to (2, 4
@@ -301,3 +303,5 @@ void AverageBlocks(const PixelView& source, const BlockGrid& grid, const ToneTab
   ClearPadding(target, static_cast<std::size_t>(grid.columns) * static_cast<std::size_t>(grid.bytesPerPixel));
   if (grid.bytesPerPixel > 0) ChooseAverage(grid)(source, grid, tones, target);
 }
+
+}  // namespace catalogcore

@@ -7,6 +7,8 @@
 #include "scene/pixel_view.h"
 #include "scene/tone_curve.h"
 
+namespace catalogcore {
+
 // The blocks of one row of the reduced picture.
 struct BlockGrid {
   std::int32_t columns;        // blocks in a row
@@ -20,5 +22,7 @@ struct BlockGrid {
 // room for columns pixels, and a block has fewer than 2^24 pixels.
 void AverageBlocks(const PixelView& source, const BlockGrid& grid, const ToneTable& tones,
                    const MutablePixelView& target);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_SCENE_BLOCK_AVERAGE_H_

@@ -5,6 +5,8 @@
 
 #include "scene/parameter_resource.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr std::int32_t kSmallestSide = 50;   // pixels; below, nothing can be told
@@ -56,3 +58,5 @@ IDXSTATUS CDetectScene::DetectScene(const IDXDSDATA* data, std::int32_t& sceneCl
   if (sceneClass == kClassPhoto) return DetectPhotoScene(image, sceneValue);
   return IDX_OK;
 }
+
+}  // namespace catalogcore

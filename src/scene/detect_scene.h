@@ -10,6 +10,8 @@
 #include "catalogcore.h"
 #include "scene/idx_image.h"
 
+namespace catalogcore {
+
 // What kind of picture it is.
 enum SceneClass : std::int32_t {
   kClassUnknown = -1,
@@ -66,5 +68,7 @@ class CDetectScene {
 
 // The detector, made when the library is initialised; null before and after.
 extern CDetectScene* dsScene;
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_SCENE_DETECT_SCENE_H_

@@ -5,6 +5,8 @@
 
 #include "scene/detect_scene.h"
 
+namespace catalogcore {
+
 namespace {
 
 struct Paper {
@@ -67,3 +69,5 @@ IDXSTATUS CDetectScene::DetectDocumentSize(const CIDXImage& image, std::int32_t&
   }
   return IDX_OK;
 }
+
+}  // namespace catalogcore

@@ -3,7 +3,13 @@
 #include "scene/detect_scene.h"
 #include "scene/scene_index.h"
 
+namespace catalogcore {
+
 CDetectScene* dsScene = nullptr;
+
+}  // namespace catalogcore
+
+using namespace catalogcore;
 
 IDXSTATUS IDXDetectScene(IDXDSDATA* data) {
   if (!data) return IDXERR_PARAM;

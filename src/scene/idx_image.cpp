@@ -13,6 +13,8 @@
 #include "scene/pixel_view.h"
 #include "scene/tone_curve.h"
 
+namespace catalogcore {
+
 namespace {
 
 // A reduced picture has at least this many pixels on either side.
@@ -165,3 +167,5 @@ IDXSTATUS CIDXImage::Reduce(const void* source, std::int32_t factor, std::int32_
   resolution = newResolution;
   return IDX_OK;
 }
+
+}  // namespace catalogcore

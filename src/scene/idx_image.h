@@ -10,6 +10,8 @@
 #include "base/heap_block.h"
 #include "catalogcore.h"
 
+namespace catalogcore {
+
 class CIDXImage {
  public:
   using PixelBlock = HeapBlock<std::uint8_t[]>;
@@ -68,5 +70,7 @@ class CIDXImage {
   IDXSTATUS CheckBytes(const void* source) const;
   IDXSTATUS Reduce(const void* source, int factor, int newResolution, bool gamma);
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_SCENE_IDX_IMAGE_H_

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace catalogcore {
+
 namespace {
 
 constexpr std::int32_t kSmallestArea = 50;  // pixels on a side of the area that is looked at
@@ -41,3 +43,5 @@ ImageRecord::ImageRecord(const CIDXImage& reduced) {
   Put<std::uint16_t>(kBrennFixedSixteenX, 16);
   Put<std::uint16_t>(kBrennFixedSixteenY, 16);
 }
+
+}  // namespace catalogcore

@@ -9,6 +9,8 @@
 #include "scene/brenn.h"
 #include "scene/idx_image.h"
 
+namespace catalogcore {
+
 // Dots per inch toward which a picture is reduced for the recognizer.
 inline constexpr int kRecognizerResolution = 75;
 
@@ -29,5 +31,7 @@ class ImageRecord {
 
   std::array<unsigned char, kBrennRecordSize> bytes_{};
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_SCENE_IMAGE_RECORD_H_

@@ -6,6 +6,8 @@
 #include "scene/detect_scene.h"
 #include "scene/image_record.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr char kCaller[] = "CatalogCr       ";  // 16 characters: 9 that count, padded with blanks
@@ -43,3 +45,5 @@ IDXSTATUS CDetectScene::Recognize(const CIDXImage& reduced, std::int32_t& sceneC
   sceneClass = kind == kPrint || kind == kColourDocument ? kClassDocument : kClassPhoto;
   return IDX_OK;
 }
+
+}  // namespace catalogcore

@@ -10,6 +10,8 @@
 #include "base/cf_reference.h"
 #include "base/heap_block.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr char kTag[] = "SGIPPDEF";
@@ -63,3 +65,5 @@ unsigned char* OpenParamFile(std::uint32_t* size) {
   CFStringGetCString(path.get(), text.get(), room, kCFStringEncodingUTF8);
   return ReadParamFile(text.get(), size);
 }
+
+}  // namespace catalogcore

@@ -2,6 +2,8 @@
 #include "scene/detect_scene.h"
 #include "scene/orlo.h"
 
+namespace catalogcore {
+
 namespace {
 
 // Own what the face detector hands out, on every way out.
@@ -47,3 +49,5 @@ IDXSTATUS CDetectScene::DetectPhotoScene(const CIDXImage& image, std::int32_t& s
   Orlo_Uninitialize();  // not after a failure, on purpose: the engine takes it unevenly
   return decide(found.list.count != 0 ? kPhotoFaces : kPhotoNoFaces);
 }
+
+}  // namespace catalogcore

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <span>
 
+namespace catalogcore {
+
 // A view of rows x stride bytes; owns nothing. Byte is std::uint8_t, or const std::uint8_t to read only.
 template <typename Byte>
 class BasicPixelView {
@@ -36,5 +38,7 @@ class BasicPixelView {
 
 using PixelView = BasicPixelView<const std::uint8_t>;
 using MutablePixelView = BasicPixelView<std::uint8_t>;
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_SCENE_PIXEL_VIEW_H_

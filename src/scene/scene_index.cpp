@@ -2,6 +2,8 @@
 
 #include "scene/detect_scene.h"
 
+namespace catalogcore {
+
 namespace {
 
 std::int32_t DocumentIndex(std::int32_t paper) {
@@ -19,3 +21,5 @@ std::int32_t ConvertScenetoIndex(std::int32_t sceneClass, std::int32_t sceneValu
   if (sceneClass == kClassPhoto) return sceneValue == kPhotoFaces ? IDXPRESET_PHOTO_FACES : IDXPRESET_PHOTO_OTHER;
   return -1;
 }
+
+}  // namespace catalogcore

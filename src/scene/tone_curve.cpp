@@ -1,5 +1,7 @@
 #include "scene/tone_curve.h"
 
+namespace catalogcore {
+
 namespace {
 
 __extension__ using Wide = unsigned __int128;
@@ -23,3 +25,5 @@ consteval ToneTable GammaCurve() {
 }  // namespace
 
 constinit const ToneTable ka1DLUT = GammaCurve();
+
+}  // namespace catalogcore

@@ -5,11 +5,15 @@
 #include <array>
 #include <cstdint>
 
+namespace catalogcore {
+
 // What becomes of each of the 256 values of a byte.
 using ToneTable = std::array<std::uint8_t, 256>;
 
 // Gamma 1.8: entry i is 255 * (i / 255)^1.8, rounded to the nearest integer, halves up. It never falls and
 // darkens the middle tones. Computed by the compiler, so it is there before anything runs.
 extern const ToneTable ka1DLUT;
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_SCENE_TONE_CURVE_H_

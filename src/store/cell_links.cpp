@@ -5,6 +5,8 @@
 #include "store/index_data.h"
 #include "store/pre_order.h"
 
+namespace catalogcore {
+
 CIDXCell* CIndexData::CreateCell(std::int32_t tree, CIDXCell* parent, const CIDXString& key, const CIDXString& name,
                                  std::uint8_t attribute) {
   std::unique_ptr<CIDXCell> cell(new (std::nothrow) CIDXCell);
@@ -67,3 +69,5 @@ void CIndexData::ReleaseHashCell(std::int32_t tree, CIDXCell* cell) {
   cellTable[tree].Remove(cell);
   if (cell == recentFolder) recentFolder = nullptr;
 }
+
+}  // namespace catalogcore

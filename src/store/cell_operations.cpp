@@ -2,6 +2,8 @@
 #include "catalogcore.h"
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr std::int32_t kUncut = -1;
@@ -113,3 +115,5 @@ std::uint32_t CIndexData::MoveCell(std::int32_t tree, const CIDXString& oldKey, 
   // more, so there is nothing that could be given the new one.
   return StoreOk;
 }
+
+}  // namespace catalogcore

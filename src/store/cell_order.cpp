@@ -1,6 +1,8 @@
 // Ancestry and pre-order of cells.
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 namespace {
 
 // Counted along the parents, not in the key: the two tell the same of most cells, but not of a root, of one that was
@@ -40,3 +42,5 @@ std::int32_t CIndexData::CompareCellSub(const CIDXCell* a, const CIDXCell* b) {
   if (a == b) return 0;
   return a->parent && a->parent == b->parent && a->ordinal < b->ordinal ? -1 : 1;
 }
+
+}  // namespace catalogcore

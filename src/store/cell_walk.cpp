@@ -3,6 +3,8 @@
 #include "store/index_data.h"
 #include "store/pre_order.h"
 
+namespace catalogcore {
+
 namespace {
 
 bool IsVolume(const CIDXCell* cell) {
@@ -39,3 +41,5 @@ CIDXCell* CIndexData::GetNextCell(SearchHandle* handle, std::int32_t recursive) 
   while (cell && handle->skipVolumes == 1 && IsVolume(cell)) cell = GetNextCellSub(handle, recursive);
   return cell;
 }
+
+}  // namespace catalogcore

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <new>
 
+namespace catalogcore {
+
 EmbeddedKey::EmbeddedKey(char* block, const char* text, std::size_t size) {
   std::memcpy(block, text, size);
   std::memset(block + size, 0, BlockBytes(size) - size);
@@ -17,3 +19,5 @@ CIDXNode* CIDXNode::Create(const char* text, std::size_t size) {
 }
 
 CIDXCell::~CIDXCell() { delete info; }
+
+}  // namespace catalogcore

@@ -34,6 +34,8 @@
 
 #include "base/idx_string.h"
 
+namespace catalogcore {
+
 inline constexpr std::int32_t kIndexTree = 0;
 inline constexpr std::int32_t kFolderTree = 1;
 inline constexpr std::int32_t kTreeCount = 2;
@@ -130,5 +132,7 @@ struct CIDXCell {
 
 // Deletes every marker of the cell.
 void DeleteSkipList(CIDXCell* cell);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_STORE_ENTRIES_H_

@@ -2,6 +2,8 @@
 #ifndef CATALOGCORE_STORE_HASH_CHAIN_H_
 #define CATALOGCORE_STORE_HASH_CHAIN_H_
 
+namespace catalogcore {
+
 // `Entry` is CIDXNode or CIDXCell: it has `hashPrev` and `hashNext`. The chain owns nothing.
 //
 // Invariants: entries stand in the order of their appending; `head` and `tail` are both null or both set. An
@@ -37,5 +39,7 @@ struct HashChain {
     }
   }
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_STORE_HASH_CHAIN_H_

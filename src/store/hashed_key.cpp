@@ -5,6 +5,8 @@
 #include "base/text_hash.h"
 #include "base/text_word.h"
 
+namespace catalogcore {
+
 HashedKey::HashedKey(const CIDXString& key)
     : text(key.Text()), size(std::strlen(text)), hash(FoldedHash(text, size, ProcessHashKey())) {}
 
@@ -16,3 +18,5 @@ std::uint32_t HashedKey::Bucket() const {
 bool HashedKey::IsText(const char* other) const { return std::memcmp(text, other, size) == 0; }
 
 bool HashedKey::IsSpelling(const char* other) const { return EqualFolded(text, other, size); }
+
+}  // namespace catalogcore

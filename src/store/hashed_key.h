@@ -7,6 +7,8 @@
 
 #include "base/idx_string.h"
 
+namespace catalogcore {
+
 // Two keys are the same when they share a bucket and their texts are equal but for letter case; twins are keys whose texts
 // are equal but for letter case and whose buckets differ. Most look-ups never need the bucket, so it is computed when it
 // is first asked for, and `hash` is that of the text alone: twins have it in common. They differ in TwinHash.
@@ -46,5 +48,7 @@ struct HashedKey {
 
   mutable std::uint32_t bucket = kNoBucket;
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_STORE_HASHED_KEY_H_

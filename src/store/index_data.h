@@ -14,6 +14,8 @@
 #include "store/result_codes.h"
 #include "store/search_handle.h"
 
+namespace catalogcore {
+
 // The bytes of the longest key that anything is filed under.
 inline constexpr std::int32_t kMaxKeyBytes = 4096;
 
@@ -194,5 +196,7 @@ class CIndexData {
   OpenFinds openFinds;
   CIDXCell* recentFolder = nullptr;  // what SearchFolder found last, as long as it stands in the hash table
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_STORE_INDEX_DATA_H_

@@ -2,6 +2,8 @@
 
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 namespace {
 
 // Beyond any use: longer than a path may be, or deeper. A bound keeps what one record of a file can cost
@@ -23,3 +25,5 @@ std::int32_t CIndexData::IsValidKey(std::int32_t tree, const CIDXString& key) {
   }
   return at - text <= kMaxKeyBytes && levels <= kMaxLevels[tree] ? 1 : 0;
 }
+
+}  // namespace catalogcore

@@ -10,6 +10,8 @@
 
 #include "store/hashed_key.h"
 
+namespace catalogcore {
+
 // `Entry` is CIDXNode or CIDXCell: it has `tableNext`, and an `info` with the `keyHash` that the table gives it and with
 // what HashedKey looks at, which does not change while the entry stands in the table. The table owns no entry.
 //
@@ -171,5 +173,7 @@ class KeyTable {
   std::uint64_t count = 0;
   bool hasTwins = false;
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_STORE_KEY_TABLE_H_

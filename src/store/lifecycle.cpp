@@ -6,6 +6,8 @@
 #include "catalogcore.h"
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 CIndexData::CIndexData() { InitializeCriticalSectionAPI(&criticalRegion); }
 
 CIndexData::~CIndexData() {
@@ -48,3 +50,5 @@ void CIndexData::DeleteAllCells(std::int32_t tree) {
   root[tree] = nullptr;
   recentFolder = nullptr;
 }
+
+}  // namespace catalogcore

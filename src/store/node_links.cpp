@@ -4,6 +4,8 @@
 #include "catalogcore.h"
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 CIDXNode* CIndexData::CreateNode(const HashedKey& key, CIDXCell* index, CIDXCell* folder, std::uint8_t attribute) {
   std::unique_ptr<CIDXNode> node(CIDXNode::Create(key.text, key.size));
   if (!node) return nullptr;
@@ -68,3 +70,5 @@ void CIndexData::ReleaseHashNode(CIDXNode* node) {
   nodeHash[node->info->bucket].Remove(node);
   nodeTable.Remove(node);
 }
+
+}  // namespace catalogcore

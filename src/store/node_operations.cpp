@@ -4,6 +4,8 @@
 #include "catalogcore.h"
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 CIDXNode* CIndexData::SearchNode(const CIDXString& key) const { return nodeTable.Find(HashedKey(key)); }
 
 std::uint32_t CIndexData::AddNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
@@ -63,3 +65,5 @@ std::uint32_t CIndexData::ChangeAttributeNode(const CIDXString& key, std::uint8_
   node->info->attribute = attribute;
   return StoreOk;
 }
+
+}  // namespace catalogcore

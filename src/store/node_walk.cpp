@@ -1,5 +1,7 @@
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 CIDXNode* CIndexData::GetFirstNode(SearchHandle* handle, CIDXString& indexKey, CIDXString& folderKey,
                                    std::int32_t recursive) const {
   handle->currentNode = nullptr;
@@ -42,3 +44,5 @@ CIDXNode* CIndexData::GetNextNode(SearchHandle* handle, std::int32_t recursive) 
   if (handle->currentCell == cellBefore) GetNextCell(handle, recursive);
   return FirstMatchFromCurrentCell(handle, recursive);
 }
+
+}  // namespace catalogcore

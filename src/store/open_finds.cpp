@@ -2,6 +2,8 @@
 
 #include <new>
 
+namespace catalogcore {
+
 namespace {
 
 std::uint64_t NextCatalogue() {
@@ -67,3 +69,5 @@ void OpenFinds::DeleteOldest() {
   if (!first) last = nullptr;
   delete span;
 }
+
+}  // namespace catalogcore

@@ -20,6 +20,8 @@
 #include "store/hash_chain.h"
 #include "store/search_handle.h"
 
+namespace catalogcore {
+
 struct FindSpan {
   std::atomic<std::uint32_t> openFinds{0};
   HashChain<CIDXNode> nodes;  // removed in it, by the links that their buckets need no more
@@ -69,5 +71,7 @@ class OpenFinds {
   FindSpan* last = nullptr;
   std::uint64_t catalogue;  // never the same twice in a process, and never 0
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_STORE_OPEN_FINDS_H_

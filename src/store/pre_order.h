@@ -4,6 +4,8 @@
 
 #include "store/entries.h"
 
+namespace catalogcore {
+
 // The cell after `current` in the depth-first pre-order of the subtree of `start`; null when that was the
 // last.
 inline CIDXCell* NextInPreOrder(const CIDXCell* start, CIDXCell* current) {
@@ -14,5 +16,7 @@ inline CIDXCell* NextInPreOrder(const CIDXCell* start, CIDXCell* current) {
   }
   return nullptr;
 }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_STORE_PRE_ORDER_H_

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+namespace catalogcore {
+
 enum StoreResult : std::uint32_t {
   StoreOk = 0,                // done; also a move to where the entry is already
   StoreFailed = 1,            // an entry could not be created
@@ -18,5 +20,7 @@ enum StoreResult : std::uint32_t {
   StoreRemoveProtected = 18,  // refused by IDXATTR_NOREMOVE, of a cell or of one of its images
   StoreRenameProtected = 19,  // refused by IDXATTR_NORENAME
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_STORE_RESULT_CODES_H_

@@ -7,6 +7,8 @@
 
 #include "store/entries.h"
 
+namespace catalogcore {
+
 struct FindSpan;
 
 // Owned by the caller, who fills it with zeros before the walk; only the store's walks read and write it.
@@ -24,5 +26,7 @@ struct SearchHandle {
 };
 
 static_assert(std::is_trivial_v<SearchHandle>, "callers allocate handles as blocks of zeros");
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_STORE_SEARCH_HANDLE_H_

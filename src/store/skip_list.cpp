@@ -9,6 +9,8 @@
 
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 namespace {
 
 constexpr std::size_t kLongestRun = 32;
@@ -183,3 +185,5 @@ CIDXNode* CIndexData::SearchSkipNode(std::int32_t tree, const CIDXCell* cell, co
   while (marker && !IsParent(filter, marker->node->cell[tree])) marker = marker->next;
   return marker ? marker->node : nullptr;
 }
+
+}  // namespace catalogcore

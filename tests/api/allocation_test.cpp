@@ -20,6 +20,8 @@
 #include "tests/support/catalogue_state.h"
 #include "tests/support/failing_allocator.h"
 
+namespace catalogcore {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -273,3 +275,5 @@ INSTANTIATE_TEST_SUITE_P(EveryCall, AllocationTest, testing::ValuesIn(kCases),
                          [](const auto& test) { return test.param.name; });
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -12,6 +12,8 @@
 #include "tests/api/item.h"
 #include "tests/support/store_inspector.h"
 
+namespace catalogcore {
+
 namespace {
 
 class CallsTest : public testing::Test {
@@ -187,3 +189,5 @@ TEST_F(CallsTest, FoldersAndBucketsAreWalkedInside) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

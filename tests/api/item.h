@@ -10,6 +10,8 @@
 #include "base/cf_reference.h"
 #include "catalogcore.h"
 
+namespace catalogcore {
+
 class Item : public IDXITEM {
  public:
   Item() : IDXITEM{} {
@@ -68,5 +70,7 @@ inline IDXSTATUS OnName(IDXSTATUS (*call)(IDXSTR), const std::string& name) {
   CFStringRef variable = text.get();
   return call(&variable);
 }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_TESTS_API_ITEM_H_

@@ -9,6 +9,8 @@
 
 #include "tests/support/compared_calls.h"
 
+namespace catalogcore {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -37,3 +39,5 @@ TEST(RandomCalls, LibraryAndModelAgreeAndSoDoesWhatIsLoaded) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

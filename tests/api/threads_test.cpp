@@ -18,6 +18,8 @@
 #include "tests/scene/fake_engines.h"
 #include "tests/support/catalogue_state.h"
 
+namespace catalogcore {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -189,3 +191,5 @@ TEST(Threads, CatalogueCallsGetThroughDuringADetection) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -7,6 +7,8 @@
 #include "app/gallery/gallery.h"
 #include "app/picture.h"
 
+namespace catalogcore {
+
 int main(int, char** arguments) try {
   using namespace catalogcore::app;
   StartPictures(arguments[0]);
@@ -34,3 +36,5 @@ int main(int, char** arguments) try {
   std::fprintf(stderr, "make_gallery: %s\n", error.what());
   return 1;
 }
+
+}  // namespace catalogcore

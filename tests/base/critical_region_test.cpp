@@ -6,6 +6,8 @@
 #include <chrono>
 #include <thread>
 
+namespace catalogcore {
+
 namespace {
 
 TEST(CriticalRegion, HoldsOneThreadAtATime) {
@@ -59,3 +61,5 @@ TEST(CriticalRegion, DeletionWaitsForTheHolder) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -10,6 +10,8 @@
 #include "base/clock.h"
 #include "base/desktop_folder.h"
 
+namespace catalogcore {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -60,3 +62,5 @@ TEST(Clock, CountsSecondsAndTheirParts) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

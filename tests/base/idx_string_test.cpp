@@ -9,6 +9,8 @@
 #include "base/idx_buffer.h"
 #include "base/text_hash.h"
 
+namespace catalogcore {
+
 namespace {
 
 static_assert(!std::is_copy_constructible_v<CIDXString> && !std::is_copy_assignable_v<CIDXString>);
@@ -111,3 +113,5 @@ TEST(IdxBuffer, AppendsOverTheTerminatorOfTheLastAppend) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -4,6 +4,8 @@
 
 #include "base/cf_reference.h"
 
+namespace catalogcore {
+
 namespace {
 
 CFReference<CFStringRef> Make(const char* text) {
@@ -27,3 +29,5 @@ TEST(StringConversion, HandsOutANewStringOrLeavesTheVariable) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

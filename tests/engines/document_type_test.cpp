@@ -1,6 +1,4 @@
 // The recognizer through its one operation, with the parameter block that is shipped.
-#include "scene/brenn.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -21,9 +19,10 @@
 #include "engines/document_type/parameter_block.h"
 #include "engines/document_type/picture.h"
 #include "engines/document_type/working_copy.h"
+#include "scene/brenn.h"
 #include "tests/engines/painted.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 using tools::PreparedPicture;
@@ -200,4 +199,4 @@ TEST(Brenn, RefusesABadBlock) {
 }
 
 }  // namespace
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

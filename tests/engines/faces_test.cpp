@@ -1,5 +1,3 @@
-#include "scene/orlo.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,13 +9,16 @@
 
 #include "engines/faces/face.h"
 #include "engines/faces/result_codes.h"
+#include "scene/orlo.h"
 #include "tests/engines/painted.h"
 #include "tests/support/failing_allocator.h"
 
+namespace catalogcore {
+
 namespace {
 
+using catalogcore::faces::Result;
 using catalogcore::tools::SourcePicture;
-using orlo::Result;
 
 constexpr std::int32_t Code(Result result) { return static_cast<std::int32_t>(result); }
 
@@ -166,3 +167,5 @@ TEST(Orlo, ScalesAndClipsFacesToThePicture) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -9,6 +9,8 @@
 
 #include "tools/picture_preparation.h"
 
+namespace catalogcore {
+
 using Colour = std::array<double, 3>;
 
 // `paint(x, y)` gives the colour of a pixel, 0 to 255. Grey takes the second sample. The low bytes of wide samples, and
@@ -31,5 +33,7 @@ catalogcore::tools::SourcePicture Painted(std::int32_t width, std::int32_t heigh
   }
   return picture;
 }
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_TESTS_ENGINES_PAINTED_H_

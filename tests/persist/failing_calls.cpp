@@ -12,6 +12,8 @@
 #include <cstdio>
 #include <string>
 
+namespace catalogcore {
+
 namespace {
 
 OnCall armed = OnCall::kNothing;
@@ -131,3 +133,5 @@ int __wrap_faccessat(int folder, const char* path, int mode, int flags) {
   return __real_faccessat(folder, path, mode, flags);
 }
 }
+
+}  // namespace catalogcore

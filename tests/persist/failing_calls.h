@@ -2,6 +2,8 @@
 #ifndef CATALOGCORE_TESTS_PERSIST_FAILING_CALLS_H_
 #define CATALOGCORE_TESTS_PERSIST_FAILING_CALLS_H_
 
+namespace catalogcore {
+
 enum class OnCall { kNothing, kFail, kKill, kShorten, kSteal };
 
 // Does this, with this error, at the call number `at` (0: the next) of open, read, write, fsync, rename, close, stat and
@@ -17,5 +19,7 @@ void OnExistence(void (*asked)());
 
 // Whether the call was reached since then.
 bool CallsWereReached();
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_TESTS_PERSIST_FAILING_CALLS_H_

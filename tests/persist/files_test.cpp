@@ -35,6 +35,8 @@
 #include "tests/persist/failing_calls.h"
 #include "tests/support/catalogue_state.h"
 
+namespace catalogcore {
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -565,3 +567,5 @@ TEST_F(FilesTest, KilledWritersLeaveOneWholeVersion) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -9,6 +9,8 @@
 #include "tests/platform/property_list_samples.h"
 #include "tests/support/failing_allocator.h"
 
+namespace catalogcore {
+
 namespace {
 
 TEST(CFPropertyList, GivesNullWhenAnyAllocationFails) {
@@ -38,3 +40,5 @@ TEST(CFPropertyList, GivesNullWhenAnyAllocationFails) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

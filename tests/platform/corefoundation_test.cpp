@@ -3,6 +3,8 @@
 
 #include <string>
 
+namespace catalogcore {
+
 namespace {
 
 CFStringRef Make(const char* text) {
@@ -90,3 +92,5 @@ TEST(CFBundle, IsAFolderBesideTheLibraryAndNeverFreed) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -2,6 +2,8 @@
 #ifndef CATALOGCORE_TESTS_PLATFORM_PROPERTY_LIST_SAMPLES_H_
 #define CATALOGCORE_TESTS_PLATFORM_PROPERTY_LIST_SAMPLES_H_
 
+namespace catalogcore {
+
 // Every kind of value, nested, laid out as it is written.
 constexpr const char* kEveryKind =
     "<dict>\n"
@@ -20,5 +22,7 @@ constexpr const char* kEveryKind =
     "\t</array>\n"
     "\t<key></key>\n\t<dict>\n\t\t<key>inner</key>\n\t\t<string></string>\n\t</dict>\n"
     "</dict>\n";
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_TESTS_PLATFORM_PROPERTY_LIST_SAMPLES_H_

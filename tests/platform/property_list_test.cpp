@@ -9,6 +9,8 @@
 #include "base/cf_reference.h"
 #include "tests/platform/property_list_samples.h"
 
+namespace catalogcore {
+
 namespace {
 
 using namespace std::string_literals;
@@ -310,3 +312,5 @@ TEST(CFData, BecomesAStringIfItIsWhole) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -5,6 +5,8 @@
 #include <iterator>
 #include <string>
 
+namespace catalogcore {
+
 int main(int count, char** arguments) {
   if (count != 3) return 2;
   std::ifstream from(arguments[1], std::ios::binary);
@@ -22,3 +24,5 @@ int main(int count, char** arguments) {
   CFRelease(read);
   return isDone ? 0 : 1;
 }
+
+}  // namespace catalogcore

@@ -20,6 +20,8 @@
 #include "scene/tone_curve.h"
 #include "tests/scene/fake_engines.h"
 
+namespace catalogcore {
+
 namespace {
 
 // A picture in grey of 100, or of the given depth.
@@ -221,3 +223,5 @@ TEST(ParameterResource, TakesWhatHasTheTagAtTheSizeItStates) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

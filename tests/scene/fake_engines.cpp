@@ -9,6 +9,8 @@
 #include "scene/brenn.h"
 #include "scene/orlo.h"
 
+namespace catalogcore {
+
 FakeEngines fakeEngines;
 
 namespace {
@@ -91,3 +93,5 @@ void OrloFree(void* memory) {
   fakeEngines.blocksHeld -= memory ? 1 : 0;
   std::free(memory);
 }
+
+}  // namespace catalogcore

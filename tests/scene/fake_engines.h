@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace catalogcore {
+
 struct FakeEngines {
   // Answers.
   std::int32_t recognizeResult = 0;
@@ -31,5 +33,7 @@ struct FakeEngines {
 };
 
 extern FakeEngines fakeEngines;
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_TESTS_SCENE_FAKE_ENGINES_H_

@@ -11,6 +11,8 @@
 
 #include "scene/detect_scene.h"
 
+namespace catalogcore {
+
 namespace {
 
 // Memory between two pages that may not be touched.
@@ -154,3 +156,5 @@ TEST_F(GuardedPixels, AreReadToTheirEndAndNotBeyond) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -15,6 +15,8 @@
 #include "scene/block_average.h"
 #include "scene/tone_curve.h"
 
+namespace catalogcore {
+
 namespace {
 
 // Random bytes; the sanitized build sees every read beyond them.
@@ -192,3 +194,5 @@ TEST(CIDXImage, FilledAgainItReleasesItsOwnPixels) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -6,6 +6,8 @@
 #include "tests/support/failing_allocator.h"
 #include "tests/support/store_inspector.h"
 
+namespace catalogcore {
+
 namespace {
 
 void Fill(CIndexData& store) {
@@ -69,3 +71,5 @@ TEST(FailedAllocation, GroupsAreFoundWithoutMemoryForTheirRuns) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

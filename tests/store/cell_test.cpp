@@ -5,6 +5,8 @@
 #include "tests/support/catalogue_state.h"
 #include "tests/support/store_inspector.h"
 
+namespace catalogcore {
+
 namespace {
 
 class CellTest : public testing::Test {
@@ -185,3 +187,5 @@ static_assert(StoreFailed == 1 && StoreImageExists == 2 && StoreImageNotFound ==
               StoreMoveProtected == 17 && StoreRemoveProtected == 18 && StoreRenameProtected == 19);
 
 }  // namespace
+
+}  // namespace catalogcore

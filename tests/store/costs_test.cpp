@@ -10,6 +10,8 @@
 #include "tests/support/catalogue_model.h"
 #include "tests/support/store_inspector.h"
 
+namespace catalogcore {
+
 namespace {
 
 struct Record {
@@ -64,3 +66,5 @@ TEST(Costs, ChosenKeysCostLittleMoreThanOthers) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

@@ -10,6 +10,8 @@
 #include "tests/support/failing_allocator.h"
 #include "tests/support/store_inspector.h"
 
+namespace catalogcore {
+
 namespace {
 
 struct Entry {
@@ -113,3 +115,5 @@ TEST_F(KeyTableTest, WithoutMemoryToGrowNothingIsLost) {
 }
 
 }  // namespace
+
+}  // namespace catalogcore

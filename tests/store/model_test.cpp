@@ -8,6 +8,8 @@
 #include "tests/support/catalogue_model.h"
 #include "tests/support/store_inspector.h"
 
+namespace catalogcore {
+
 namespace {
 
 // CATALOGCORE_MODEL_OPERATIONS and CATALOGCORE_MODEL_SEED ask for more, or for the same again.
@@ -275,3 +277,5 @@ INSTANTIATE_TEST_SUITE_P(Keys, ModelTest, testing::Values(Pool::kSpread, Pool::k
                          NameOf);
 
 }  // namespace
+
+}  // namespace catalogcore

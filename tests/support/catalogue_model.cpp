@@ -4,6 +4,8 @@
 
 #include "store/result_codes.h"
 
+namespace catalogcore {
+
 unsigned ModelHash(const std::string& text) {
   long long hash = 0;
   for (const char c : text) {
@@ -263,3 +265,5 @@ CatalogueState CatalogueModel::State() const {
   }
   return state;
 }
+
+}  // namespace catalogcore

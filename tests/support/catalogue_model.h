@@ -9,6 +9,8 @@
 
 #include "tests/support/catalogue_state.h"
 
+namespace catalogcore {
+
 class CatalogueModel {
  public:
   CatalogueModel();
@@ -86,5 +88,7 @@ inline std::string Told(const CatalogueModel::Cell* cell) {
 // The hash of the system and the equality of keys, computed in another way than the library does.
 unsigned ModelHash(const std::string& text);
 bool ModelEqual(const std::string& a, const std::string& b);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_TESTS_SUPPORT_CATALOGUE_MODEL_H_

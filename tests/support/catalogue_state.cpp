@@ -5,6 +5,8 @@
 #include "store/pre_order.h"
 #include "tests/support/store_inspector.h"
 
+namespace catalogcore {
+
 namespace {
 
 std::string KeyOf(const CIDXNode* node) { return node->info->key.Text(); }
@@ -172,3 +174,5 @@ std::ostream& operator<<(std::ostream& out, const CatalogueState& state) {
   }
   return out << "\n";
 }
+
+}  // namespace catalogcore

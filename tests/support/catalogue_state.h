@@ -10,6 +10,8 @@
 
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 using Keys = std::vector<std::string>;
 
 struct CellState {
@@ -34,5 +36,7 @@ CatalogueState StateOf(const CIndexData& store);
 
 // Says which of the invariants in store/entries.h is broken and where; empty when all of them hold.
 std::string BrokenInvariant(const CIndexData& store);
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_TESTS_SUPPORT_CATALOGUE_STATE_H_

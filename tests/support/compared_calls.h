@@ -19,6 +19,8 @@
 #include "tests/api/item.h"
 #include "tests/support/catalogue_model.h"
 
+namespace catalogcore {
+
 class ComparedCalls {
  public:
   // Gives a number from 0 to `limit` - 1: random ones, or what a fuzzer likes to try.
@@ -177,14 +179,14 @@ class ComparedCalls {
     const IDXSTATUS missing = name.empty() ? IDXERR_MEMORY : IDXERR_NOIMAGE;
     EXPECT_EQ(IDXSearchImage(&image.Name(name).Index(0).Attribute(99)), filed ? IDXSTATUS{IDX_OK} : missing);
     if (filed) {
-      EXPECT_EQ(Told(image, IDX_OK), name + ::Told(filed).substr(filed->key.size()));
+      EXPECT_EQ(Told(image, IDX_OK), name + catalogcore::Told(filed).substr(filed->key.size()));
     }
     const std::string path = PathOf(number);
     const CatalogueModel::Cell* const cell = path.empty() ? nullptr : model_.FindCell(kIndexTree, path);
     const IDXSTATUS found = IDXSearchIndex(&index.Index(number).Name("?").Attribute(99));
     EXPECT_EQ(found, cell ? IDX_OK : path.empty() ? IDXERR_PARAM : IDXERR_NOINDEX);
     if (cell) {
-      EXPECT_EQ(Told(index, found), ::Told(cell));
+      EXPECT_EQ(Told(index, found), catalogcore::Told(cell));
     }
   }
 
@@ -240,8 +242,8 @@ class ComparedCalls {
   bool Advance(OpenWalk& walk) {
     Item item;
     const IDXSTATUS status = walk.Next(item.Wanted());
-    const std::string next =
-        walk.isOverImages ? ::Told(model_.NextImage(walk.model)) : ::Told(model_.NextCell(walk.model));
+    const std::string next = walk.isOverImages ? catalogcore::Told(model_.NextImage(walk.model))
+                                               : catalogcore::Told(model_.NextCell(walk.model));
     EXPECT_EQ(Told(item, status), next) << log_;
     EXPECT_TRUE(status == IDX_OK || status == walk.End()) << log_;
     return status == IDX_OK;
@@ -262,5 +264,7 @@ class ComparedCalls {
   std::vector<OpenWalk> walks_;
   std::string log_;
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_TESTS_SUPPORT_COMPARED_CALLS_H_

@@ -7,6 +7,8 @@
 
 #include "store/index_data.h"
 
+namespace catalogcore {
+
 class StoreInspector {
  public:
   explicit StoreInspector(const CIndexData& store) : store_(store) {}
@@ -46,5 +48,7 @@ class Key : public CIDXString {
   explicit Key(const char* text) { CopyString(text); }
   explicit Key(const std::string& text) : Key(text.c_str()) {}
 };
+
+}  // namespace catalogcore
 
 #endif  // CATALOGCORE_TESTS_SUPPORT_STORE_INSPECTOR_H_

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 Block Measure(const std::uint8_t* corner, std::size_t stride) {
@@ -49,4 +49,4 @@ std::vector<Block> Neighbourhoods(const BlockGrid& grid) {
   return ranges;
 }
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

@@ -9,7 +9,7 @@
 
 #include "engines/document_type/working_copy.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 inline constexpr std::size_t kBlockSide = 8;
 
@@ -30,6 +30,6 @@ BlockGrid CutIntoBlocks(const WorkingCopy& copy);
 // The range of each block's 3 x 3 neighbourhood, as far as it lies in the grid; `sum` is 0.
 std::vector<Block> Neighbourhoods(const BlockGrid& grid);
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_BLOCKS_H_

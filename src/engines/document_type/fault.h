@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 enum class Fault : std::int32_t {
   kNone = 0,
@@ -38,6 +38,6 @@ enum class Fault : std::int32_t {
   kUnexpected = 31,
 };
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_FAULT_H_

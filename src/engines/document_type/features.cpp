@@ -7,7 +7,7 @@
 #include "engines/document_type/texture_features.h"
 #include "engines/document_type/tone_features.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 constexpr int kColourful = 48;
@@ -54,4 +54,4 @@ FeatureVector MeasureFeatures(const WorkingCopy& copy) {
   return features;
 }
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

@@ -8,7 +8,7 @@
 
 #include "engines/document_type/working_copy.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 // Tones run from 0 (black) to 1 (white). "Paper" is the commonest tone. A tile is one of 8 x 8 parts of the picture;
 // a block is 8 x 8 pixels of the working copy. A block is busy when the tones of its 3 x 3 neighbourhood span enough
@@ -65,6 +65,6 @@ using FeatureVector = std::array<double, kFeatureCount>;
 // Throws std::bad_alloc.
 FeatureVector MeasureFeatures(const WorkingCopy& copy);
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_FEATURES_H_

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <vector>
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 double Ratio(double part, double whole) { return whole > 0 ? part / whole : 0; }
@@ -177,4 +177,4 @@ void MeasureInk(const WorkingCopy& copy, const BlockGrid& grid, FeatureVector& f
           ProfileChange(counts.ofColumn, ink));
 }
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

@@ -6,7 +6,7 @@
 #include "engines/document_type/blocks.h"
 #include "engines/document_type/features.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 inline constexpr int kBusyRange = 48;        // tones that a busy neighbourhood spans
 inline constexpr std::size_t kShortRun = 7;  // pixels
@@ -14,6 +14,6 @@ inline constexpr std::size_t kShortRun = 7;  // pixels
 // Sets kBusyShare to kProfileAcross. REQUIRES: `grid` is made of `copy`, and kPaperTone is set.
 void MeasureInk(const WorkingCopy& copy, const BlockGrid& grid, FeatureVector& features);
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_INK_H_

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 constexpr std::size_t kReach = 3;    // pixels to either side
@@ -50,4 +50,4 @@ void MeasureLines(const WorkingCopy& copy, FeatureVector& features) {
   features[kDarkLines] = (static_cast<double>(counts.dark) - counts.light) / (lines + 0.002 * seen);
 }
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

@@ -5,11 +5,11 @@
 
 #include "engines/document_type/features.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 // Sets kLineShare and kDarkLines. REQUIRES: kStrongGradients and kMiddlingGradients are set.
 void MeasureLines(const WorkingCopy& copy, FeatureVector& features);
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_LINES_H_

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 FeatureVector Standardised(const std::array<Standard, kFeatureCount>& standards, const FeatureVector& features) {
   FeatureVector standardised;
@@ -30,4 +30,4 @@ std::uint16_t Model::Decide(const FeatureVector& features) const {
   return pictures ? kDocumentWithPictures : kPrintOnPaper;
 }
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

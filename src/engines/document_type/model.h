@@ -8,7 +8,7 @@
 
 #include "engines/document_type/features.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 // Result words.
 inline constexpr std::uint16_t kPrintOnPaper = 0x1000;
@@ -52,6 +52,6 @@ struct Model {
 
 FeatureVector Standardised(const std::array<Standard, kFeatureCount>& standards, const FeatureVector& features);
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_MODEL_H_

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <string_view>
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 constexpr std::string_view kTag = "SGIPPDEF";
@@ -165,4 +165,4 @@ std::uint32_t CheckSum(std::span<const std::uint8_t> bytes) {
   return ~sum;
 }
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

@@ -24,7 +24,7 @@
 #include "engines/document_type/fault.h"
 #include "engines/document_type/model.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 inline constexpr std::uint32_t kBlockVersion = 1;
 
@@ -37,6 +37,6 @@ std::vector<std::uint8_t> MakeParameterBlock(const Model& model);
 // CRC-32 of IEEE 802.3: polynomial 0x04C11DB7 bit-reversed, start and end complemented.
 std::uint32_t CheckSum(std::span<const std::uint8_t> bytes);
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_PARAMETER_BLOCK_H_

@@ -6,7 +6,7 @@
 
 #include "scene/brenn.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 template <typename Integer>
@@ -100,4 +100,4 @@ std::size_t Picture::VisibleWidth() const {
   return visible < kSmallestSide ? width_ : visible;
 }
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

@@ -10,7 +10,7 @@
 
 #include "engines/document_type/fault.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 // Fewer columns or rows say nothing about a picture.
 inline constexpr std::size_t kSmallestSide = 16;
@@ -64,6 +64,6 @@ class Picture {
   bool colour_;
 };
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_PICTURE_H_

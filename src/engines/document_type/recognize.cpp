@@ -10,7 +10,7 @@
 #include "engines/document_type/working_copy.h"
 #include "scene/brenn.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 Fault Recognize(const unsigned char* record, const void* pixels, unsigned char* result, std::uint32_t paramSize,
@@ -43,12 +43,12 @@ Fault RecognizeWithoutThrowing(const unsigned char* record, const void* pixels, 
 }
 
 }  // namespace
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 // The reserved word and the caller's name decide nothing.
 extern "C" std::int32_t DocumentTypeRecognize(std::int32_t, const char*, const unsigned char* record,
                                               const void* pixels, unsigned char* result, std::uint32_t paramSize,
                                               const void* paramData) {
   return static_cast<std::int32_t>(
-      catalogcore::brenn::RecognizeWithoutThrowing(record, pixels, result, paramSize, paramData));
+      catalogcore::document_type::RecognizeWithoutThrowing(record, pixels, result, paramSize, paramData));
 }

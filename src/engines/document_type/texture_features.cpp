@@ -10,7 +10,7 @@
 #include "engines/document_type/ink.h"
 #include "engines/document_type/lines.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 double Ratio(double part, double whole) { return whole > 0 ? part / whole : 0; }
@@ -127,4 +127,4 @@ void MeasureTexture(const WorkingCopy& copy, FeatureVector& features) {
   MeasureInk(copy, grid, features);
 }
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

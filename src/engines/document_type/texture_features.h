@@ -4,11 +4,11 @@
 
 #include "engines/document_type/features.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 // Sets kFlatGradients to kProfileAcross. REQUIRES: kPaperTone is set.
 void MeasureTexture(const WorkingCopy& copy, FeatureVector& features);
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_TEXTURE_FEATURES_H_

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdint>
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 constexpr std::size_t kTilesPerSide = 8;
@@ -159,4 +159,4 @@ void MeasureTones(const WorkingCopy& copy, FeatureVector& features) {
       Share(all, binAt(classes.darkMean + contrast / 4), binAt(classes.lightMean - contrast / 4), total);
 }
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

@@ -4,11 +4,11 @@
 
 #include "engines/document_type/features.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 // Sets kPaperTone to kTilePeakSpread.
 void MeasureTones(const WorkingCopy& copy, FeatureVector& features);
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_TONE_FEATURES_H_

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 namespace {
 
 constexpr std::size_t kLongestSide = 900;
@@ -140,4 +140,4 @@ WorkingCopy MakeWorkingCopy(const Picture& picture) {
   return copy;
 }
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type

@@ -9,7 +9,7 @@
 
 #include "engines/document_type/picture.h"
 
-namespace catalogcore::brenn {
+namespace catalogcore::document_type {
 
 // Pixels of the working copy on a side of a colour cell.
 inline constexpr std::size_t kCellSide = 4;
@@ -33,6 +33,6 @@ struct WorkingCopy {
 // longer. Of a block at most 4 x 4 evenly spaced pixels are read. Throws std::bad_alloc.
 WorkingCopy MakeWorkingCopy(const Picture& picture);
 
-}  // namespace catalogcore::brenn
+}  // namespace catalogcore::document_type
 
 #endif  // CATALOGCORE_ENGINES_DOCUMENT_TYPE_WORKING_COPY_H_

@@ -17,7 +17,7 @@
 
 #include "engines/faces/patch_sampler.h"
 
-namespace orlo {
+namespace catalogcore::faces {
 namespace {
 
 using Detector = dlib::frontal_face_detector;
@@ -173,4 +173,4 @@ std::vector<OrloFace> FindFaces(const GreyView& picture) {
   return faces;
 }
 
-}  // namespace orlo
+}  // namespace catalogcore::faces

@@ -7,7 +7,7 @@
 #include "engines/faces/face.h"
 #include "engines/faces/grey_picture.h"
 
-namespace orlo {
+namespace catalogcore::faces {
 
 // Makes the detector, once in a process; it takes longer than a search. A search makes it too if nobody did
 // before. Throws what making it throws, and then tries again when called again.
@@ -17,6 +17,6 @@ void PrepareFaceSearch();
 // border. Any thread may search, also several at once. Throws std::bad_alloc and what the detector throws.
 std::vector<OrloFace> FindFaces(const GreyView& picture);
 
-}  // namespace orlo
+}  // namespace catalogcore::faces
 
 #endif  // CATALOGCORE_ENGINES_FACES_FACE_SEARCH_H_

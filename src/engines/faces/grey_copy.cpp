@@ -7,7 +7,7 @@
 
 #include "engines/faces/resampling_taps.h"
 
-namespace orlo {
+namespace catalogcore::faces {
 namespace {
 
 constexpr double kWorkingArea = 1536.0 * 1152.0;
@@ -87,4 +87,4 @@ void MakeGreyCopy(const SourcePicture& source, const PictureSize& size, std::uin
   }
 }
 
-}  // namespace orlo
+}  // namespace catalogcore::faces

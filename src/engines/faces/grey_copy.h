@@ -5,7 +5,7 @@
 #include "engines/faces/grey_picture.h"
 #include "engines/faces/source_picture.h"
 
-namespace orlo {
+namespace catalogcore::faces {
 
 // The size of the grey copy: the picture's proportions at kWorkingArea pixels, but never enlarged more than
 // kMaxEnlargement times. By area, not by a side, so that the search takes the same time whatever the
@@ -17,6 +17,6 @@ PictureSize WorkingSize(const PictureSize& source);
 // three samples is red is not known. Of 16-bit samples the high byte counts. Throws std::bad_alloc.
 void MakeGreyCopy(const SourcePicture& source, const PictureSize& size, std::uint8_t* target);
 
-}  // namespace orlo
+}  // namespace catalogcore::faces
 
 #endif  // CATALOGCORE_ENGINES_FACES_GREY_COPY_H_

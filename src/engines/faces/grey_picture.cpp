@@ -1,6 +1,6 @@
 #include "engines/faces/grey_picture.h"
 
-namespace orlo {
+namespace catalogcore::faces {
 
 GreyPicture Halve(const GreyView& picture) {
   GreyPicture half;
@@ -17,4 +17,4 @@ GreyPicture Halve(const GreyView& picture) {
   return half;
 }
 
-}  // namespace orlo
+}  // namespace catalogcore::faces

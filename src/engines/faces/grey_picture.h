@@ -7,7 +7,7 @@
 #include <span>
 #include <vector>
 
-namespace orlo {
+namespace catalogcore::faces {
 
 struct PictureSize {
   std::int32_t width = 0;
@@ -39,6 +39,6 @@ struct GreyPicture {
 // REQUIRES: both sides are at least 2.
 GreyPicture Halve(const GreyView& picture);
 
-}  // namespace orlo
+}  // namespace catalogcore::faces
 
 #endif  // CATALOGCORE_ENGINES_FACES_GREY_PICTURE_H_

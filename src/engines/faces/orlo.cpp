@@ -21,7 +21,7 @@
 #include "engines/faces/result_codes.h"
 #include "engines/faces/source_picture.h"
 
-namespace orlo {
+namespace catalogcore::faces {
 namespace {
 
 struct WorkingCopy {
@@ -87,14 +87,14 @@ Result ListFaces(WorkingCopy& copy, OrloFaceList& list) {
 }
 
 }  // namespace
-}  // namespace orlo
+}  // namespace catalogcore::faces
 
-using orlo::Result;
+using catalogcore::faces::Result;
 
 // Only makes the detector early: it stays until the process ends, so nothing is counted here.
 std::int32_t Orlo_Initialize() {
-  return orlo::CodeOf([] {
-    orlo::PrepareFaceSearch();
+  return catalogcore::faces::CodeOf([] {
+    catalogcore::faces::PrepareFaceSearch();
     return Result::kSuccess;
   });
 }
@@ -102,24 +102,24 @@ std::int32_t Orlo_Initialize() {
 // The grey copy is made here; the caller's pixels are not looked at again.
 std::int32_t Orlo_SetBitmap(OrloContext* context, std::int32_t bitsPerPixel, std::int32_t width, std::int32_t height,
                             std::int32_t negatedStride, const void* pixels) {
-  return orlo::CodeOf([&] {
+  return catalogcore::faces::CodeOf([&] {
     if (!context) return Result::kNoContext;
     OrloFree(context->memory);
     context->memory = nullptr;
-    orlo::SourcePicture source;
-    const Result fault = orlo::DescribeSource(bitsPerPixel, width, height, negatedStride, pixels, source);
-    return fault == Result::kSuccess ? orlo::SetPicture(*context, source) : fault;
+    catalogcore::faces::SourcePicture source;
+    const Result fault = catalogcore::faces::DescribeSource(bitsPerPixel, width, height, negatedStride, pixels, source);
+    return fault == Result::kSuccess ? catalogcore::faces::SetPicture(*context, source) : fault;
   });
 }
 
 std::int32_t Orlo_DetectFacePosition(OrloContext* context, OrloFaceList* list) {
-  return orlo::CodeOf([&] {
+  return catalogcore::faces::CodeOf([&] {
     if (!context) return Result::kNoContext;
     if (!list) return Result::kNoFaceList;
     OrloFree(list->faces);
     *list = {};
     if (!context->memory) return Result::kNoPicture;
-    return orlo::ListFaces(*static_cast<orlo::WorkingCopy*>(context->memory), *list);
+    return catalogcore::faces::ListFaces(*static_cast<catalogcore::faces::WorkingCopy*>(context->memory), *list);
   });
 }
 

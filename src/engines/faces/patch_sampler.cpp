@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <numbers>
 
-namespace orlo {
+namespace catalogcore::faces {
 namespace {
 
 // Positions are fixed-point, in 1/65536 pixel. Pictures have some ten thousand pixels on a side at most, and
@@ -97,4 +97,4 @@ void PatchSampler::Sample(const Square& square, const Pose& pose, GreyPicture& p
   }
 }
 
-}  // namespace orlo
+}  // namespace catalogcore::faces

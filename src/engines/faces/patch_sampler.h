@@ -7,7 +7,7 @@
 
 #include "engines/faces/grey_picture.h"
 
-namespace orlo {
+namespace catalogcore::faces {
 
 // A square of the picture, in pixels; the centre may lie anywhere.
 struct Square {
@@ -41,6 +41,6 @@ class PatchSampler {
   std::vector<GreyPicture> halves_;
 };
 
-}  // namespace orlo
+}  // namespace catalogcore::faces
 
 #endif  // CATALOGCORE_ENGINES_FACES_PATCH_SAMPLER_H_

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-namespace orlo {
+namespace catalogcore::faces {
 namespace {
 
 std::uint16_t InTapUnits(double share) { return static_cast<std::uint16_t>(std::lround(share * kTapUnit)); }
@@ -49,4 +49,4 @@ void ResamplingTaps::AddLinear(double centre, std::size_t sourceLength) {
   if (second > 0) weights_.push_back(second);
 }
 
-}  // namespace orlo
+}  // namespace catalogcore::faces

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-namespace orlo {
+namespace catalogcore::faces {
 
 constexpr unsigned kTapUnit = 256;  // the sum of every target position's weights
 
@@ -36,6 +36,6 @@ class ResamplingTaps {
   std::vector<std::uint16_t> weights_;
 };
 
-}  // namespace orlo
+}  // namespace catalogcore::faces
 
 #endif  // CATALOGCORE_ENGINES_FACES_RESAMPLING_TAPS_H_

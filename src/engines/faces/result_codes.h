@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace orlo {
+namespace catalogcore::faces {
 
 enum class Result : std::int32_t {
   kSuccess = 0,
@@ -22,6 +22,6 @@ enum class Result : std::int32_t {
 constexpr std::int32_t kMinSide = 50;  // pixels
 constexpr std::int32_t kMaxSide = 4096;
 
-}  // namespace orlo
+}  // namespace catalogcore::faces
 
 #endif  // CATALOGCORE_ENGINES_FACES_RESULT_CODES_H_

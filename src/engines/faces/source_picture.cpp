@@ -2,7 +2,7 @@
 
 #include <limits>
 
-namespace orlo {
+namespace catalogcore::faces {
 namespace {
 
 bool IsSideInRange(std::int32_t side) { return side >= kMinSide && side <= kMaxSide; }
@@ -29,4 +29,4 @@ Result DescribeSource(std::int32_t bitsPerPixel, std::int32_t width, std::int32_
   return Result::kSuccess;
 }
 
-}  // namespace orlo
+}  // namespace catalogcore::faces

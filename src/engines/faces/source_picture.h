@@ -10,7 +10,7 @@
 #include "engines/faces/grey_picture.h"
 #include "engines/faces/result_codes.h"
 
-namespace orlo {
+namespace catalogcore::faces {
 
 struct SourcePicture {
   PictureSize size;
@@ -32,6 +32,6 @@ struct SourcePicture {
 Result DescribeSource(std::int32_t bitsPerPixel, std::int32_t width, std::int32_t height, std::int32_t negatedStride,
                       const void* pixels, SourcePicture& source);
 
-}  // namespace orlo
+}  // namespace catalogcore::faces
 
 #endif  // CATALOGCORE_ENGINES_FACES_SOURCE_PICTURE_H_
