@@ -14,6 +14,7 @@
 #define CATALOGCORE_STORE_OPEN_FINDS_H_
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include "store/entries.h"
@@ -53,9 +54,9 @@ class OpenFinds {
   // Deletes at most kSweptAtOnce of what no find can stand on any more. To be called by whoever enters the region: a call
   // removes fewer on average, so that what waits gets less.
   void Sweep() {
-    for (int i = 0; i < kSweptAtOnce && first && IsClosed(*first); ++i) DeleteOldest();
+    for (std::size_t i = 0; i < kSweptAtOnce && first && IsClosed(*first); ++i) DeleteOldest();
   }
-  static constexpr int kSweptAtOnce = 64;
+  static constexpr std::size_t kSweptAtOnce = 64;
 
   // Deletes everything. No find is open afterwards.
   void Clear();

@@ -160,6 +160,23 @@ TEST_F(CellTest, WalkInAFolderThatIsMovedOutOfItsSubtreeEnds) {
   EXPECT_EQ(store_.GetNextNode(&handle, 1), nullptr);
 }
 
+TEST_F(CellTest, WhatAClosedFindKeptIsDeletedAFewEntriesAtATime) {
+  constexpr std::size_t kImages = 10 * OpenFinds::kSweptAtOnce;
+  AddIndex("1");
+  SearchHandle handle{};
+  ASSERT_TRUE(store_.Finds().Open(handle));
+  for (std::size_t i = 0; i < kImages; ++i) {
+    ASSERT_EQ(store_.AddNode(Key("/p/a"), Key("1"), Key("/p"), 0), StoreOk);
+    ASSERT_EQ(store_.RemoveNode(Key("/p/a"), 0), StoreOk);
+  }
+  store_.Finds().Close(handle);
+  for (std::size_t waits = kImages; waits > 0; waits -= OpenFinds::kSweptAtOnce) {
+    EXPECT_EQ(StoreInspector(store_).Waiting(), waits);
+    store_.Finds().Sweep();
+  }
+  EXPECT_EQ(StoreInspector(store_).Waiting(), 0u);
+}
+
 TEST_F(CellTest, GroupsLeftOutOfOrderByAMoveAreDroppedWhole) {
   for (const Keys& order : {Keys{"c", "x2", "x"}, Keys{"c", "x", "x2"}}) {
     store_.Initialize();
