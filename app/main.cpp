@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "app/commands/commands.h"
+#include "app/picture_worker.h"
 
 namespace catalogcore::app {
 
@@ -86,6 +87,7 @@ int Run(int argc, char** argv, Session& session) {
 
 int main(int argc, char** argv) {
   using catalogcore::app::Session;
+  if (catalogcore::app::IsPictureWorker(argc, argv)) return catalogcore::app::RunPictureWorker(argv);
   catalogcore::app::OccupyStandardDescriptors();
   Session session;
   try {

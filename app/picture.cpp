@@ -7,13 +7,12 @@
 #include <string_view>
 
 #include "app/picture_file.h"
+#include "app/picture_limits.h"
 #include "app/picture_pixels.h"
 #include "app/picture_resolution.h"
 
 namespace catalogcore::app {
 namespace {
-
-constexpr int kLongestSide = 4096;  // of a picture whose scene can be detected
 
 PictureFacts FactsOf(const PictureFile& file, VipsImage* header) {
   PictureFacts facts;
@@ -24,15 +23,15 @@ PictureFacts FactsOf(const PictureFile& file, VipsImage* header) {
   return facts;
 }
 
-Picture Rendered(VipsImage* image) {
-  Picture picture;
+PictureShape Rendered(VipsImage* image, const PixelRoom& room) {
+  PictureShape picture;
   picture.width = vips_image_get_width(image);
   picture.height = vips_image_get_height(image);
   picture.bitsPerPixel = vips_image_get_bands(image) * 8;
-  picture.pixels.resize(static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height) *
-                        static_cast<std::size_t>(vips_image_get_bands(image)));
-  const Image memory(vips_image_new_from_memory(picture.pixels.data(), picture.pixels.size(), picture.width,
-                                                picture.height, vips_image_get_bands(image), VIPS_FORMAT_UCHAR));
+  const std::size_t bytes = static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height) *
+                            static_cast<std::size_t>(vips_image_get_bands(image));
+  const Image memory(vips_image_new_from_memory(room(bytes), bytes, picture.width, picture.height,
+                                                vips_image_get_bands(image), VIPS_FORMAT_UCHAR));
   if (memory == nullptr || vips_image_write(image, memory.get()) != 0) throw LibvipsFailure();
   return picture;
 }
@@ -82,16 +81,27 @@ bool HasPictureName(const std::filesystem::path& file) {
   return heif && vips_type_find("VipsOperation", "heifload_source") != 0;
 }
 
-Picture DecodePicture(const std::filesystem::path& path) {
+PictureShape DecodePicture(const std::filesystem::path& path, const PixelRoom& room) {
   const PictureFile file(path);
-  return UseLibvips(file, [&file](VipsFailOn failOn) {
+  return UseMostOf(file, [&](VipsFailOn failOn) {
     const PictureFacts facts = FactsOf(file, file.Open(VIPS_FAIL_ON_ERROR).get());
-    Picture picture = Rendered(ReducedPixels(file, failOn, kLongestSide).get());
+    PictureShape picture = Rendered(ReducedPixels(file, failOn, kLongestSide).get(), room);
     const double ratio =
         static_cast<double>(std::max(picture.width, picture.height)) / std::max(facts.width, facts.height);
     picture.resolution = static_cast<std::int32_t>(std::lround(facts.resolution * ratio));
+    if (failOn == VIPS_FAIL_ON_NONE) picture.warning = "the image is cut short: its end is missing";
     return picture;
   });
+}
+
+Picture DecodePicture(const std::filesystem::path& path) {
+  Picture picture;
+  const PixelRoom room = [&picture](std::size_t bytes) {
+    picture.pixels.resize(bytes);
+    return picture.pixels.data();
+  };
+  static_cast<PictureShape&>(picture) = DecodePicture(path, room);
+  return picture;
 }
 
 PictureFacts ReadPictureFacts(const std::filesystem::path& path) {

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -28,17 +29,38 @@ void StartPictures(const char* program);
 // Whether a file's name ends like that of a picture that can be decoded here (.jpg, .JPEG, .png, .tif, .webp, .heic, ...).
 bool HasPictureName(const std::filesystem::path& file);
 
+// What a file may have, by its header.
+inline constexpr int kMostSamplesPerPixel = 5;  // four inks and transparency
+inline constexpr int kMostPasses = 100;         // of a JPEG file; encoders write about ten
+inline constexpr std::uint64_t kMostDecodedMegabytes = 2048;
+// Where the decoder holds the whole picture: WebP, HEIF, and JPEG and PNG in several passes. A JPEG decoder holds two
+// bytes a sample.
+inline constexpr std::uint64_t kMostHeldMegabytes = 1024;
+
+inline constexpr std::int32_t kLongestSide = 4096;  // pixels of a picture whose scene can be detected
+inline constexpr std::size_t kMostPixelBytes = std::size_t{3} * kLongestSide * kLongestSide;
+
 // A picture upright, 8 bits a sample, no alpha: one sample a pixel if the file is grey, else three (red, green, blue).
-struct Picture {
-  std::int32_t width = 0;            // pixels, 1 to 4096
-  std::int32_t height = 0;           // rows, 1 to 4096
-  std::int32_t bitsPerPixel = 0;     // 8 or 24
-  std::int32_t resolution = 0;       // dots per inch of these pixels; 0: unknown
+struct PictureShape {
+  std::int32_t width = 0;         // pixels, 1 to kLongestSide
+  std::int32_t height = 0;        // rows, 1 to kLongestSide
+  std::int32_t bitsPerPixel = 0;  // 8 or 24
+  std::int32_t resolution = 0;    // dots per inch of these pixels; 0: unknown
+  std::string warning;            // what is wrong with a file that could be decoded all the same; empty: nothing
+};
+
+struct Picture : PictureShape {
   std::vector<std::uint8_t> pixels;  // height rows of width * bitsPerPixel / 8 bytes, no padding
 };
 
-// Decodes the first picture of a file, reduced until no side is above 4096 pixels; the resolution goes down with it.
-// The format is told by the file's content: JPEG, PNG, TIFF, WebP or HEIF. Throws PictureError, std::bad_alloc.
+// Returns where to decode to: at least `bytes` bytes, at most kMostPixelBytes. May be called again for the same picture.
+using PixelRoom = std::function<std::uint8_t*(std::size_t bytes)>;
+
+// Decodes the first picture of a file, reduced until no side is above kLongestSide; the resolution goes down with it.
+// The format is told by the file's content: JPEG, PNG, TIFF, WebP or HEIF. A JPEG file whose end is missing is decoded
+// with a warning if at least half of its rows are there, or one whole pass of several. Throws PictureError,
+// std::bad_alloc.
+PictureShape DecodePicture(const std::filesystem::path& file, const PixelRoom& room);
 Picture DecodePicture(const std::filesystem::path& file);
 
 // What the header of a file tells.

@@ -161,11 +161,14 @@ LibvipsUse::~LibvipsUse() { alone_ ? room.unlock() : room.unlock_shared(); }
 void ThrowReason(const PictureFile& file, VipsFailOn failOn) {
   const std::string errors = vips_error_buffer();
   vips_error_clear();
-  if (Contains(errors, {"out of memory"})) throw std::bad_alloc();
+  if (Contains(errors, {"out of memory", "Out of memory", "OUT_OF_MEMORY", "Insufficient memory", "No space for",
+                        "Memory allocation error", "Cannot allocate memory"})) {
+    throw std::bad_alloc();
+  }
   if (file.IsCutShort() ||
       Contains(errors, {"Premature end of", "Unexpected end of file", "Can not read TIFF directory", "Seek error",
                         "IO error during reading", "Read error", "Not enough data", "got 0 bytes"})) {
-    throw PictureError("the image is cut short");
+    throw CutShort();
   }
   // Bytes between the segments and other oddities, of which the pixels know nothing.
   const bool warning = failOn == VIPS_FAIL_ON_WARNING;

@@ -25,6 +25,12 @@ struct Unreference {
 };
 using Image = std::unique_ptr<VipsImage, Unreference>;
 
+// The file ends before the image does.
+class CutShort : public PictureError {
+ public:
+  CutShort() : PictureError("the image is cut short") {}
+};
+
 // A call of libvips failed; why is in its text of errors. Never leaves UseLibvips.
 struct LibvipsFailure {};
 
@@ -58,6 +64,7 @@ class PictureFile {
   // Reads the bytes at `offset`; false if the file is not that long.
   bool Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
 
+  std::uint64_t Size() const { return size_; }
   Content FileContent() const { return content_; }
   std::time_t ChangeTime() const { return changeTime_; }
   bool IsCutShort() const;  // as far as its first and last bytes tell

@@ -3,23 +3,10 @@
 #include <algorithm>
 #include <array>
 
+#include "app/picture_limits.h"
+
 namespace catalogcore::app {
 namespace {
-
-bool IsSet(VipsImage* header, const char* field) {
-  int value = 0;
-  return vips_image_get_typeof(header, field) == G_TYPE_INT && vips_image_get_int(header, field, &value) == 0 &&
-         value != 0;
-}
-
-void RefuseIfTooLarge(const PictureFile& file, VipsImage* header) {
-  const bool streams = file.FileContent() != Content::kWebP && file.FileContent() != Content::kHeif &&
-                       !IsSet(header, "interlaced") && !IsSet(header, "jpeg-multiscan");
-  const std::uint64_t most = std::uint64_t{1} << (streams ? 30 : 28);
-  const auto width = static_cast<std::uint64_t>(vips_image_get_width(header));
-  const auto height = static_cast<std::uint64_t>(vips_image_get_height(header));
-  if (width * height > most) throw PictureError("the image is too large");
-}
 
 int LongSide(VipsImage* image) { return std::max(vips_image_get_width(image), vips_image_get_height(image)); }
 
@@ -70,12 +57,8 @@ Image WithTrueInterpretation(Image image) {
     case VIPS_FORMAT_UCHAR:
       return Copied(image, grey ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB);
     case VIPS_FORMAT_FLOAT:
-    case VIPS_FORMAT_DOUBLE:
       image = FirstBands(Cast(image, VIPS_FORMAT_FLOAT), grey ? 1 : 3);
       return Copied(grey ? ThreeTimes(image) : std::move(image), VIPS_INTERPRETATION_scRGB);
-    case VIPS_FORMAT_COMPLEX:
-    case VIPS_FORMAT_DPCOMPLEX:
-      throw PictureError("the image has complex numbers for samples");
     default:
       return Copied(Cast(image, VIPS_FORMAT_USHORT), grey ? VIPS_INTERPRETATION_GREY16 : VIPS_INTERPRETATION_RGB16);
   }
@@ -121,7 +104,7 @@ Image Upright(Image image) {
 
 Image ReducedPixels(const PictureFile& file, VipsFailOn failOn, int side) {
   Image image = file.Open(failOn);
-  RefuseIfTooLarge(file, image.get());
+  RefuseBeyondLimits(file, image.get());
   if (const int shrink = ShrinkOnLoad(file, image.get(), side); shrink > 1) {
     image.reset();
     image = file.Open(failOn, shrink);

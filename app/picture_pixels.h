@@ -10,8 +10,8 @@ namespace catalogcore::app {
 // enlarged. Its rows have to be taken from the top down. To be called inside UseLibvips.
 //
 // Memory stays bounded by about one picture: rows are decoded, converted and reduced as they are taken, and what must be
-// turned is small by then. Where a decoder holds the whole picture instead (WebP, HEIF, JPEG and PNG in several passes),
-// more than 2^28 pixels are refused with PictureError; else more than 2^30, which would take minutes to read.
+// turned is small by then. Where a decoder holds the whole picture instead, picture_limits.h bounds it. Throws PictureError
+// for what is beyond those limits.
 Image ReducedPixels(const PictureFile& file, VipsFailOn failOn, int side);
 
 }  // namespace catalogcore::app

@@ -2,26 +2,33 @@
 
 #include <new>
 
-#include "app/picture.h"
+#include "app/picture_pool.h"
 
 namespace catalogcore::app {
 
-Decision DecideScene(const catalogcore::Catalog& library, const std::string& file) {
+Decision DecideScene(PicturePool& pictures, const catalogcore::Catalog& library, const std::string& file) {
+  Decision decision;
   try {
-    const Picture picture = DecodePicture(file);
-    const Result<Scene> scene = library.Classify({.pixels = std::as_bytes(std::span(picture.pixels)),
-                                                  .width = picture.width,
-                                                  .height = picture.height,
-                                                  .bitsPerPixel = picture.bitsPerPixel,
-                                                  .resolution = picture.resolution});
-    if (!scene) return {-1, Message(scene.error())};
-    // Only a picture without pixels stays undecided.
-    return {scene->Kind() == SceneKind::kUndecided ? preset::kOther : scene->Preset(), ""};
+    pictures.Decode(file, [&](const PictureShape& picture, std::span<const std::uint8_t> pixels) {
+      const Result<Scene> scene = library.Classify({.pixels = std::as_bytes(pixels),
+                                                    .width = picture.width,
+                                                    .height = picture.height,
+                                                    .bitsPerPixel = picture.bitsPerPixel,
+                                                    .resolution = picture.resolution});
+      decision.warning = picture.warning;
+      if (!scene) {
+        decision.problem = Message(scene.error());
+      } else {
+        // Only a picture without pixels stays undecided.
+        decision.preset = scene->Kind() == SceneKind::kUndecided ? preset::kOther : scene->Preset();
+      }
+    });
   } catch (const PictureError& error) {
-    return {-1, error.what()};
+    decision.problem = error.what();
   } catch (const std::bad_alloc&) {
-    return {-1, Message(Status::kMemory)};
+    decision.problem = Message(Status::kMemory);
   }
+  return decision;
 }
 
 }  // namespace catalogcore::app

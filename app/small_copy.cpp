@@ -1,4 +1,5 @@
 #include "app/picture_file.h"
+#include "app/picture_limits.h"
 #include "app/picture_pixels.h"
 
 namespace catalogcore::app {
@@ -36,7 +37,7 @@ Jpeg Compressed(VipsImage* image) {
 
 std::string SmallCopy(const std::filesystem::path& path, int side) {
   const PictureFile file(path);
-  const Jpeg jpeg = UseLibvips(file, [&file, side](VipsFailOn failOn) {
+  const Jpeg jpeg = UseMostOf(file, [&file, side](VipsFailOn failOn) {
     return Compressed(TrueColours(ReducedPixels(file, failOn, side)).get());
   });
   return {static_cast<const char*>(jpeg.bytes.get()), jpeg.size};

@@ -18,7 +18,7 @@ namespace {
 struct ClassifyOptions {
   std::vector<std::string> paths;
   bool isJson = false;
-  unsigned jobs = 1;
+  PictureLimits limits;
 };
 
 void Print(const std::string& file, const Decision& decision, bool isJson) {
@@ -43,16 +43,18 @@ void Classify(Session& session, const ClassifyOptions& options) {
       CatchInterrupts("finishing the pictures under way; press Ctrl-C again to stop at once");
   FoundFiles found;
   const auto report = [&](const std::string& file, const std::string& reason) {
-    Print(file, {-1, reason}, options.isJson);
+    Print(file, {-1, reason, ""}, options.isJson);
     session.Skip("cannot read " + found.Shown(file) + ": " + reason + " (skipped)");
   };
   found = FindPictures(
       options.paths, [&stop](std::size_t) { return stop.load(); }, report);
   const std::vector<std::string>& files = found.files;
+  PicturePool pictures(options.limits);
   RunInOrder(
-      files.size(), options.jobs, stop, [&](std::size_t i) { return DecideScene(library, files[i]); },
+      files.size(), pictures.Jobs(), stop, [&](std::size_t i) { return DecideScene(pictures, library, files[i]); },
       [&](std::size_t i, const Decision& decision) {
         session.progress.Clear();
+        if (!decision.warning.empty()) session.progress.Say(files[i] + ": " + decision.warning);
         decision.problem.empty() ? Print(files[i], decision, options.isJson) : report(files[i], decision.problem);
         session.progress.Step(i + 1, files.size(), files[i]);
       });
@@ -68,11 +70,11 @@ void AddClassify(CLI::App& app, Session& session) {
   CLI::App* const command = app.add_subcommand("classify", "Say what pictures are, without filing them");
   command->add_option("FILE", options->paths, "Image files, and folders to search")->type_name("")->required();
   command->add_flag("--json", options->isJson, "Print one JSON object a line");
-  AddJobs(*command, options->jobs);
-  command->footer(
-      "Examples:\n"
-      "  catalogcore classify scan.tif\n"
-      "  catalogcore classify --json ~/Scans | jq -r 'select(.class == \"document\").file'");
+  AddPictureLimits(*command, options->limits);
+  command->footer(TellPictureLimits() +
+                  "\n\nExamples:\n"
+                  "  catalogcore classify scan.tif\n"
+                  "  catalogcore classify --json ~/Scans | jq -r 'select(.class == \"document\").file'");
   command->callback([options, &session] { Classify(session, *options); });
 }
 

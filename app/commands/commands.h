@@ -4,6 +4,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "app/picture_pool.h"
 #include "app/session.h"
 
 namespace catalogcore::app {
@@ -24,6 +25,12 @@ void AddJobs(CLI::App& command, unsigned& jobs);
 
 // What is wrong with a command line that `app` failed to parse, and where to read on.
 std::string WrongUse(const CLI::App& app, const CLI::ParseError& error);
+
+// The options --jobs, --memory and --time-limit.
+void AddPictureLimits(CLI::App& command, PictureLimits& limits);
+
+// Of the help: what is refused whatever the options say.
+std::string TellPictureLimits();
 
 }  // namespace catalogcore::app
 

@@ -15,7 +15,7 @@ namespace {
 
 struct GalleryOptions {
   std::string folder;
-  unsigned jobs = 1;
+  PictureLimits limits;
 };
 
 GalleryRequest RequestFor(const Catalog& catalog) {
@@ -38,7 +38,9 @@ void MakeGallery(Session& session, const GalleryOptions& options) {
   GalleryRequest request = RequestFor(OpenForReading(session, opened));
   opened.reset();
   request.folder = options.folder;
-  request.jobs = options.jobs;
+  PicturePool pictures(options.limits);
+  request.jobs = pictures.Jobs();
+  request.pictures = &pictures;
   request.stop = &CatchInterrupts("finishing the pictures under way; press Ctrl-C again to stop at once");
   request.progress = [&session](std::size_t done, std::size_t total, const std::string& file) {
     session.progress.Step(done, total, file);
@@ -61,10 +63,10 @@ void AddGallery(CLI::App& app, Session& session) {
   command->add_option("OUT", options->folder, "Folder for the page, made if it is not there")
       ->type_name("")
       ->required();
-  AddJobs(*command, options->jobs);
+  AddPictureLimits(*command, options->limits);
   command->footer(
-      "The page needs no server and no network. Made again, it takes the thumbnails that are still right.\n\n"
-      "Example:\n  catalogcore gallery ~/gallery && xdg-open ~/gallery/index.html");
+      "The page needs no server and no network. Made again, it takes the thumbnails that are still right.\n\n" +
+      TellPictureLimits() + "\n\nExample:\n  catalogcore gallery ~/gallery && xdg-open ~/gallery/index.html");
   command->callback([options, &session] { MakeGallery(session, *options); });
 }
 

@@ -29,7 +29,7 @@ struct SortOptions {
   bool isAgain = false;
   bool isDryRun = false;
   bool isJson = false;
-  unsigned jobs = 1;
+  PictureLimits limits;
 };
 
 class Sorter {
@@ -38,13 +38,14 @@ class Sorter {
       : session_(session),
         options_(options),
         catalog_(catalog),
+        pictures_(options.limits),
         stop_(CatchInterrupts(options.isDryRun
                                   ? "finishing the pictures under way; press Ctrl-C again to stop at once"
                                   : "finishing the pictures under way; press Ctrl-C again to stop without saving")) {}
 
   void Run() {
     const std::vector<std::string> files = Find();
-    const auto decide = [&](std::size_t i) { return DecideScene(catalog_.Calls(), files[i]); };
+    const auto decide = [&](std::size_t i) { return DecideScene(pictures_, catalog_.Calls(), files[i]); };
     const auto take = [&](std::size_t i, const Decision& decision) {
       Take(files[i], decision);
       session_.progress.Step(i + 1, files.size(), files[i]);
@@ -53,7 +54,7 @@ class Sorter {
     try {
       std::optional<IgnoredPipes> pipes;
       if (!options_.isDryRun) pipes.emplace();  // what was filed counts, whoever listens
-      notReached_ = files.size() - RunInOrder(files.size(), options_.jobs, stop_, decide, take);
+      notReached_ = files.size() - RunInOrder(files.size(), pictures_.Jobs(), stop_, decide, take);
     } catch (const CatalogError&) {
       throw;
     } catch (...) {
@@ -101,6 +102,7 @@ class Sorter {
       if (status == Status::kImageExists) return Skip("file", file, kCaseTwin);
       if (status != Status::kOk) return Skip("file", file, Message(status));
     }
+    if (!decision.warning.empty()) Warn(file, decision.warning);
     ++filed_[decision.preset];
   }
 
@@ -130,6 +132,11 @@ class Sorter {
   void Skip(const std::string& verb, const std::string& file, const std::string& reason) {
     session_.Skip("cannot " + verb + ' ' + found_.Shown(file) + ": " + reason + " (skipped)");
     skipped_.emplace_back(file, reason);
+  }
+
+  void Warn(const std::string& file, const std::string& warning) {
+    session_.progress.Say(file + ": " + warning);
+    warnings_.emplace_back(file, warning);
   }
 
   bool IsWriteDue() const {
@@ -186,6 +193,8 @@ class Sorter {
     for (const auto& [file, preset] : planned_) {
       result["files"].push_back({{"file", file}, {"preset", preset}, {"name", FindPreset(preset)->name}});
     }
+    result["warnings"] = nlohmann::ordered_json::array();
+    for (const auto& [file, warning] : warnings_) result["warnings"].push_back({{"file", file}, {"warning", warning}});
     result["interrupted"] = stop_.load();
     result["dryRun"] = options_.isDryRun;
     PrintJsonLine(result);
@@ -194,11 +203,13 @@ class Sorter {
   Session& session_;
   const SortOptions& options_;
   Catalog& catalog_;
+  PicturePool pictures_;
   const std::atomic<bool>& stop_;
   FoundFiles found_;
   std::vector<std::pair<std::string, std::int32_t>> planned_;  // by a dry run: file, preset
   std::map<std::int32_t, std::size_t> filed_;                  // how many, by preset
   std::vector<std::pair<std::string, std::string>> skipped_;
+  std::vector<std::pair<std::string, std::string>> warnings_;
   std::size_t already_ = 0;
   std::size_t notReached_ = 0;
   std::size_t unwritten_ = 0;
@@ -223,14 +234,15 @@ void AddSort(CLI::App& app, Session& session) {
   command->add_flag("--again", options->isAgain, "Decide on pictures that are in the catalogue too, and move them");
   command->add_flag("--dry-run", options->isDryRun, "Only print each file with the index that it would be filed in");
   command->add_flag("--json", options->isJson, "Print the result as one JSON object");
-  AddJobs(*command, options->jobs);
+  AddPictureLimits(*command, options->limits);
   command->footer(
       "Folders are searched with all that is below them for JPEG, PNG, TIFF, WebP and HEIF files; hidden files and\n"
       "folders, and galleries, are passed over, and so are files of other kinds, which are counted. The files\n"
       "themselves are never changed or moved. Ctrl-C ends the search and keeps what was filed; pressed a second time,\n"
       "it ends the command at once, without the pictures filed since the last write (1,000 or three minutes' worth at\n"
-      "most).\n\n"
-      "Examples:\n"
+      "most).\n\n" +
+      TellPictureLimits() +
+      "\n\nExamples:\n"
       "  catalogcore sort ~/Pictures ~/Scans\n"
       "  catalogcore sort --dry-run --json holiday/*.jpg");
   command->callback([options, &session] { Sort(session, *options); });

@@ -29,7 +29,7 @@ class GalleryRun {
         readers_(ReadersOf(request.catalogueFile)),
         folder_(request.folder),
         former_(OpenRecords(folder_, readers_)),
-        copies_(folder_),
+        copies_(folder_, request.pictures),
         records_(request.images.size()),
         failures_(request.images.size()) {}
 

@@ -23,6 +23,8 @@ namespace catalogcore::app {
 // The file that marks a folder as a gallery.
 inline constexpr char kGalleryMark[] = "catalogcore-gallery.json";
 
+class PicturePool;
+
 struct GalleryIndex {
   std::int32_t number = 0;
   std::int32_t parent = 0;  // a number; -1: top of the tree
@@ -42,7 +44,8 @@ struct GalleryRequest {
   std::filesystem::path folder;       // made if it is not there
   // The files that hold the paths of pictures are no more readable than this one. A missing file restricts nothing.
   std::filesystem::path catalogueFile;
-  unsigned jobs = 1;  // threads that make thumbnails, 1 or more
+  unsigned jobs = 1;                // threads that make thumbnails, 1 or more
+  PicturePool* pictures = nullptr;  // what decodes the pictures; null: this process does
   // After each file that had to be opened, of `total` such files. One thread at a time, not always the caller's.
   std::function<void(std::size_t done, std::size_t total, const std::string& file)> progress;
   // Becomes true: no further file is opened, and the page is written with what there is. May be null.

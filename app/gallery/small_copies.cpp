@@ -9,6 +9,8 @@
 #include <optional>
 #include <string_view>
 
+#include "app/picture_pool.h"
+
 namespace catalogcore::app {
 namespace {
 
@@ -56,14 +58,6 @@ bool IsShownByBrowsers(const fs::path& file) {
   return std::find(kShown.begin(), kShown.end(), extension) != kShown.end();
 }
 
-bool MakeCopy(const fs::path& picture, const Folder& folder, const std::string& name, int side,
-              const Readers& readers) {
-  const Folder inner = folder.Inner(FolderOf(name));
-  if (inner.FindFile(FileOf(name))) return false;
-  inner.Replace(FileOf(name), SmallCopy(picture, side), readers);
-  return true;
-}
-
 // Whether it is a file's name, in a folder of that name, that only a copy has.
 bool IsCopyFile(const std::string& folder, const std::string& file) {
   if (!file.ends_with(kCopyExtension) || !file.starts_with(folder)) return false;
@@ -91,8 +85,18 @@ bool SmallCopies::Check(const std::string& path, PictureRecord& record, const Re
   return !record.thumbnail.empty() && (record.preview || IsShownByBrowsers(path));
 }
 
+// Returns whether the copy was made.
+bool SmallCopies::MakeCopy(const std::string& picture, const Folder& folder, const std::string& name, int side,
+                           const Readers& readers) const {
+  const Folder inner = folder.Inner(FolderOf(name));
+  if (inner.FindFile(FileOf(name))) return false;
+  const std::string copy = pictures_ != nullptr ? pictures_->SmallCopy(picture, side) : SmallCopy(picture, side);
+  inner.Replace(FileOf(name), copy, readers);
+  return true;
+}
+
 bool SmallCopies::Make(const std::string& path, PictureRecord& record, const Readers& readers) const {
-  record.facts = ReadPictureFacts(path);
+  record.facts = pictures_ != nullptr ? pictures_->ReadFacts(path) : ReadPictureFacts(path);
   const std::string name = CopyName(path, record);
   const bool made = MakeCopy(path, thumbnails_, name, kThumbnailSide, readers);
   record.thumbnail = name;

@@ -13,11 +13,14 @@
 
 namespace catalogcore::app {
 
+class PicturePool;
+
 class SmallCopies {
  public:
-  // Makes the folders of the copies in the gallery's. Throws std::runtime_error.
-  explicit SmallCopies(const Folder& gallery)
-      : thumbnails_(gallery.Inner("thumbs")), previews_(gallery.Inner("previews")) {}
+  // Makes the folders of the copies in the gallery's. `pictures` decodes; null: this process does. Throws
+  // std::runtime_error.
+  SmallCopies(const Folder& gallery, PicturePool* pictures)
+      : thumbnails_(gallery.Inner("thumbs")), previews_(gallery.Inner("previews")), pictures_(pictures) {}
 
   // Takes copies that are not there (any more) out of the record, and those that are from whoever is not among the
   // picture's readers. Returns whether it has all that the picture needs.
@@ -32,8 +35,12 @@ class SmallCopies {
   void RemoveOthers(const std::set<std::string>& thumbnails, const std::set<std::string>& previews) const;
 
  private:
+  bool MakeCopy(const std::string& picture, const Folder& folder, const std::string& name, int side,
+                const Readers& readers) const;
+
   Folder thumbnails_;
   Folder previews_;
+  PicturePool* pictures_;
 };
 
 }  // namespace catalogcore::app
