@@ -29,14 +29,14 @@ _catalogcore() {
       mapfile -t COMPREPLY < <(compgen -W "json csv" -- "$current")
       return
       ;;
-    --jobs | --files-from) return ;;  # readline completes files
+    --jobs | --memory | --time-limit | --files-from) return ;;  # readline completes files
   esac
 
   local options
   case $command in
     "") options="$commands --version" ;;
-    sort) options="--again --dry-run --json --jobs" ;;
-    classify) options="--json --jobs" ;;
+    sort) options="--again --dry-run --json --jobs --memory --time-limit" ;;
+    classify) options="--json --jobs --memory --time-limit" ;;
     ls) options="--folder --json" ;;
     tree) options="--json" ;;
     index) options="add rename rm protect" ;;
@@ -47,7 +47,7 @@ _catalogcore() {
     "index protect") options="--no-move --no-remove --no-rename --none" ;;
     protect) options="--no-move --no-remove --none --files-from --null" ;;
     check) options="--forget --json" ;;
-    gallery) options="--jobs" ;;
+    gallery) options="--jobs --memory --time-limit" ;;
     help) options="$commands" ;;
     export) options="--format" ;;
   esac

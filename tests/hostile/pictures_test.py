@@ -1,0 +1,182 @@
+"""Pictures made to cost much, and workers that die: pictures_test.py CATALOGCORE SANITIZED [unittest arguments]"""
+import json
+import os
+import pathlib
+import shutil
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import zlib
+
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "app"))
+import pictures
+
+COMMAND, SANITIZED = sys.argv[1], sys.argv[2] not in ("", "0", "OFF")
+
+
+def tiff(width, height, samples, rows=1):
+    """Floating-point samples, every strip the same bytes."""
+    strip = zlib.compress(bytes(width * samples * 4 * rows), 9)
+    count = height // rows
+    fields, behind = [], b""
+    start = 8 + len(strip) + len(strip) % 2
+    for tag, kind, values in ((256, "I", [width]), (257, "I", [height]), (258, "H", [32] * samples), (259, "H", [8]),
+                              (262, "H", [2 if samples == 3 else 1]), (273, "I", [8] * count), (277, "H", [samples]),
+                              (278, "I", [rows]), (279, "I", [len(strip)] * count), (284, "H", [1]),
+                              (339, "H", [3] * samples)):
+        data = struct.pack(f"<{len(values)}{kind}", *values)
+        if len(data) > 4:
+            place = start + 2 + 11 * 12 + 4 + len(behind)
+            behind += data
+            data = struct.pack("<I", place)
+        fields.append(struct.pack("<HHI", tag, 3 if kind == "H" else 4, len(values)) + data.ljust(4, b"\0"))
+    header = b"II*\0" + struct.pack("<I", start) + strip + b"\0" * (len(strip) % 2)
+    return header + struct.pack("<H", 11) + b"".join(fields) + bytes(4) + behind
+
+
+def interlaced_png(side):
+    return (b"\x89PNG\r\n\x1a\n" + pictures._chunk(b"IHDR", struct.pack(">IIBBBBB", side, side, 16, 6, 0, 0, 1)) +
+            pictures._chunk(b"IDAT", zlib.compress(b"")) + pictures._chunk(b"IEND", b""))
+
+
+def jpeg(side, scans):
+    """A plain grey picture in a scan of its brightness and `scans` - 1 further ones, each legal and empty."""
+    def segment(marker, data):
+        return bytes([0xFF, marker]) + struct.pack(">H", len(data) + 2) + data
+
+    def entropy(bits):
+        return int(bits + "1" * (-len(bits) % 8), 2).to_bytes((len(bits) + 7) // 8, "big").replace(b"\xFF", b"\xFF\0")
+
+    blocks = (side // 8) ** 2
+    one_code = bytes([1] + [0] * 15)
+    out = [b"\xFF\xD8", segment(0xDB, b"\0" + b"\x10" * 64), segment(0xC4, b"\0" + one_code + b"\0"),
+           segment(0xC4, b"\x10" + one_code + b"\xE0"), segment(0xC2, struct.pack(">BHHB", 8, side, side, 1) + b"\1\x11\0"),
+           segment(0xDA, b"\1\1\0\0\0\x0D"), bytes(-(-blocks // 8))]
+    empty = entropy("011111111111111" * -(-blocks // 32767))
+    steps = [(at, low) for low in range(13, -1, -1) for at in range(1, 64)]
+    for at, low in steps[:scans - 1]:
+        out += [segment(0xDA, bytes([1, 1, 0, at, at, (0 if low == 13 else low + 1) << 4 | low])), empty]
+    return b"".join(out) + b"\xFF\xD9"
+
+
+SLOW = jpeg(16000, 100)  # about 20 s where nobody hurries
+
+
+def workers(process):
+    """The processes that a process has started, from any of its threads."""
+    children = pathlib.Path(f"/proc/{process.pid}/task").glob("*/children")
+    return [int(child) for file in children for child in file.read_text().split()]
+
+
+def processor_seconds(stat):
+    fields = stat.read_text().rsplit(")", 1)[1].split()
+    if fields[0] in "ZX":
+        raise OSError("it has ended")
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+class PicturesTest(unittest.TestCase):
+    def setUp(self):
+        self.root = pathlib.Path(tempfile.mkdtemp()).resolve()
+        self.addCleanup(shutil.rmtree, self.root)
+
+    def start(self, files, *arguments, command="classify"):
+        for name, content in files.items():
+            (self.root / name).write_bytes(content)
+        return subprocess.Popen([COMMAND, "--catalog", self.root / "catalog", command, *arguments,
+                                 *(self.root / name for name in files)],
+                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+
+    def finish(self, process, status):
+        out, err = process.communicate()
+        self.assertEqual(process.returncode, status, (out, err))
+        return out, err
+
+    def busy_worker(self, process, other_than=0):
+        """A worker that has begun to decode SLOW, told by its memory."""
+        for _ in range(6000):
+            for worker in workers(process):
+                try:
+                    pages = int(pathlib.Path(f"/proc/{worker}/statm").read_text().split()[1])
+                except OSError:
+                    continue
+                if worker != other_than and pages * os.sysconf("SC_PAGESIZE") > 400 << 20:
+                    return worker
+            time.sleep(0.01)
+        self.fail("no worker decodes")
+
+    def test_headers_beyond_the_limits_are_refused_before_pixels_are_decoded(self):
+        files = {"bands.tif": tiff(1, 1, 5000), "float.tif": tiff(32768, 32768, 3, 16),
+                 "interlaced.png": interlaced_png(16384), "scans.jpg": jpeg(64, 101), "whole.jpg": jpeg(64, 100)}
+        out, err = self.finish(self.start(files), 1)
+        for name, reason in (("bands.tif", "the image has 5000 samples a pixel, at most 5 can be decoded"),
+                             ("float.tif", "the image is too large: 12288 MB to decode, at most 2048 MB can be"),
+                             ("interlaced.png", "the image is too large: 2048 MB to hold at once, at most 1024 MB can be"),
+                             ("scans.jpg", "the image has more than 100 passes")):
+            self.assertIn(f"catalogcore: cannot read {self.root / name}: {reason} (skipped)\n", err)
+        self.assertEqual(err.count("\n"), 4)
+        self.assertIn("whole.jpg: ", out)
+
+    @unittest.skipIf(SANITIZED, "sanitizers map too much for a limit of memory")
+    def test_memory_is_shared_and_lent_to_one_that_needs_all_of_it(self):
+        files = {"large.jpg": jpeg(14400, 1)}  # 395 MB of coefficients
+        self.finish(self.start(files, "--jobs", "4", "--memory", "1024"), 0)
+        measured = ("import resource, subprocess, sys; done = subprocess.run(sys.argv[1:], stderr=2);"
+                    "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss); sys.exit(done.returncode)")
+        process = subprocess.run([sys.executable, "-c", measured, COMMAND, "classify", "--memory", "256",
+                                  self.root / "large.jpg"], capture_output=True, text=True)
+        self.assertEqual(process.returncode, 1, process.stderr)
+        self.assertIn("decoding needed more than 256 MB of memory (skipped)", process.stderr)
+        self.assertLess(int(process.stdout), 350 << 10)
+
+    def test_a_picture_that_takes_too_long_is_skipped_and_the_next_one_is_not(self):
+        out, err = self.finish(self.start({"a.jpg": SLOW, "b.jpg": jpeg(64, 1)}, "--time-limit", "2", "--jobs", "1"), 1)
+        self.assertIn("a.jpg: decoding took longer than 2 s (skipped)", err)
+        self.assertIn("b.jpg: ", out)
+
+    def test_a_worker_that_dies_twice_costs_its_picture_only(self):
+        process = self.start({"a.jpg": SLOW, "b.jpg": jpeg(64, 1)}, "--jobs", "1", "--time-limit", "600")
+        first = self.busy_worker(process)
+        os.kill(first, signal.SIGSEGV)
+        os.kill(self.busy_worker(process, first), signal.SIGSEGV)
+        out, err = self.finish(process, 1)
+        self.assertIn("a.jpg: the decoder crashed (" + ("status" if SANITIZED else "Segmentation fault"), err)
+        self.assertIn("b.jpg: ", out)
+
+    def test_workers_end_with_the_command_and_hold_none_of_its_files(self):
+        process = self.start({"a.jpg": SLOW}, "--jobs", "1", "--time-limit", "600", command="sort")
+        worker = self.busy_worker(process)
+        for file in pathlib.Path(f"/proc/{worker}/fd").iterdir():
+            self.assertNotIn(str(self.root / "catalog"), os.readlink(file))
+        os.kill(worker, signal.SIGINT)
+        os.kill(worker, signal.SIGTERM)
+        self.assertEqual(self.busy_worker(process), worker)
+        process.kill()
+        process.communicate()
+        stat = pathlib.Path(f"/proc/{worker}/stat")
+        try:
+            begin = now = processor_seconds(stat)
+            while now - begin < 4:  # of the 10 and more that the picture takes
+                time.sleep(0.1)
+                now = processor_seconds(stat)
+        except OSError:
+            return
+        os.kill(worker, signal.SIGKILL)
+        self.fail("the worker outlives the command")
+
+    def test_a_jpeg_file_without_its_end_is_filed_with_a_warning(self):
+        files = {"cut.jpg": jpeg(64, 3)[:-4], "stub.jpg": jpeg(64, 1)[:-6]}
+        out, err = self.finish(self.start(files, "--json", command="sort"), 1)
+        self.assertIn(f"catalogcore: {self.root / 'cut.jpg'}: the image is cut short: its end is missing\n", err)
+        self.assertIn("stub.jpg: the image is cut short (skipped)", err)
+        result = json.loads(out)
+        self.assertEqual(result["filed"], 1)
+        self.assertEqual([warning["file"] for warning in result["warnings"]], [str(self.root / "cut.jpg")])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *sys.argv[3:]])
