@@ -65,6 +65,10 @@ void CopyAndReduce(const cv::Mat& picture, const cv::Mat& curve) {
 
 }  // namespace
 
+}  // namespace catalogcore
+
+using namespace catalogcore;
+
 int main(int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') {
     std::fprintf(stderr, "usage: catalogcore_detect_bench RATIOS.json [--benchmark_filter=REGEX ...]\n");
@@ -83,5 +87,3 @@ int main(int argc, char** argv) {
   std::vector<Ratio> results;
   return RunRows(argc - 1, argv + 1, file, results);
 }
-
-}  // namespace catalogcore

@@ -10,7 +10,7 @@
 #include "bench/support/plot.h"
 #include "bench/support/ratios.h"
 
-namespace catalogcore {
+using namespace catalogcore;
 
 int main(int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') {
@@ -35,5 +35,3 @@ int main(int argc, char** argv) {
   std::fprintf(stderr, "catalogcore_bench: cannot write %s\n", plot.c_str());
   return 1;
 }
-
-}  // namespace catalogcore

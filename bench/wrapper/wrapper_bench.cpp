@@ -136,6 +136,10 @@ void AddRows(Catalog& catalog, const std::vector<std::string>& paths) {
 
 }  // namespace
 
+}  // namespace catalogcore
+
+using namespace catalogcore;
+
 int main(int argc, char** argv) {
   if (argc < 2 || argv[1][0] == '-') {
     std::fprintf(stderr, "usage: catalogcore_wrapper_bench RATIOS.json [--benchmark_filter=REGEX ...]\n");
@@ -149,5 +153,3 @@ int main(int argc, char** argv) {
   std::vector<Ratio> results;
   return RunRows(argc - 1, argv + 1, file, results);
 }
-
-}  // namespace catalogcore

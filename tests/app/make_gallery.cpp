@@ -7,7 +7,7 @@
 #include "app/gallery/gallery.h"
 #include "app/picture.h"
 
-namespace catalogcore {
+using namespace catalogcore;
 
 int main(int, char** arguments) try {
   using namespace catalogcore::app;
@@ -36,5 +36,3 @@ int main(int, char** arguments) try {
   std::fprintf(stderr, "make_gallery: %s\n", error.what());
   return 1;
 }
-
-}  // namespace catalogcore

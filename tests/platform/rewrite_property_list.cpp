@@ -5,8 +5,6 @@
 #include <iterator>
 #include <string>
 
-namespace catalogcore {
-
 int main(int count, char** arguments) {
   if (count != 3) return 2;
   std::ifstream from(arguments[1], std::ios::binary);
@@ -24,5 +22,3 @@ int main(int count, char** arguments) {
   CFRelease(read);
   return isDone ? 0 : 1;
 }
-
-}  // namespace catalogcore
