@@ -38,6 +38,10 @@ void* HandOut() {
 
 }  // namespace
 
+}  // namespace catalogcore
+
+using namespace catalogcore;
+
 std::int32_t DocumentTypeRecognize(std::int32_t reserved, const char* caller, const unsigned char* record,
                                    const void* pixels, unsigned char* result, std::uint32_t paramSize,
                                    const void* paramData) {
@@ -93,5 +97,3 @@ void OrloFree(void* memory) {
   fakeEngines.blocksHeld -= memory ? 1 : 0;
   std::free(memory);
 }
-
-}  // namespace catalogcore
