@@ -15,8 +15,6 @@
 #include "scene/orlo.h"
 #include "scene/tone_curve.h"
 
-namespace catalogcore {
-
 // The result word that is left as it is says photograph: so the search for faces, which gets a copy of all pixels, is
 // reached as well.
 std::int32_t DocumentTypeRecognize(std::int32_t, const char*, const unsigned char*, const void*, unsigned char*,
@@ -30,6 +28,8 @@ std::int32_t Orlo_SetBitmap(OrloContext*, std::int32_t, std::int32_t, std::int32
 std::int32_t Orlo_DetectFacePosition(OrloContext*, OrloFaceList*) { return 0; }
 std::int32_t Orlo_Uninitialize() { return 0; }
 void OrloFree(void*) {}
+
+namespace catalogcore {
 
 namespace {
 
