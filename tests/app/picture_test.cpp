@@ -217,7 +217,7 @@ TEST_F(PictureTest, WhatIsNoWholePictureIsRefusedWithItsReason) {
        {Written("short.jpg", "\xFF\xD8\xFF"), "not an image file"},
        {Written("text.jpg", "once upon a time"), "not an image file"},
        {Written("svg.jpg", "<svg xmlns='http://www.w3.org/2000/svg'/>"), "not an image file"},
-       {Saved(image, "a.gif"), "not an image file"},
+       {Saved(image, "a.gif"), "GIF is not a supported format"},
        {Saved(image, "a.ppm"), "not an image file"},
        {folder_, "a folder"},
        {folder_ / "missing.jpg", "No such file or directory"},
