@@ -58,7 +58,7 @@ for file in pathlib.Path(output, "xml").glob("*.xml"):
                 owner = name + "::" if member.get("strong") == "yes" else ""
                 documented[prefix + owner + value.findtext("name")] |= is_documented(value)
 
-for name in re.findall(r"\b(IDX\w+);", (project / "cmake" / "catalogcore.map").read_text()):
+for name in re.findall(r"\b(IDX\w+);", (project / "src" / "catalogcore.map").read_text()):
     documented[name] |= False  # also one that was not found
 missing = sorted(name for name, is_there in documented.items() if not is_there)
 print(f"{len(documented) - len(missing)} of {len(documented)} public names are documented")

@@ -57,7 +57,7 @@ class HeaderTest(unittest.TestCase):
         for name, (result, arguments) in calls.items():
             lines.append(f"{names[result]} {name}({', '.join(names[type] for type in arguments) or 'void'});")
         subprocess.run([COMPILER, "-std=c11", "-Werror", "-fsyntax-only", "-I", PROJECT / "include", "-I",
-                        PROJECT / "platform/corefoundation/include", "-xc", "-"], input="\n".join(lines), text=True,
+                        PROJECT / "src/platform/corefoundation/include", "-xc", "-"], input="\n".join(lines), text=True,
                        check=True)
         exported = re.findall(r"\b(IDX\w+);", (PROJECT / "cmake" / "catalogcore.map").read_text())
         self.assertEqual(sorted(calls), sorted(exported))
