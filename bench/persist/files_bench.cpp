@@ -11,7 +11,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "base/cf_reference.h"
+#include "base/owners.h"
 #include "bench/persist/picture_folder.h"
 #include "bench/support/ratios.h"
 #include "catalogcore.h"

@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-#include "base/cf_reference.h"
+#include "base/owners.h"
 #include "fuzz/support/fuzzer.h"
 #include "platform/corefoundation/data_object.h"
 #include "platform/corefoundation/dictionary_object.h"

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "api/catalogue.h"
-#include "store/search_handle.h"
+#include "store/walks.h"
 
 // What the application's handle points to: the store's record under a name that no application has.
 struct IDXFINDHANDLE : catalogcore::SearchHandle {};

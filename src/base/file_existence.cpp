@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <string_view>
 
-#include "base/cf_reference.h"
+#include "base/owners.h"
 #include "platform/corefoundation/utf8.h"
 
 namespace catalogcore {

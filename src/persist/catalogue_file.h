@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string_view>
 
-#include "base/cf_reference.h"
 #include "base/idx_buffer.h"
+#include "base/owners.h"
 #include "catalogcore.h"
 
 namespace catalogcore {

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <string_view>
 
-#include "base/cf_reference.h"
+#include "base/owners.h"
 #include "persist/property_value.h"
 #include "persist/replace_file.h"
 

@@ -2,7 +2,7 @@
 #ifndef CATALOGCORE_PERSIST_PROPERTY_VALUE_H_
 #define CATALOGCORE_PERSIST_PROPERTY_VALUE_H_
 
-#include "base/cf_reference.h"
+#include "base/owners.h"
 
 namespace catalogcore {
 

@@ -7,8 +7,8 @@
 #include <cstring>
 #include <memory>
 
-#include "base/cf_reference.h"
 #include "base/heap_block.h"
+#include "base/owners.h"
 
 namespace catalogcore {
 

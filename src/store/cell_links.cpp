@@ -2,8 +2,8 @@
 #include <memory>
 #include <new>
 
+#include "store/cell_order.h"
 #include "store/index_data.h"
-#include "store/pre_order.h"
 
 namespace catalogcore {
 

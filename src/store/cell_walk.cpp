@@ -1,7 +1,7 @@
 #include <cstring>
 
+#include "store/cell_order.h"
 #include "store/index_data.h"
-#include "store/pre_order.h"
 
 namespace catalogcore {
 

@@ -15,7 +15,7 @@
 //   group in the order of filing. A folder cell's skip list holds one marker for each group, in the same order, which
 //   names the group's first image. Index cells have no skip list. Once an index cell was moved, or where the index tree
 //   has no root, the groups may be out of order, and one index may have several, which may stand side by side; still the
-//   images from one marker to the next are of one index. `skipRuns` belongs to the skip list (skip_list.cpp).
+//   images from one marker to the next are of one index. `skipRuns` belongs to the skip list (folder_groups.cpp).
 // - The key tables: an entry stands in the key table of images, or of its tree's cells, exactly while it stands in its
 //   hash chain. Entries with equal keys, of which there may be several without a root alone, follow one another there
 //   in the order of their chain, so that both give the same first one. `tableNext` and

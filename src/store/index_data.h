@@ -12,7 +12,7 @@
 #include "store/key_table.h"
 #include "store/open_finds.h"
 #include "store/result_codes.h"
-#include "store/search_handle.h"
+#include "store/walks.h"
 
 namespace catalogcore {
 

@@ -19,7 +19,7 @@
 
 #include "store/entries.h"
 #include "store/hash_chain.h"
-#include "store/search_handle.h"
+#include "store/walks.h"
 
 namespace catalogcore {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "base/cf_reference.h"
+#include "base/owners.h"
 #include "catalogcore.h"
 
 namespace catalogcore {

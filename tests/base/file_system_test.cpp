@@ -8,7 +8,7 @@
 #include <string>
 
 #include "base/clock.h"
-#include "base/desktop_folder.h"
+#include "base/platform_shims.h"
 
 namespace catalogcore {
 

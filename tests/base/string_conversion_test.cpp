@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "base/cf_reference.h"
+#include "base/owners.h"
 
 namespace catalogcore {
 

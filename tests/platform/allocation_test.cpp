@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "base/cf_reference.h"
+#include "base/owners.h"
 #include "tests/platform/property_list_samples.h"
 #include "tests/support/failing_allocator.h"
 

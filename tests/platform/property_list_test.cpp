@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-#include "base/cf_reference.h"
+#include "base/owners.h"
 #include "tests/platform/property_list_samples.h"
 
 namespace catalogcore {

@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "store/pre_order.h"
+#include "store/cell_order.h"
 #include "tests/support/store_inspector.h"
 
 namespace catalogcore {

@@ -3,8 +3,9 @@
 // Every image stands in a hash chain, and every cell in one or among the moved cells, wherever a move of
 // cells or a root that could not be made has left them: so the chains, not the trees, tell what there is to
 // delete. What was removed and waits for open finds is deleted with these.
-#include "catalogcore.h"
 #include "store/index_data.h"
+
+#include "catalogcore.h"
 
 namespace catalogcore {
 

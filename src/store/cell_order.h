@@ -1,6 +1,6 @@
 // The one pre-order walk over cells.
-#ifndef CATALOGCORE_STORE_PRE_ORDER_H_
-#define CATALOGCORE_STORE_PRE_ORDER_H_
+#ifndef CATALOGCORE_STORE_CELL_ORDER_H_
+#define CATALOGCORE_STORE_CELL_ORDER_H_
 
 #include "store/entries.h"
 
@@ -19,4 +19,4 @@ inline CIDXCell* NextInPreOrder(const CIDXCell* start, CIDXCell* current) {
 
 }  // namespace catalogcore
 
-#endif  // CATALOGCORE_STORE_PRE_ORDER_H_
+#endif  // CATALOGCORE_STORE_CELL_ORDER_H_

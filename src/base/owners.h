@@ -1,6 +1,6 @@
 // Owns one reference to a CoreFoundation object.
-#ifndef CATALOGCORE_BASE_CF_REFERENCE_H_
-#define CATALOGCORE_BASE_CF_REFERENCE_H_
+#ifndef CATALOGCORE_BASE_OWNERS_H_
+#define CATALOGCORE_BASE_OWNERS_H_
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -19,4 +19,4 @@ using CFReference = std::unique_ptr<std::remove_pointer_t<Ref>, CFReleaser>;
 
 }  // namespace catalogcore
 
-#endif  // CATALOGCORE_BASE_CF_REFERENCE_H_
+#endif  // CATALOGCORE_BASE_OWNERS_H_

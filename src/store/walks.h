@@ -1,6 +1,6 @@
 // The state of one walk over cells or images.
-#ifndef CATALOGCORE_STORE_SEARCH_HANDLE_H_
-#define CATALOGCORE_STORE_SEARCH_HANDLE_H_
+#ifndef CATALOGCORE_STORE_WALKS_H_
+#define CATALOGCORE_STORE_WALKS_H_
 
 #include <cstdint>
 #include <type_traits>
@@ -29,4 +29,4 @@ static_assert(std::is_trivial_v<SearchHandle>, "callers allocate handles as bloc
 
 }  // namespace catalogcore
 
-#endif  // CATALOGCORE_STORE_SEARCH_HANDLE_H_
+#endif  // CATALOGCORE_STORE_WALKS_H_

@@ -1,6 +1,6 @@
 // The user's desktop folder.
-#ifndef CATALOGCORE_BASE_DESKTOP_FOLDER_H_
-#define CATALOGCORE_BASE_DESKTOP_FOLDER_H_
+#ifndef CATALOGCORE_BASE_PLATFORM_SHIMS_H_
+#define CATALOGCORE_BASE_PLATFORM_SHIMS_H_
 
 #include <string>
 
@@ -23,4 +23,4 @@ void WriteDesktopFolder(const std::string& folder, char* out);
 
 }  // namespace catalogcore
 
-#endif  // CATALOGCORE_BASE_DESKTOP_FOLDER_H_
+#endif  // CATALOGCORE_BASE_PLATFORM_SHIMS_H_

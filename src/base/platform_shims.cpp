@@ -1,4 +1,4 @@
-#include "base/desktop_folder.h"
+#include "base/platform_shims.h"
 
 #include <pwd.h>
 #include <unistd.h>
@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "base/cf_reference.h"
 #include "base/file_existence.h"
+#include "base/owners.h"
 
 namespace catalogcore {
 
