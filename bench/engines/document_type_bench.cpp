@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <vector>
 
-#include "base/heap_block.h"
+#include "base/owners.h"
 #include "bench/engines/engines_bench.h"
 #include "bench/support/ratios.h"
 #include "scene/brenn.h"

@@ -2,9 +2,8 @@
 #ifndef CATALOGCORE_API_CATALOGUE_H_
 #define CATALOGCORE_API_CATALOGUE_H_
 
-#include "base/exception_guard.h"
+#include "base/critical_region.h"
 #include "base/idx_string.h"
-#include "base/region_guard.h"
 #include "catalogcore.h"
 #include "store/index_data.h"
 

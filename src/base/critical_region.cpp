@@ -16,7 +16,7 @@ class CriticalRegion {
   }
 
   bool Leave() {
-    // Only the thread itself can have stored its own number, so no order is needed to compare it.
+    // Only the calling thread can have stored its own id, so the comparison needs no memory order.
     if (holder_.load(std::memory_order_relaxed) != std::this_thread::get_id()) return false;
     if (--depth_ == 0) holder_.store({}, std::memory_order_relaxed);
     mutex_.unlock();
@@ -50,7 +50,7 @@ void DeleteCriticalSectionAPI(MPCriticalRegionID* region) {
   if (!region || !*region) return;
   (*region)->Enter();
   while ((*region)->Leave()) {
-    // As often as the calling thread had entered.
+    // Leaves as often as the calling thread entered.
   }
   delete *region;
   *region = nullptr;

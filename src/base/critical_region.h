@@ -1,34 +1,63 @@
-// The library's one lock: a region that one thread at a time holds.
+// The library's lock, and the two guards that wrap every exported call: one holds the lock, one stops exceptions.
 #ifndef CATALOGCORE_BASE_CRITICAL_REGION_H_
 #define CATALOGCORE_BASE_CRITICAL_REGION_H_
 
 #include <CoreFoundation/CoreFoundation.h>
+
+#include <new>
+
+#include "catalogcore.h"
 
 namespace catalogcore {
 
 class CriticalRegion;
 using MPCriticalRegionID = CriticalRegion*;
 
-// Results of the calls below, as Multiprocessing Services numbers them.
+// Results of the functions below, with the numbers of Multiprocessing Services.
 inline constexpr OSStatus kMPNoError = 0;
 inline constexpr OSStatus kMPInsufficientResources = -29298;
 inline constexpr OSStatus kMPInvalidID = -29299;
 
-// Each call takes a pointer to the field in which the owner keeps its region. A null pointer does nothing and
-// gives kMPNoError; a field that holds no region gives kMPInvalidID.
+// A critical region is a recursive mutex: one thread at a time holds the region, the holder may enter again, and must
+// leave as often as it entered. Each function takes a pointer to the owner's field. Enter, leave and delete do nothing for
+// a null pointer (kMPNoError) and for a field that is null (kMPInvalidID).
 
-// Makes a region into the field; the pointer must not be null. Without memory the field is null afterwards.
+// Creates a region in the field; the pointer must not be null. On allocation failure the field becomes null.
 OSStatus InitializeCriticalSectionAPI(MPCriticalRegionID* region);
 
-// Waits, without limit, until the calling thread holds the region. A holder may enter again, and leaves as
-// often.
+// Waits without limit until the calling thread holds the region.
 OSStatus EnterCriticalSectionAPI(MPCriticalRegionID* region);
 
-// Leaves the region. A thread that does not hold it changes nothing and gets kMPInvalidID.
+// Leaves the region. Returns kMPInvalidID and changes nothing if the calling thread does not hold the region.
 OSStatus LeaveCriticalSectionAPI(MPCriticalRegionID* region);
 
-// Waits until no other thread holds the region, deletes it and clears the field. No thread may be on its way in.
+// Waits until no other thread holds the region, deletes the region and sets the field to null. No other thread may enter
+// from the start of this call on.
 void DeleteCriticalSectionAPI(MPCriticalRegionID* region);
+
+// Holds a critical region during a scope.
+class RegionGuard {
+ public:
+  explicit RegionGuard(MPCriticalRegionID* region) : region_(region) { EnterCriticalSectionAPI(region_); }
+  ~RegionGuard() { LeaveCriticalSectionAPI(region_); }
+  RegionGuard(const RegionGuard&) = delete;
+  RegionGuard& operator=(const RegionGuard&) = delete;
+
+ private:
+  MPCriticalRegionID* const region_;
+};
+
+// Returns what `call` returns; IDXERR_MEMORY if it throws std::bad_alloc, IDXERR_FAILED for any other exception.
+template <typename Call>
+IDXSTATUS WithoutExceptions(Call call) noexcept {
+  try {
+    return call();
+  } catch (const std::bad_alloc&) {
+    return IDXERR_MEMORY;
+  } catch (...) {
+    return IDXERR_FAILED;
+  }
+}
 
 }  // namespace catalogcore
 

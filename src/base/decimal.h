@@ -1,4 +1,4 @@
-// Decimal numbers in keys and records, as atoi reads them.
+// Parses decimal numbers in keys and records, with the rules of atoi.
 #ifndef CATALOGCORE_BASE_DECIMAL_H_
 #define CATALOGCORE_BASE_DECIMAL_H_
 
@@ -9,8 +9,8 @@
 
 namespace catalogcore {
 
-// Leading blanks are skipped, a sign may follow, digits are read as far as they go; 0 without any. Numbers beyond 32
-// bits become the nearest that there is.
+// Skips leading white space, accepts a sign and reads digits up to the first other character; 0 without digits. Numbers
+// outside 32 bits are clamped to the nearest 32-bit number.
 inline std::int32_t DecimalValue(const char* text) {
   const long long value = std::strtoll(text, nullptr, 10);
   return static_cast<std::int32_t>(

@@ -13,7 +13,7 @@ namespace catalogcore {
 
 bool IsUtf8(const char* text) {
   std::string_view rest(text);
-  if (std::all_of(rest.begin(), rest.end(), [](char c) { return (c & 0x80) == 0; })) return true;  // mostly
+  if (std::all_of(rest.begin(), rest.end(), [](char c) { return (c & 0x80) == 0; })) return true;  // the usual case
   while (!rest.empty()) {
     const std::size_t bytes = catalogcore::cf::CharacterBytes(rest);
     if (bytes == 0) return false;
@@ -23,7 +23,7 @@ bool IsUtf8(const char* text) {
 }
 
 int IsFileExistAPI(const char* path) {
-  // From the root on, the system takes the path as it stands.
+  // An absolute path needs no URL.
   if (path && *path == '/') return IsUtf8(path) && access(path, F_OK) == 0 ? 1 : 0;
   const CFReference<CFStringRef> text(CFStringCreateWithCString(kCFAllocatorDefault, path, kCFStringEncodingUTF8));
   if (!text) return 0;

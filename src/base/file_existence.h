@@ -1,14 +1,15 @@
-// Whether a path names something.
+// Tests whether a path names an existing file or folder.
 #ifndef CATALOGCORE_BASE_FILE_EXISTENCE_H_
 #define CATALOGCORE_BASE_FILE_EXISTENCE_H_
 
 namespace catalogcore {
 
-// 1 when the UTF-8 path names an existing file or folder (a symbolic link counts as what it leads to), else
-// 0: also for null, for text that is not UTF-8, and where a folder on the way may not be searched.
+// Returns 1 if the UTF-8 path names an existing file or folder; symbolic links are followed. Returns 0 otherwise, also for
+// null, for text that is not valid UTF-8, and if a folder of the path may not be searched.
 int IsFileExistAPI(const char* path);
 
-// Whether the text is UTF-8. Needs no memory, so that no image of a full path is taken for missing for want of it.
+// Returns whether the text is valid UTF-8. Allocates nothing, so that an allocation failure never makes an existing file
+// appear missing.
 bool IsUtf8(const char* text);
 
 }  // namespace catalogcore

@@ -5,8 +5,6 @@
 #include <cstring>
 
 #include "base/text_hash.h"
-#include "base/text_size.h"
-#include "base/text_word.h"
 
 namespace catalogcore {
 
@@ -67,9 +65,9 @@ std::int32_t CIDXString::CatString(const char* text) {
 std::int32_t CIDXString::TrimMid(int first, int last) {
   const auto isInside = [this](int position) { return position >= 0 && position < length; };
   if (!isInside(first) || !isInside(last) || first > last) return 0;
-  const auto tail = static_cast<std::size_t>(length - last);  // its terminator included
+  const auto tail = static_cast<std::size_t>(length - last);  // includes the terminator
   std::memmove(buffer + first, buffer + last + 1, tail);
-  // Zeros take the place of what was moved, so that nothing of the old tail shows when an append leaves no terminator.
+  // Clears the old end, which an append without a terminator would otherwise make visible again.
   std::memset(buffer + first + tail, 0, static_cast<std::size_t>(last - first));
   length = TextSize(buffer);
   return length;
@@ -131,5 +129,15 @@ bool CIDXString::operator==(const CIDXString& other) const {
 }
 
 std::uint32_t CIDXString::GetHashKey() const { return ExactHash(Text(), std::strlen(Text())) % kBucketCount; }
+
+std::int32_t CIDXBuffer::CatBuffer(const char* text, int count) {
+  if (!text || count < -1) return -1;
+  if (count == -1) count = CheckedAdd(TextSize(text), 1);
+  const std::int32_t size = CheckedAdd(length, count);
+  if (!AllocBuffer(size)) return -1;
+  std::memcpy(buffer + length, text, static_cast<std::size_t>(count));
+  length = size - 1;
+  return length;
+}
 
 }  // namespace catalogcore

@@ -3,9 +3,12 @@
 #include <pwd.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <string_view>
+#include <thread>
 #include <vector>
 
 #include "base/file_existence.h"
@@ -15,7 +18,8 @@ namespace catalogcore {
 
 namespace {
 
-// From the account data base, since nothing is read from the environment. Empty when the account is unknown.
+// Reads the account database, because the library does not read the environment. Returns an empty text for an unknown
+// account.
 std::string HomeFolder() {
   constexpr std::size_t kEnoughForAnEntry = 16384;
   std::vector<char> text(kEnoughForAnEntry);
@@ -59,5 +63,17 @@ void GetTempFilePath(char* out) {
   const std::string home = HomeFolder();
   if (!home.empty()) WriteDesktopFolder(DesktopFolderOf(home), out);
 }
+
+double GetTime() {
+  using std::chrono::microseconds;
+  const auto now = std::chrono::system_clock::now().time_since_epoch();
+  return static_cast<double>(std::chrono::duration_cast<microseconds>(now).count()) * 0.000001;
+}
+
+void SleepFunction(std::int32_t) { std::this_thread::sleep_for(std::chrono::seconds(1)); }
+
+void* GlobalLockAPI(void* block) { return block; }
+
+void GlobalFreeAPI(void* block) { std::free(block); }
 
 }  // namespace catalogcore

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "base/heap_block.h"
+#include "base/owners.h"
 
 namespace catalogcore {
 

@@ -1,4 +1,4 @@
-// Text from the application's strings into the library's, and back.
+// Converts between the application's strings (IDXSTR) and the library's (CIDXString).
 #ifndef CATALOGCORE_BASE_STRING_CONVERSION_H_
 #define CATALOGCORE_BASE_STRING_CONVERSION_H_
 
@@ -9,14 +9,15 @@
 
 namespace catalogcore {
 
-// Reads the application's string into `target`, up to its first zero character. Returns IDX_OK;
-// IDXERR_FAILED, with `target` unchanged, when there is no string, it cannot be converted, or there is no
-// memory to do so; IDXERR_MEMORY when the text is empty (`target` then holds the empty text) or `target`
-// could not take it.
+// Copies the application's string into `target`, up to the first zero character. Returns
+// - IDX_OK;
+// - IDXERR_FAILED, with `target` unchanged, if the string is missing or cannot be converted, or if the allocation for the
+//   conversion fails;
+// - IDXERR_MEMORY if the text is empty (`target` then holds the empty text) or if `target` cannot allocate its copy.
 std::int32_t CopyIDXSTRtoCIDXString(CIDXString& target, IDXSTR source);
 
-// Hands a new string out to the application, which releases it; what the variable held before is not
-// released. When no string can be made of the text, the variable stays as it is. Always IDX_OK.
+// Stores a new string in the application's variable; the application owns the new string. Does not release the old value.
+// If the string cannot be created, the variable stays unchanged. Always returns IDX_OK.
 std::int32_t CopyCIDXStringtoIDXSTR(IDXSTR target, const CIDXString& source);
 
 }  // namespace catalogcore

@@ -3,25 +3,61 @@
 #include <sys/random.h>
 
 #include <algorithm>
+#include <bit>
 #include <chrono>
+#include <cstring>
 #include <random>
-
-#include "base/text_word.h"
 
 namespace catalogcore {
 
 namespace {
+
+// Texts are processed in words of eight bytes. The bytes that do not fill a word come first.
+static_assert(std::endian::native == std::endian::little, "a text's first byte is a word's lowest");
+constexpr std::size_t kWordBytes = sizeof(std::uint64_t);
+
+// A word with this byte eight times.
+constexpr std::uint64_t InEveryByte(std::uint64_t byte) { return byte * 0x0101010101010101u; }
+
+std::uint64_t LoadWord(const char* bytes) {
+  std::uint64_t word = 0;
+  std::memcpy(&word, bytes, kWordBytes);
+  return word;
+}
+
+// The first size % kWordBytes bytes, in the high bytes of the word; the low bytes are 0.
+std::uint64_t LoadFirstWord(const char* text, std::size_t size) {
+  const std::size_t over = size % kWordBytes;
+  if (over == 0) return 0;
+  std::uint64_t word = 0;
+  if (size > kWordBytes) {
+    word = LoadWord(text);
+  } else {
+    std::memcpy(&word, text, over);
+  }
+  return word << 8 * (kWordBytes - over);
+}
+
+// Converts the upper-case ASCII letters to lower case. The sums do not carry into the next byte, because their operands
+// have seven bits.
+constexpr std::uint64_t FoldWord(std::uint64_t word) {
+  const std::uint64_t low = word & InEveryByte(0x7F);
+  const std::uint64_t fromA = low + InEveryByte(0x80 - 'A');
+  const std::uint64_t beyondZ = low + InEveryByte(0x7F - 'Z');
+  const std::uint64_t isUpper = fromA & ~beyondZ & ~word & InEveryByte(0x80);
+  return word | isUpper >> 2;  // 0x80 becomes 0x20, the bit that distinguishes the cases of a letter
+}
 
 constexpr std::uint32_t kFactor = 137;
 constexpr std::uint32_t kFactor2 = kFactor * kFactor;
 constexpr std::uint32_t kFactor4 = kFactor2 * kFactor2;
 constexpr std::uint32_t kFactor8 = kFactor4 * kFactor4;
 
-// What eight bytes of 128 hash to.
+// The hash of eight bytes of 128.
 constexpr std::uint32_t kBias = 128 * (1 + kFactor) * (1 + kFactor2) * (1 + kFactor4);
 
-// The hash of eight bytes alone: of pairs of bytes in 16 bits each, then of pairs of those in 32, then of the two.
-// So that no number is negative, every byte is raised by 128, which the end takes off again.
+// The hash of eight bytes. Combines bytes to pairs in 16 bits each, pairs to fours in 32 bits each, then the two fours. Adds
+// 128 to every byte, so that no number is negative, and subtracts the sum of these at the end.
 std::uint32_t HashWord(std::uint64_t word) {
   constexpr std::uint64_t kOneOfTwoBytes = 0x00FF00FF00FF00FFu, kTwoOfFourBytes = 0x0000FFFF0000FFFFu;
   static_assert(255 * (1 + kFactor) <= 0xFFFF && 0xFFFFu <= 0xFFFFFFFFu / (1 + kFactor2), "no pair overflows");
@@ -46,8 +82,8 @@ bool DrawFromSystem(HashKey& key) {
   return true;
 }
 
-// For a system that has no random numbers, or none yet: the time and address-space randomisation are hard to guess, but
-// can be guessed.
+// Used if the system's random numbers are missing or not ready. The time and the randomised address are hard to guess,
+// but not secret.
 void DrawFromTimeAndPlace(HashKey& key) {
   const auto time = std::chrono::system_clock::now().time_since_epoch().count();
   const auto place = reinterpret_cast<std::uintptr_t>(&key);
@@ -59,17 +95,25 @@ void DrawFromTimeAndPlace(HashKey& key) {
 }  // namespace
 
 std::uint32_t ExactHash(const char* text, std::size_t size) {
-  std::uint32_t hash = HashWord(LoadFirstWord(text, size));  // the zeros before it hash to nothing
+  std::uint32_t hash = HashWord(LoadFirstWord(text, size));  // leading zeros do not change the hash
   for (std::size_t at = size % kWordBytes; at < size; at += kWordBytes) {
     hash = hash * kFactor8 + HashWord(LoadWord(text + at));
   }
   return hash;
 }
 
+bool EqualFolded(const char* a, const char* b, std::size_t size) {
+  if (FoldWord(LoadFirstWord(a, size)) != FoldWord(LoadFirstWord(b, size))) return false;
+  for (std::size_t at = size % kWordBytes; at < size; at += kWordBytes) {
+    if (FoldWord(LoadWord(a + at)) != FoldWord(LoadWord(b + at))) return false;
+  }
+  return true;
+}
+
 std::uint32_t FoldedHash(const char* text, std::size_t size, const HashKey& key) {
   const std::size_t hashed = std::min(size, HashKey::kTextBytes);
   const std::uint64_t* words = key.words.data();
-  // Texts of different sizes differ in the first factor, those of one size have the same number of products.
+  // Texts of different sizes differ in the first factor. Texts of one size have the same number of products.
   Product sum = Multiply(words[0] + size, words[1] + FoldWord(LoadFirstWord(text, hashed)));
   std::size_t at = hashed % kWordBytes;
   for (words += 2; at + 2 * kWordBytes <= hashed; at += 2 * kWordBytes, words += 2) {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "base/decimal.h"
-#include "base/text_size.h"
+#include "base/idx_string.h"
 
 namespace catalogcore {
 

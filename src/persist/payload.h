@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "base/idx_buffer.h"
+#include "base/idx_string.h"
 
 namespace catalogcore {
 

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "base/idx_buffer.h"
+#include "base/idx_string.h"
 
 namespace catalogcore {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "base/critical_region.h"
-#include "base/heap_block.h"
+#include "base/owners.h"
 #include "catalogcore.h"
 #include "scene/idx_image.h"
 

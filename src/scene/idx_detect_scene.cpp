@@ -1,5 +1,4 @@
-#include "base/exception_guard.h"
-#include "base/region_guard.h"
+#include "base/critical_region.h"
 #include "scene/detect_scene.h"
 #include "scene/scene_index.h"
 

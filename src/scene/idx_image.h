@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "base/heap_block.h"
+#include "base/owners.h"
 #include "catalogcore.h"
 
 namespace catalogcore {

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <memory>
 
-#include "base/heap_block.h"
 #include "base/owners.h"
 
 namespace catalogcore {

@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "base/text_hash.h"
-#include "base/text_word.h"
 
 namespace catalogcore {
 

@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "api/catalogue.h"
-#include "base/region_guard.h"
+#include "base/critical_region.h"
 #include "scene/detect_scene.h"
 #include "tests/api/item.h"
 #include "tests/support/catalogue_state.h"

@@ -7,7 +7,6 @@
 #include <fstream>
 #include <string>
 
-#include "base/clock.h"
 #include "base/platform_shims.h"
 
 namespace catalogcore {

@@ -1,3 +1,5 @@
+#include "base/idx_string.h"
+
 #include <gtest/gtest.h>
 #include <strings.h>
 
@@ -6,7 +8,6 @@
 #include <string>
 #include <type_traits>
 
-#include "base/idx_buffer.h"
 #include "base/text_hash.h"
 
 namespace catalogcore {

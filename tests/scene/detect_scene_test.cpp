@@ -13,7 +13,7 @@
 #include <thread>
 #include <vector>
 
-#include "base/region_guard.h"
+#include "base/critical_region.h"
 #include "scene/brenn.h"
 #include "scene/parameter_resource.h"
 #include "scene/scene_index.h"
