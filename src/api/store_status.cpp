@@ -1,6 +1,6 @@
 #include "api/store_status.h"
 
-#include "store/result_codes.h"
+#include "store/entries.h"
 
 namespace catalogcore {
 

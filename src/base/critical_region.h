@@ -19,8 +19,8 @@ inline constexpr OSStatus kMPInsufficientResources = -29298;
 inline constexpr OSStatus kMPInvalidID = -29299;
 
 // A critical region is a recursive mutex: one thread at a time holds the region, the holder may enter again, and must
-// leave as often as it entered. Each function takes a pointer to the owner's field. Enter, leave and delete do nothing for
-// a null pointer (kMPNoError) and for a field that is null (kMPInvalidID).
+// leave as often as it entered. Each function takes a pointer to the owner's field. Enter, leave and delete do nothing
+// for a null pointer (kMPNoError) and for a field that is null (kMPInvalidID).
 
 // Creates a region in the field; the pointer must not be null. On allocation failure the field becomes null.
 OSStatus InitializeCriticalSectionAPI(MPCriticalRegionID* region);
@@ -31,8 +31,8 @@ OSStatus EnterCriticalSectionAPI(MPCriticalRegionID* region);
 // Leaves the region. Returns kMPInvalidID and changes nothing if the calling thread does not hold the region.
 OSStatus LeaveCriticalSectionAPI(MPCriticalRegionID* region);
 
-// Waits until no other thread holds the region, deletes the region and sets the field to null. No other thread may enter
-// from the start of this call on.
+// Waits until no other thread holds the region, deletes the region and sets the field to null. No other thread may
+// enter from the start of this call on.
 void DeleteCriticalSectionAPI(MPCriticalRegionID* region);
 
 // Holds a critical region during a scope.

@@ -32,7 +32,8 @@ inline std::int32_t CheckedAdd(std::int32_t a, std::int32_t b) {
 //   Replace. Count and the searches use `length`; hash, equality and Text() use the text.
 // - `capacity` grows to exactly the size needed and never shrinks, which keeps the store's many short keys compact.
 //
-// If an allocation fails, the string stays unchanged. A text passed to an operation must not lie in the string's own block.
+// If an allocation fails, the string stays unchanged. A text passed to an operation must not lie in the string's own
+// block.
 class CIDXString {
  public:
   // The number of buckets of every hash table. GetHashKey returns smaller numbers.
@@ -58,8 +59,8 @@ class CIDXString {
   // another negative count: returns -1.
   std::int32_t CopyString(const char* text, int count);
 
-  // Appends at `length` and returns the new length, measured up to the first zero byte. Null appends the empty text, which
-  // gives a string without a block an empty block. Allocation failure: returns -1.
+  // Appends at `length` and returns the new length, measured up to the first zero byte. Null appends the empty text,
+  // which gives a string without a block an empty block. Allocation failure: returns -1.
   std::int32_t CatString(const char* text);
 
   // Removes positions `first` to `last`, both included, and returns the new length. Positions outside the string or
@@ -96,9 +97,9 @@ class CIDXString {
   void ClearString() { FreeBuffer(); }
   void FreeBuffer();
 
-  // Ensures that the block has at least `size` bytes; a block of `size` bytes or fewer is reallocated to exactly `size`, its
-  // last byte set to zero. `length` stays. Returns the block. Allocation failure or a size of 0 or less: returns null and
-  // changes nothing.
+  // Ensures that the block has at least `size` bytes; a block of `size` bytes or fewer is reallocated to exactly
+  // `size`, its last byte set to zero. `length` stays. Returns the block. Allocation failure or a size of 0 or less:
+  // returns null and changes nothing.
   char* AllocBuffer(int size);
 
   // Returns the block, null if there is none. No conversion is needed: text is UTF-8 when it enters the library.

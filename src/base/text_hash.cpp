@@ -56,8 +56,8 @@ constexpr std::uint32_t kFactor8 = kFactor4 * kFactor4;
 // The hash of eight bytes of 128.
 constexpr std::uint32_t kBias = 128 * (1 + kFactor) * (1 + kFactor2) * (1 + kFactor4);
 
-// The hash of eight bytes. Combines bytes to pairs in 16 bits each, pairs to fours in 32 bits each, then the two fours. Adds
-// 128 to every byte, so that no number is negative, and subtracts the sum of these at the end.
+// The hash of eight bytes. Combines bytes to pairs in 16 bits each, pairs to fours in 32 bits each, then the two fours.
+// Adds 128 to every byte, so that no number is negative, and subtracts the sum of these at the end.
 std::uint32_t HashWord(std::uint64_t word) {
   constexpr std::uint64_t kOneOfTwoBytes = 0x00FF00FF00FF00FFu, kTwoOfFourBytes = 0x0000FFFF0000FFFFu;
   static_assert(255 * (1 + kFactor) <= 0xFFFF && 0xFFFFu <= 0xFFFFFFFFu / (1 + kFactor2), "no pair overflows");

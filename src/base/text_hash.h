@@ -27,8 +27,8 @@ struct HashKey {
 // Two texts that differ in more than letter case collide under at most one in 2^31 of all keys. So a user who does not
 // know the key cannot choose texts that collide. The bound is proven, and the hash is faster than a cryptographic hash:
 // NH (J. Black, S. Halevi, H. Krawczyk, T. Krovetz, P. Rogaway, "UMAC: fast and secure message authentication", 1999)
-// reduces the text to 128 bits, and a multilinear hash (J. L. Carter, M. N. Wegman, "Universal classes of hash functions",
-// 1979) reduces these to 32.
+// reduces the text to 128 bits, and a multilinear hash (J. L. Carter, M. N. Wegman, "Universal classes of hash
+// functions", 1979) reduces these to 32.
 std::uint32_t FoldedHash(const char* text, std::size_t size, const HashKey& key);
 
 // Returns the key of this process, which the first call draws at random.

@@ -1,4 +1,4 @@
-// The one pre-order walk over cells.
+// Pre-order of the cells of a tree: a cell comes before its descendants, a sibling before those linked later.
 #ifndef CATALOGCORE_STORE_CELL_ORDER_H_
 #define CATALOGCORE_STORE_CELL_ORDER_H_
 
@@ -6,8 +6,7 @@
 
 namespace catalogcore {
 
-// The cell after `current` in the depth-first pre-order of the subtree of `start`; null when that was the
-// last.
+// The cell after `current` in the pre-order of the subtree of `start`; null after the last.
 inline CIDXCell* NextInPreOrder(const CIDXCell* start, CIDXCell* current) {
   if (current->firstChild) return current->firstChild;
   while (current && current != start) {

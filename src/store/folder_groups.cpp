@@ -1,9 +1,8 @@
-// The groups of a folder's image list: one marker for each index that its images are filed under, in tree order.
+// The groups of a folder's image list, and the skip list of their markers.
 //
-// A long skip list is cut into runs of markers, so that a group is found without a walk along all of them: `skipRuns` has
-// the first marker of each run but the first run, which begins at `skipHead` and may be empty. A run that grows beyond
-// kLongestRun is cut in two, unless there is no memory for it; then it gets longer, and nothing fails. Only ordered
-// groups have runs.
+// A long skip list is divided into runs of markers, so that binary search finds the run of a group. `skipRuns` contains
+// the first marker of each run except the first run, which begins at `skipHead` and may be empty. A run longer than
+// kLongestRun is split in two. If the allocation for that fails, the run stays long. Only ordered groups have runs.
 #include <algorithm>
 #include <new>
 
@@ -22,8 +21,8 @@ void DeleteRuns(CIDXCell* folder) {
   folder->skipRuns = nullptr;
 }
 
-// Cuts a run that has become too long.
-void CutRun(CIDXCell* folder, std::size_t run) {
+// Splits a run that has become too long.
+void SplitRun(CIDXCell* folder, std::size_t run) {
   const std::vector<CIDXSkipNode*>* const runs = folder->skipRuns;
   CIDXSkipNode* marker = run == 0 ? folder->skipHead : (*runs)[run - 1];
   const CIDXSkipNode* const end = runs && run < runs->size() ? (*runs)[run] : nullptr;
@@ -36,7 +35,7 @@ void CutRun(CIDXCell* folder, std::size_t run) {
   try {
     if (!folder->skipRuns) folder->skipRuns = new std::vector<CIDXSkipNode*>;
     folder->skipRuns->insert(folder->skipRuns->begin() + static_cast<std::ptrdiff_t>(run), middle);
-  } catch (const std::bad_alloc&) {  // the next group in this run tries again
+  } catch (const std::bad_alloc&) {  // the next group inserted in this run tries again
   }
 }
 
@@ -58,6 +57,7 @@ CIDXSkipNode* CIndexData::CreateSkipNode(CIDXNode* node) {
 
 bool CIndexData::AreGroupsOrdered() const { return root[kIndexTree] && !movedCells[kIndexTree].head; }
 
+// Finds the place of the index's group among ordered groups.
 CIndexData::GroupPlace CIndexData::PlaceOfGroup(const CIDXCell* folder, const CIDXCell* index) {
   const auto isBefore = [index](const CIDXSkipNode* group) {
     return CompareCell(kIndexTree, IndexOf(group), index) == -1;
@@ -71,7 +71,7 @@ CIndexData::GroupPlace CIndexData::PlaceOfGroup(const CIDXCell* folder, const CI
     if (next != runs->end()) end = *next;
   }
   CIDXSkipNode* const first = place.before ? place.before->next : folder->skipHead;
-  // Mostly the index's own group is there, and found without comparing indexes.
+  // Usually the group exists; then it is found without comparing the order of indexes.
   CIDXSkipNode* before = place.before;
   for (CIDXSkipNode* group = first; group; before = group, group = group->next) {
     if (IndexOf(group) == index) return {group, before, group->next, place.run};
@@ -84,6 +84,8 @@ CIndexData::GroupPlace CIndexData::PlaceOfGroup(const CIDXCell* folder, const CI
   return place;
 }
 
+// Finds the place for an image of the index among groups that may be out of order. `own` is the group before that
+// place, if it is of this index.
 CIndexData::GroupPlace CIndexData::PlaceInDisorder(const CIDXCell* folder, const CIDXCell* index) {
   GroupPlace place{};
   place.after = folder->skipHead;
@@ -95,6 +97,7 @@ CIndexData::GroupPlace CIndexData::PlaceInDisorder(const CIDXCell* folder, const
   return place;
 }
 
+// Finds the marker that points to this image.
 CIndexData::GroupPlace CIndexData::PlaceOfMarker(const CIDXCell* folder, const CIDXNode* node) {
   GroupPlace place{};
   for (place.own = folder->skipHead; place.own && place.own->node != node; place.own = place.own->next) {
@@ -104,17 +107,18 @@ CIndexData::GroupPlace CIndexData::PlaceOfMarker(const CIDXCell* folder, const C
   return place;
 }
 
-// An image of the same group, the last one, if it is found without a search; null otherwise.
+// The last image of the node's group if it is found without a search, otherwise null.
 CIDXNode* CIndexData::LastOfGroup(const CIDXCell* folder, const CIDXNode* node) const {
   if (!AreGroupsOrdered()) return nullptr;
   const CIDXCell* const index = node->cell[kIndexTree];
   CIDXNode* const lastOfFolder = folder->lastNode;
   if (lastOfFolder && lastOfFolder->cell[kIndexTree] == index) return lastOfFolder;
-  // An index's list and a group are both in the order of filing.
+  // The index's list and the group are both in the order of filing.
   CIDXNode* const lastOfIndex = node->prev[kIndexTree];
   return lastOfIndex && lastOfIndex->cell[kFolderTree] == folder ? lastOfIndex : nullptr;
 }
 
+// Inserts the image into the folder's list. Returns null if a marker could not be allocated.
 CIDXNode* CIndexData::InsertNode(CIDXCell* folder, CIDXNode* node) {
   if (CIDXNode* const last = LastOfGroup(folder, node)) {
     LinkNodesSub(kFolderTree, last, last->next[kFolderTree], node);
@@ -123,7 +127,7 @@ CIDXNode* CIndexData::InsertNode(CIDXCell* folder, CIDXNode* node) {
   const CIDXCell* const index = node->cell[kIndexTree];
   const GroupPlace place = AreGroupsOrdered() ? PlaceOfGroup(folder, index) : PlaceInDisorder(folder, index);
   if (!place.own && !InsertGroup(folder, place, node)) return nullptr;
-  // Behind its group's last image, which is the one before the following group's first.
+  // Inserts after the last image of its group, which precedes the first image of the next group.
   CIDXNode* const after = place.after ? place.after->node : nullptr;
   LinkNodesSub(kFolderTree, after ? after->prev[kFolderTree] : folder->lastNode, after, node);
   return node;
@@ -134,7 +138,7 @@ bool CIndexData::InsertGroup(CIDXCell* folder, const GroupPlace& place, CIDXNode
   if (!marker) return false;
   marker->next = place.after;
   (place.before ? place.before->next : folder->skipHead) = marker;
-  if (AreGroupsOrdered()) CutRun(folder, place.run);
+  if (AreGroupsOrdered()) SplitRun(folder, place.run);
   return true;
 }
 
@@ -155,17 +159,18 @@ void CIndexData::RemoveGroup(CIDXCell* folder, const GroupPlace& place) const {
   delete place.own;
 }
 
+// Updates the markers before the image leaves its folder's list.
 void CIndexData::DropFromGroup(const CIDXNode* node) {
   CIDXCell* const folder = node->cell[kFolderTree];
   const CIDXCell* const index = node->cell[kIndexTree];
   const CIDXNode* const before = node->prev[kFolderTree];
-  // Not the first of its group: no marker names it.
+  // No marker points to an image that is not the first of its group.
   if (AreGroupsOrdered() && before && before->cell[kIndexTree] == index) return;
   const GroupPlace place = AreGroupsOrdered() ? PlaceOfGroup(folder, index) : PlaceOfMarker(folder, node);
   if (!place.own) return;
   CIDXNode* const successor = node->next[kFolderTree];
   const bool goesOn = successor && successor->cell[kIndexTree] == index;
-  // In disorder the run that follows may be of the same index and have a marker of its own.
+  // Without order, the next group may have the same index and its own marker.
   if (goesOn && !(place.after && place.after->node == successor)) {
     place.own->node = successor;
   } else {
@@ -173,11 +178,13 @@ void CIndexData::DropFromGroup(const CIDXNode* node) {
   }
 }
 
+// Returns the first image of the cell whose index is in the subtree of `filter`, or null. All images of an index cell
+// match.
 CIDXNode* CIndexData::SearchSkipNode(std::int32_t tree, const CIDXCell* cell, const CIDXCell* filter) const {
   if (!cell->skipHead) return cell->firstNode;
   const CIDXSkipNode* marker = cell->skipHead;
   if (IsParent(filter, marker->node->cell[tree])) return marker->node;
-  if (cell->skipRuns && AreGroupsOrdered()) {  // a subtree begins with its top
+  if (cell->skipRuns && AreGroupsOrdered()) {  // the place of a subtree's top is where its groups begin
     const GroupPlace place = PlaceOfGroup(cell, filter);
     marker = place.own ? place.own : place.after;
     return marker && IsParent(filter, marker->node->cell[tree]) ? marker->node : nullptr;

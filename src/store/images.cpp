@@ -1,5 +1,6 @@
-// The public operations on images.
+// Images: filing, moving, changing and removing them, and their places in image lists and buckets.
 #include <cstring>
+#include <memory>
 
 #include "catalogcore.h"
 #include "store/index_data.h"
@@ -11,12 +12,12 @@ CIDXNode* CIndexData::SearchNode(const CIDXString& key) const { return nodeTable
 std::uint32_t CIndexData::AddNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
                                   std::uint8_t attribute) {
   const HashedKey hashed(key);
-  nodeTable.Prefetch(hashed);  // comes from memory while the cells are looked up
+  nodeTable.Prefetch(hashed);  // loads from memory while the cells are looked up
   CIDXCell* const index = SearchCell(kIndexTree, indexKey);
   CIDXCell* folder = SearchFolder(folderKey);
   if (nodeTable.Find(hashed)) return StoreImageExists;
   if (!index) return StoreIndexNotFound;
-  // An empty index key gets past this on purpose: it names the root, and the image is filed there.
+  // The empty index key is accepted on purpose: it names the root, and the image is filed there.
   if (index == root[kIndexTree] && indexKey.Length() != 0) return StoreInvalidKey;
   if (hashed.size > kMaxKeyBytes) return StoreInvalidKey;
   if (!folder) {
@@ -28,6 +29,7 @@ std::uint32_t CIndexData::AddNode(const CIDXString& key, const CIDXString& index
   return CreateNode(hashed, index, folder, attribute) ? StoreOk : StoreFailed;
 }
 
+// Looks up the folder. Remembers the latest result, because images are usually added folder by folder.
 CIDXCell* CIndexData::SearchFolder(const CIDXString& key) {
   const bool isRecent =
       recentFolder && key.Length() != 0 && std::strcmp(recentFolder->info->key.Text(), key.Text()) == 0;
@@ -35,9 +37,75 @@ CIDXCell* CIndexData::SearchFolder(const CIDXString& key) {
   return recentFolder;
 }
 
+CIDXNode* CIndexData::CreateNode(const HashedKey& key, CIDXCell* index, CIDXCell* folder, std::uint8_t attribute) {
+  std::unique_ptr<CIDXNode> node(CIDXNode::Create(key.text, key.size));
+  if (!node) return nullptr;
+  node->info->attribute = attribute;
+  if (!LinkNodes(kIndexTree, index, node.get())) return nullptr;
+  if (!LinkNodes(kFolderTree, folder, node.get())) {
+    ReleaseNode(kIndexTree, node.get());  // otherwise the index would keep a pointer to a deleted image
+    return nullptr;
+  }
+  HashNode(key, node.get());
+  return node.release();
+}
+
+bool CIndexData::LinkNodes(std::int32_t tree, CIDXCell* cell, CIDXNode* node) {
+  node->cell[tree] = cell;
+  if (!cell) return true;
+  if (tree == kFolderTree) return InsertNode(cell, node) != nullptr;
+  LinkNodesSub(tree, cell->lastNode, nullptr, node);
+  return true;
+}
+
+void CIndexData::LinkNodesSub(std::int32_t tree, CIDXNode* before, CIDXNode* after, CIDXNode* node) {
+  CIDXCell* const cell = node->cell[tree];
+  node->prev[tree] = before;
+  node->next[tree] = after;
+  (before ? before->next[tree] : cell->firstNode) = node;
+  (after ? after->prev[tree] : cell->lastNode) = node;
+}
+
+void CIndexData::HashNode(const HashedKey& key, CIDXNode* node) {
+  const std::uint32_t bucket = key.Bucket();
+  node->info->bucket = static_cast<std::uint16_t>(bucket);
+  nodeHash[bucket].Append(node);
+  nodeTable.Insert(key, node);
+}
+
 std::uint32_t CIndexData::RemoveNode(const CIDXString& key, std::int32_t force) {
   CIDXNode* const node = SearchNode(key);
   return node ? RemoveNodeSub(node, force) : StoreImageNotFound;
+}
+
+std::uint32_t CIndexData::RemoveNodeSub(CIDXNode* node, std::int32_t force) {
+  if (force == 0 && (node->info->attribute & IDXATTR_NOREMOVE) != 0) return StoreRemoveProtected;
+  IsolateNode(node);
+  ReleaseHashNode(node);
+  openFinds.Keep(node);
+  return StoreOk;
+}
+
+CIDXNode* CIndexData::IsolateNode(CIDXNode* node) {
+  ReleaseNode(kIndexTree, node);
+  return ReleaseNode(kFolderTree, node);
+}
+
+// Takes the image out of the cell's list. The image keeps its own links, for finds that stand on it.
+CIDXNode* CIndexData::ReleaseNode(std::int32_t tree, CIDXNode* node) {
+  CIDXCell* const cell = node->cell[tree];
+  if (!cell) return node;
+  if (tree == kFolderTree) DropFromGroup(node);  // requires the complete list
+  CIDXNode* const before = node->prev[tree];
+  CIDXNode* const after = node->next[tree];
+  (before ? before->next[tree] : cell->firstNode) = after;
+  (after ? after->prev[tree] : cell->lastNode) = before;
+  return node;
+}
+
+void CIndexData::ReleaseHashNode(CIDXNode* node) {
+  nodeHash[node->info->bucket].Remove(node);
+  nodeTable.Remove(node);
 }
 
 std::uint32_t CIndexData::MoveNode(std::int32_t tree, const CIDXString& key, const CIDXString& newCellKey,

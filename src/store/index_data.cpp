@@ -1,8 +1,7 @@
-// The store's beginning and end.
+// Beginning and end of the store.
 //
-// Every image stands in a hash chain, and every cell in one or among the moved cells, wherever a move of
-// cells or a root that could not be made has left them: so the chains, not the trees, tell what there is to
-// delete. What was removed and waits for open finds is deleted with these.
+// Every image stands in a bucket, and every cell in a bucket or in `movedCells`. Some of them are in no tree, after a
+// move of cells or if a root could not be allocated. So the buckets are deleted, not the trees.
 #include "store/index_data.h"
 
 #include "catalogcore.h"

@@ -8,28 +8,30 @@
 #include "base/critical_region.h"
 #include "base/idx_string.h"
 #include "store/entries.h"
-#include "store/hash_chain.h"
 #include "store/key_table.h"
 #include "store/open_finds.h"
-#include "store/result_codes.h"
 #include "store/walks.h"
 
 namespace catalogcore {
 
-// The bytes of the longest key that anything is filed under.
+// The length limit of all keys, in bytes.
 inline constexpr std::int32_t kMaxKeyBytes = 4096;
 
-// The store takes no lock: every caller holds `criticalRegion` for as long as it calls and looks at what it got.
-// entries.h says what always holds of the data.
+// entries.h has the glossary and the invariants.
 //
-// In what follows `tree` is kIndexTree or kFolderTree, and `force` (non-zero) sets an entry's protection aside. A
-// refusal comes before anything changes, and the checks come in the order in which they are listed, unless said
-// otherwise. Keys handed in must not be the store's own strings.
+// Thread rule: the store does not lock. Every caller holds `criticalRegion` during a call and while it uses the result.
 //
-// Walks: between two steps of one that was opened (Finds().Open) anything may change; one that was not opened goes to
-// its end while nothing is removed. A step sees the catalogue as it is by then, but for what lies ahead of a removed
-// image, which is what stood behind it in its list when it was removed. A walk on a removed cell ends. One on a moved
-// cell goes on from where that is now, and ends if that is outside the subtree it began at.
+// `tree` is kIndexTree or kFolderTree. `force` (non-zero) overrides the protection by attributes. A key passed in must
+// not be a string of the store.
+//
+// The comment of an operation lists the results of its checks, in the order of the checks. A check that fails leaves
+// the store unchanged; exceptions are stated.
+//
+// Walks: between two steps of a find (Finds().Open) the store may change in any way. Any other walk requires that
+// nothing is removed before its end. Each step uses the store as it is at that time. A step from a removed image
+// continues with the image that followed it in its list when it was removed. A step from a removed cell ends the walk.
+// A step from a moved cell continues from the cell's new place, or ends the walk if that place is outside the subtree
+// where the walk began.
 class CIndexData {
  public:
   CIndexData();
@@ -37,164 +39,164 @@ class CIndexData {
   CIndexData(const CIndexData&) = delete;
   CIndexData& operator=(const CIndexData&) = delete;
 
-  // Empties the store and makes the two roots (key and name ".", all protections). Always StoreOk: a root
-  // that could not be made is null, and what needs it finds nothing.
+  // Deletes all entries and creates the two roots (key and name ".", all protections). Always returns StoreOk: a root
+  // that could not be allocated is null, and operations that need it find no cell.
   std::uint32_t Initialize();
 
-  // Deletes every image and every cell, the roots included. Always StoreOk.
+  // Deletes all entries, including the roots. Always returns StoreOk.
   std::uint32_t Uninitialize();
 
   MPCriticalRegionID* CriticalRegion() { return &criticalRegion; }
 
-  // No find is open after Initialize or Uninitialize, whatever was opened before.
+  // Initialize and Uninitialize close all finds.
   OpenFinds& Finds() { return openFinds; }
 
-  // The first image of a bucket of the image table, 0 <= bucket < CIDXString::kBucketCount; null if it is
-  // empty.
+  // The first image of a bucket (below CIDXString::kBucketCount), null if the bucket is empty.
   CIDXNode* FirstNodeOfBucket(std::uint32_t bucket) const { return nodeHash[bucket].head; }
 
   // ---- Images
 
-  // Files an image. StoreImageExists; StoreInvalidKey for the index key "." (an empty index key does name the root);
-  // StoreIndexNotFound; StoreInvalidKey for a folder key against the rules or an image key beyond their length. The
-  // folder and its ancestors are made if missing, as AddCell makes them. StoreFailed: the image is not filed; a folder
-  // made for it stays unless making it was what failed.
+  // Files an image. StoreImageExists; StoreIndexNotFound; StoreInvalidKey for the index key "." (the empty index key is
+  // valid and names the root), for an invalid folder key and for an image key that is too long. Creates the folder and
+  // its missing ancestors as AddCell does. StoreFailed: the image is not filed; a folder that was created for it stays,
+  // unless creating the folder failed.
   std::uint32_t AddNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
                         std::uint8_t attribute);
 
-  // StoreImageNotFound; StoreRemoveProtected.
+  // Removes an image. StoreImageNotFound; StoreRemoveProtected.
   std::uint32_t RemoveNode(const CIDXString& key, std::int32_t force);
 
-  // Files the image in another cell of one tree. StoreImageNotFound; StoreInvalidKey for the key ".";
-  // StoreIndexNotFound; StoreOk, with nothing done, where it is already; StoreMoveProtected. The image is
-  // removed and added again, as a new object at the end of its lists: when adding it fails, it is gone, and
-  // the result is AddNode's.
+  // Files an image in another cell of one tree. StoreImageNotFound; StoreInvalidKey for the key ".";
+  // StoreIndexNotFound; StoreOk, without a change, if the image is already there; StoreMoveProtected. The image is
+  // removed and filed again, as a new object at the end of its lists. If filing fails, the image is lost and the result
+  // is AddNode's.
   std::uint32_t MoveNode(std::int32_t tree, const CIDXString& key, const CIDXString& newCellKey, std::int32_t force);
 
-  // StoreImageNotFound.
+  // Replaces the attribute of an image. StoreImageNotFound.
   std::uint32_t ChangeAttributeNode(const CIDXString& key, std::uint8_t attribute);
 
-  // The image with this key, or null.
+  // Returns the image with this key, or null.
   CIDXNode* SearchNode(const CIDXString& key) const;
 
-  // Begins a walk over the images whose index cell lies in the subtree of `indexKey`: through the index tree
-  // if `folderKey` has no block or is ".", else through the folders from `folderKey` (recursive 1: and below
-  // it), each in the order of its list. Returns the first image or null. A trailing "/" is cut from the key
-  // the walk begins at.
+  // Begins a walk over the images whose index is in the subtree of `indexKey`. Walks the index tree if `folderKey` has
+  // no block or is ".", otherwise the folder `folderKey` (recursive 1: and its subfolders); each cell in the order of
+  // its image list. Returns the first image or null. Removes one trailing "/" from the key where the walk begins.
   CIDXNode* GetFirstNode(SearchHandle* handle, CIDXString& indexKey, CIDXString& folderKey,
                          std::int32_t recursive) const;
 
-  // The next image, or null when the walk is over.
+  // Returns the next image, or null at the end of the walk.
   CIDXNode* GetNextNode(SearchHandle* handle, std::int32_t recursive) const;
 
   // ---- Cells
 
-  // Makes a cell and its missing ancestors, all with this name and attribute. StoreIndexExists; StoreInvalidKey.
-  // When one cannot be made, every cell from its parent up to the root is removed as RemoveCell does it without force,
-  // as far as that goes: those that this call made, and also an older one that has no child. The result is StoreFailed.
+  // Creates a cell and its missing ancestors, all with this name and attribute. StoreIndexExists; StoreInvalidKey.
+  // StoreFailed: an allocation failed. Then RemoveCell without force is called for every cell from the parent of the
+  // failed one up to the root. This removes the cells that this call created, and also an older ancestor left without
+  // children.
   std::uint32_t AddCell(std::int32_t tree, const CIDXString& key, const CIDXString& name, std::uint8_t attribute);
 
-  // Removes a cell with its images. StoreIndexNotFound; StoreIndexHasChildren; StoreRemoveProtected;
-  // StoreInvalidKey for a root. The first image that may not be removed stops it: StoreRemoveProtected, with
-  // the images before it gone.
+  // Removes a cell and its images. StoreIndexNotFound; StoreIndexHasChildren; StoreRemoveProtected; StoreInvalidKey for
+  // a root. Stops at the first protected image with StoreRemoveProtected; the images before it stay removed.
   std::uint32_t RemoveCell(std::int32_t tree, const CIDXString& key, std::int32_t force);
 
-  // Hangs a cell under the parent that `newKey` names. StoreIndexNotFound; StoreInvalidKey; StoreIndexExists;
-  // StoreIndexNotFound for the parent; StoreOk, with nothing done, where it is already; StoreInvalidKey below itself;
-  // StoreMoveProtected. The moved cell keeps its key but is found by walks alone, not by key. Walks no longer reach its
-  // descendants, nor does any key; their images are found by key and by walks of folders, as lying below it.
-  std::uint32_t MoveCell(std::int32_t tree, const CIDXString& oldKey, const CIDXString& newKey, std::int32_t force);
-
-  // Changes the name; the key stays. StoreIndexNotFound; StoreRenameProtected; StoreFailed without memory.
+  // Changes the name of a cell; its key stays. StoreIndexNotFound; StoreRenameProtected; StoreFailed.
   std::uint32_t RenameCell(std::int32_t tree, const CIDXString& key, const CIDXString& newName, std::int32_t force);
 
-  // StoreIndexNotFound.
+  // Replaces the attribute of a cell. StoreIndexNotFound.
   std::uint32_t ChangeAttributeCell(std::int32_t tree, const CIDXString& key, std::uint8_t attribute);
 
-  // The cell with this key, or null. A key of length 0 names the root.
+  // Returns the cell with this key, or null. A key of length 0 names the root.
   CIDXCell* SearchCell(std::int32_t tree, const CIDXString& key) const;
 
-  // Begins a walk at the cell `key`, which is the first result (null if there is none); with `recursive` 1 it goes
-  // through the cell's subtree in pre-order. One trailing "/" is cut from `key`. A recursive walk of the folder tree
-  // from "/" begins at the root and passes over "/Volumes" and what begins with it.
+  // Begins a walk at the cell `key` and returns this cell, null if it is missing. With `recursive` 1 the walk continues
+  // through the subtree in pre-order. Removes one trailing "/" from `key`. A recursive walk of the folder tree from "/"
+  // begins at the root and skips cells whose key begins with "/Volumes".
   CIDXCell* GetFirstCell(SearchHandle* handle, std::int32_t tree, CIDXString& key, std::int32_t recursive) const;
 
-  // The next cell, or null when the walk is over.
+  // Returns the next cell, or null at the end of the walk.
   CIDXCell* GetNextCell(SearchHandle* handle, std::int32_t recursive) const;
 
+  // Moves a cell under the parent that `newKey` names. No exported call uses this operation. StoreIndexNotFound;
+  // StoreInvalidKey; StoreIndexExists; StoreIndexNotFound for the parent; StoreOk, without a change, if that is already
+  // the parent; StoreInvalidKey for a parent below the cell itself; StoreMoveProtected. The moved cell keeps its key.
+  // Walks find it in its new place, but no key does. Neither walks nor keys find its former descendants. Keys and walks
+  // of folders still find the images of all of them.
+  std::uint32_t MoveCell(std::int32_t tree, const CIDXString& oldKey, const CIDXString& newKey, std::int32_t force);
+
  private:
-  friend class StoreInspector;  // reads everything, for the tests' invariant checker
+  friend class StoreInspector;  // gives the tests access to check the invariants
 
   template <typename Entry>
   using HashTable = HashChain<Entry>[CIDXString::kBucketCount];
 
+  // index_data.cpp
   void DeleteAllNodes();
   void DeleteAllCells(std::int32_t tree);
 
-  // Images: making, linking, walking.
-  // SearchCell in the folder tree, for images that come folder by folder.
+  // images.cpp. A null cell leaves the image out of the tree's lists: the tree has no root.
   CIDXCell* SearchFolder(const CIDXString& key);
-  // A null cell leaves the image out of the tree's lists: it has no root.
   CIDXNode* CreateNode(const HashedKey& key, CIDXCell* index, CIDXCell* folder, std::uint8_t attribute);
   bool LinkNodes(std::int32_t tree, CIDXCell* cell, CIDXNode* node);
-  CIDXNode* InsertNode(CIDXCell* folder, CIDXNode* node);
   static void LinkNodesSub(std::int32_t tree, CIDXNode* before, CIDXNode* after, CIDXNode* node);
   CIDXNode* IsolateNode(CIDXNode* node);
   CIDXNode* ReleaseNode(std::int32_t tree, CIDXNode* node);
-  // Where a group stands in a folder's skip list, or is to stand.
+  std::uint32_t RemoveNodeSub(CIDXNode* node, std::int32_t force);
+  void HashNode(const HashedKey& key, CIDXNode* node);
+  void ReleaseHashNode(CIDXNode* node);
+
+  // folder_groups.cpp
+  // The place of a group in a folder's skip list; if the group is missing, the place where it is to be inserted.
   struct GroupPlace {
-    CIDXSkipNode* own;     // null if there is none
-    CIDXSkipNode* before;  // null if it is the first
-    CIDXSkipNode* after;   // null if it is the last
-    std::size_t run;       // of ordered groups: how many of skipRuns come before it
+    CIDXSkipNode* own;     // the marker of the group; null if the group is missing
+    CIDXSkipNode* before;  // the marker before it; null if the group is the first
+    CIDXSkipNode* after;   // the marker after it; null if the group is the last
+    std::size_t run;       // ordered groups: the number of elements of skipRuns before this place
   };
-  // False once an index was moved, or without a root: then groups may be out of order, and one index may have several.
+  // False after an index was moved, or if the root is missing (see "Groups" in entries.h).
   bool AreGroupsOrdered() const;
   static GroupPlace PlaceOfGroup(const CIDXCell* folder, const CIDXCell* index);
   static GroupPlace PlaceInDisorder(const CIDXCell* folder, const CIDXCell* index);
   static GroupPlace PlaceOfMarker(const CIDXCell* folder, const CIDXNode* node);
   CIDXNode* LastOfGroup(const CIDXCell* folder, const CIDXNode* node) const;
+  CIDXNode* InsertNode(CIDXCell* folder, CIDXNode* node);
   bool InsertGroup(CIDXCell* folder, const GroupPlace& place, CIDXNode* node) const;
   void RemoveGroup(CIDXCell* folder, const GroupPlace& place) const;
   void DropFromGroup(const CIDXNode* node);
-  std::uint32_t RemoveNodeSub(CIDXNode* node, std::int32_t force);
-  CIDXNode* FirstMatchFromCurrentCell(SearchHandle* handle, std::int32_t recursive) const;
-  CIDXNode* GetNextNodeSub(SearchHandle* handle, std::int32_t recursive) const;
   static CIDXSkipNode* CreateSkipNode(CIDXNode* node);
   CIDXNode* SearchSkipNode(std::int32_t tree, const CIDXCell* cell, const CIDXCell* filter) const;
-  void HashNode(const HashedKey& key, CIDXNode* node);
-  void ReleaseHashNode(CIDXNode* node);
 
-  // Cells: making, linking, walking, order.
+  // walks.cpp
+  CIDXCell* GetNextCellSub(SearchHandle* handle, std::int32_t recursive) const;
+  CIDXNode* FirstMatchFromCurrentCell(SearchHandle* handle, std::int32_t recursive) const;
+  CIDXNode* GetNextNodeSub(SearchHandle* handle, std::int32_t recursive) const;
+  bool IsOutsideSubtree(const SearchHandle& handle) const;
+
+  // cells.cpp
   CIDXCell* CreateCell(std::int32_t tree, CIDXCell* parent, const CIDXString& key, const CIDXString& name,
                        std::uint8_t attribute);
   static CIDXCell* LinkCells(CIDXCell* parent, CIDXCell* child);
   CIDXCell* IsolateCell(std::int32_t tree, CIDXCell* cell);
   static CIDXCell* ReleaseCell(CIDXCell* cell);
   std::uint32_t RemoveCellSub(std::int32_t tree, CIDXCell* cell, std::int32_t force);
-  CIDXCell* GetNextCellSub(SearchHandle* handle, std::int32_t recursive) const;
-  // Whether the cell that the walk stands on was moved out of the subtree it began at.
-  bool HasStrayed(const SearchHandle& handle) const;
   void HashCell(std::int32_t tree, const HashedKey& key, CIDXCell* cell);
   void ReleaseHashCell(std::int32_t tree, CIDXCell* cell);
+  static std::int32_t IsValidKey(std::int32_t tree, const CIDXString& key);
+  bool NamesRoot(std::int32_t tree, const CIDXString& key) const { return root[tree] && key == root[tree]->info->key; }
+
+  // cell_order.cpp
   std::int32_t IsParent(const CIDXCell* ancestor, const CIDXCell* cell) const;
   static std::int32_t CompareCell(std::int32_t tree, const CIDXCell* a, const CIDXCell* b);
   static std::int32_t CompareCellSub(const CIDXCell* a, const CIDXCell* b);
-  static std::int32_t IsValidKey(std::int32_t tree, const CIDXString& key);
-  bool NamesRoot(std::int32_t tree, const CIDXString& key) const { return root[tree] && key == root[tree]->info->key; }
 
   CIDXCell* root[kTreeCount] = {};
   HashTable<CIDXNode> nodeHash;
   HashTable<CIDXCell> cellHash[kTreeCount];
   MPCriticalRegionID criticalRegion = nullptr;
-  // The cells that moves took out of the hash table, chained by the same links, so that they are deleted at
-  // the end.
-  HashChain<CIDXCell> movedCells[kTreeCount];
-  // What finds an entry of the hash table without a walk along its chain.
+  HashChain<CIDXCell> movedCells[kTreeCount];  // so that they are deleted at the end
   KeyTable<CIDXNode> nodeTable;
   KeyTable<CIDXCell> cellTable[kTreeCount];
   OpenFinds openFinds;
-  CIDXCell* recentFolder = nullptr;  // what SearchFolder found last, as long as it stands in the hash table
+  CIDXCell* recentFolder = nullptr;  // the result of the latest SearchFolder; null after its removal
 };
 
 }  // namespace catalogcore

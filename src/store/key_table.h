@@ -1,4 +1,4 @@
-// The table that finds an entry by its key at once, however many there are.
+// Finding entries by key: the key with its hashes, the chain of one bucket, and the key table.
 #ifndef CATALOGCORE_STORE_KEY_TABLE_H_
 #define CATALOGCORE_STORE_KEY_TABLE_H_
 
@@ -8,23 +8,104 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "store/hashed_key.h"
+#include "base/idx_string.h"
 
 namespace catalogcore {
 
-// `Entry` is CIDXNode or CIDXCell: it has `tableNext`, and an `info` with the `keyHash` that the table gives it and with
-// what HashedKey looks at, which does not change while the entry stands in the table. The table owns no entry.
+// A key whose size and hash are computed once. The bucket is computed when it is first needed, which most look-ups
+// avoid.
 //
-// Linear hashing (W. Litwin, 1980): entries with the same slot are linked, and the table grows by one slot at a time,
-// which takes its entries from the one slot that shared them. So no insertion waits for all entries to be moved, and
-// none fails: where there is no memory for more slots, the links get longer.
+// Two keys are the same if their texts differ at most in the case of letters and their buckets are equal. They are
+// twins if only the texts satisfy this. `hash` ignores case, so that twins have the same `hash`.
+struct HashedKey {
+  explicit HashedKey(const CIDXString& key);
+
+  // The result of CIDXString::GetHashKey.
+  std::uint32_t Bucket() const;
+
+  // A second hash, which differs between twins. As unpredictable as `hash`.
+  std::uint32_t TwinHash() const { return hash + 1 + Bucket(); }
+
+  // Whether the entry with this record has this key. The entry's key must not contain zero bytes.
+  template <typename Info>
+  bool IsKeyOf(const Info& entry) const {
+    return HasSize(entry) && (IsText(entry.key.Text()) || (Bucket() == entry.bucket && IsSpelling(entry.key.Text())));
+  }
+
+  // Whether the key of the entry with this record is a twin of this key.
+  template <typename Info>
+  bool IsTwinOf(const Info& entry) const {
+    return HasSize(entry) && Bucket() != entry.bucket && IsSpelling(entry.key.Text());
+  }
+
+  const char* text;  // not a copy
+  std::size_t size;
+  std::uint32_t hash;
+
+ private:
+  static constexpr std::uint32_t kNoBucket = CIDXString::kBucketCount;
+
+  template <typename Info>
+  bool HasSize(const Info& entry) const {
+    return static_cast<std::size_t>(entry.key.Length()) == size;
+  }
+  bool IsText(const char* other) const;
+  bool IsSpelling(const char* other) const;
+
+  mutable std::uint32_t bucket = kNoBucket;
+};
+
+// The entries of one bucket: a doubly linked list in the order of appending. `Entry` is CIDXNode or CIDXCell, with the
+// links `hashPrev` and `hashNext`. The chain does not own its entries.
 //
-// A key that has twins may have as many as there are buckets, and all of them one hash. So only the first of them stands
-// under it; an entry that has a twin there is inserted under its TwinHash, where Find looks second.
+// Invariants: `head` and `tail` are both null or both set. Both links of an entry outside any chain are null; Remove
+// ignores such an entry.
+template <typename Entry>
+struct HashChain {
+  Entry* head = nullptr;
+  Entry* tail = nullptr;
+
+  void Append(Entry* entry) {
+    entry->hashPrev = tail;
+    entry->hashNext = nullptr;
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDelete): an entry leaves its chain before it is deleted
+    (tail ? tail->hashNext : head) = entry;
+    tail = entry;
+  }
+
+  void Remove(Entry* entry) {
+    if (!entry->hashPrev && head != entry) return;
+    (entry->hashPrev ? entry->hashPrev->hashNext : head) = entry->hashNext;
+    (entry->hashNext ? entry->hashNext->hashPrev : tail) = entry->hashPrev;
+    entry->hashPrev = nullptr;
+    entry->hashNext = nullptr;
+  }
+
+  // Removes every entry and passes it to `release`, which may delete it.
+  template <typename Release>
+  void Clear(Release release) {
+    while (head) {
+      Entry* const entry = head;
+      Remove(entry);
+      release(entry);
+    }
+  }
+};
+
+// A hash table that finds an entry by its key in constant time, at any number of entries. `Entry` is CIDXNode or
+// CIDXCell. The table sets its `tableNext` and `info->keyHash`. Its `info->key` and `info->bucket` must not change
+// while the entry is in the table. The table does not own its entries.
 //
-// Invariants: slots 0 to slotCount - 1 are in use, kFirstSlots of them always; an entry stands in SlotOf its keyHash,
-// which is the hash or the TwinHash of its key, behind those with the same key that were inserted before. Without
-// `hasTwins` none stands under its TwinHash.
+// The table uses linear hashing (W. Litwin, 1980): the entries of a slot form a list, and the table grows by one slot
+// at a time, which divides the list of one other slot. So an insertion never waits until all entries are moved. An
+// insertion never fails either: without memory for more slots, the lists get longer.
+//
+// A key may have as many twins as there are buckets, all with the same hash. Only one of them is inserted under that
+// hash; an entry that finds a twin there is inserted under its TwinHash, where Find looks second.
+//
+// Invariants: slots 0 to slotCount - 1 are in use, and slotCount >= kFirstSlots. An entry is in the list of
+// SlotOf(keyHash), after older entries with the same key. `keyHash` is the hash or the TwinHash of its key. If
+// `hasTwins` is false, no entry is under its TwinHash.
 template <typename Entry>
 class KeyTable {
  public:
@@ -33,7 +114,7 @@ class KeyTable {
   KeyTable(const KeyTable&) = delete;
   KeyTable& operator=(const KeyTable&) = delete;
 
-  // The entry has this key, and its `info->bucket` is set.
+  // Inserts an entry with this key, whose `info->bucket` is set.
   void Insert(const HashedKey& key, Entry* entry) {
     entry->info->keyHash = key.hash;
     Entry** end = Slot(SlotOf(key.hash));
@@ -51,7 +132,7 @@ class KeyTable {
     }
   }
 
-  // An entry that does not stand in the table is left alone.
+  // Removes the entry; ignores an entry that is not in the table.
   void Remove(Entry* entry) {
     Entry** link = Slot(SlotOf(entry->info->keyHash));
     while (*link && *link != entry) link = &(*link)->tableNext;
@@ -61,18 +142,18 @@ class KeyTable {
     --count;
   }
 
-  // The entry with this key that was inserted first; null if there is none.
+  // Returns the oldest entry with this key, or null.
   Entry* Find(const HashedKey& key) const {
     Entry* const entry = FindUnder(key.hash, key);
     return entry || !hasTwins ? entry : FindUnder(key.TwinHash(), key);
   }
 
-  // Asks for the memory that Find will look at first.
+  // Prefetches the memory that Find reads first.
   void Prefetch(const HashedKey& key) const { PrefetchEntry(*Slot(SlotOf(key.hash))); }
 
   std::uint64_t Count() const { return count; }
 
-  // Forgets all entries, which may be gone already, and gives back the memory.
+  // Removes all entries without reading them, and frees the slots.
   void Clear() {
     for (Entry**& segment : segments) {
       if (segment != firstSlots) std::free(segment);
@@ -89,32 +170,34 @@ class KeyTable {
  private:
   static constexpr int kFirstBits = 4;
   static constexpr std::uint64_t kFirstSlots = std::uint64_t{1} << kFirstBits;
-  // Fewer entries than this lie in the processor's cache, where a longer link costs less than the memory for more slots.
+  // Fewer entries than this fit in the processor's cache, where a longer list costs less than the memory for more
+  // slots.
   static constexpr std::uint64_t kFewEntries = 1 << 16;
-  // More than one, to make up for growth that found no memory; not all, so that no insertion takes long.
+  // More than 1, so that the table catches up after failed growth; limited, so that no insertion takes long.
   static constexpr int kMaxSplits = 2;
   static constexpr std::uint64_t kSplitsAhead = 4;
-  static constexpr std::uint64_t kMaxSlots = std::uint64_t{1} << 32;  // as many as there are hashes
+  static constexpr std::uint64_t kMaxSlots = std::uint64_t{1} << 32;  // the number of hashes
 
-  // The entries that there are slots for.
+  // The number of entries above which the table grows.
   std::uint64_t Capacity() const { return count < kFewEntries ? slotCount + slotCount / 4 : slotCount; }
 
-  // The low bits of the hash, as many as number all slots; one less where that slot is yet to come.
+  // The low bits of the hash, as many as the slot numbers have; without the highest bit if that slot does not exist
+  // yet.
   std::uint64_t SlotOf(std::uint32_t hash) const {
     const std::uint64_t slot = hash & (2 * half - 1);
     return slot < slotCount ? slot : slot - half;
   }
 
-  // Segment i holds kFirstSlots << i slots, so that the first slot of each, counted from kFirstSlots on, is a power of 2.
+  // Segment i has kFirstSlots << i slots. Counted from kFirstSlots, the first slot of each segment is a power of 2.
   Entry** Slot(std::uint64_t slot) const {
     const std::uint64_t place = slot + kFirstSlots;
     const auto bits = std::bit_width(place) - 1;
     return segments[bits - kFirstBits] + (place ^ std::uint64_t{1} << bits);
   }
 
-  // Null is no harm.
+  // `entry` may be null.
   static void PrefetchEntry(const Entry* entry) {
-    constexpr std::uintptr_t kToLink = 72, kToKey = 136;  // about where an image has its link and hash, and its key
+    constexpr std::uintptr_t kToLink = 72, kToKey = 136;  // where an image has its link and hash, and its key
     const auto address = reinterpret_cast<std::uintptr_t>(entry);
     __builtin_prefetch(reinterpret_cast<const void*>(address + kToLink));
     __builtin_prefetch(reinterpret_cast<const void*>(address + kToKey));
@@ -123,7 +206,7 @@ class KeyTable {
   Entry* FindUnder(std::uint32_t hash, const HashedKey& key) const {
     Entry* entry = *Slot(SlotOf(hash));
     while (entry) {
-      PrefetchEntry(entry);  // its key is wanted as soon as its hash is seen to be the one
+      PrefetchEntry(entry);  // its key is needed if its hash matches
       if (entry->info->keyHash == hash && key.IsKeyOf(*entry->info)) break;
       entry = entry->tableNext;
     }
@@ -134,11 +217,11 @@ class KeyTable {
     return entry.info->keyHash == hash && key.IsTwinOf(*entry.info);
   }
 
-  // Adds one slot; false if there is no memory for it.
+  // Adds one slot. Returns false if the allocation fails.
   bool Split() {
-    if (slotCount == kMaxSlots || !MakeRoom()) return false;
+    if (slotCount == kMaxSlots || !AllocateSegment()) return false;
     const std::uint64_t source = slotCount - half;
-    // The slots come in turn, so what later splits will look at is on its way by then.
+    // Slots are split in order, so the table prefetches what a later split reads.
     PrefetchEntry(*Slot(source + kSplitsAhead));
     Entry** from = Slot(source);
     Entry** to = Slot(slotCount);
@@ -157,8 +240,8 @@ class KeyTable {
     return true;
   }
 
-  // Makes the segment of the slot to come, if that is its first; false if there is no memory.
-  bool MakeRoom() {
+  // Allocates a segment if the next slot is the first of one. Returns false if the allocation fails.
+  bool AllocateSegment() {
     const std::uint64_t slots = slotCount + kFirstSlots;
     if (!std::has_single_bit(slots)) return true;
     auto* const segment = static_cast<Entry**>(std::calloc(static_cast<std::size_t>(slots), sizeof(Entry*)));
@@ -169,7 +252,7 @@ class KeyTable {
   Entry* firstSlots[kFirstSlots] = {};
   Entry** segments[33 - kFirstBits] = {firstSlots};
   std::uint64_t slotCount = kFirstSlots;
-  std::uint64_t half = kFirstSlots;  // the largest power of 2 that is not above slotCount
+  std::uint64_t half = kFirstSlots;  // the largest power of 2 that is at most slotCount
   std::uint64_t count = 0;
   bool hasTwins = false;
 };

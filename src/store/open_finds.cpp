@@ -29,7 +29,8 @@ bool OpenFinds::Open(SearchHandle& handle) {
 }
 
 void OpenFinds::Close(const SearchHandle& handle) const {
-  // The span may be gone right after: whoever sweeps must see all that was done with the handle before.
+  // The span may be deleted right after this. Release order: the sweeping thread must see every earlier use of the
+  // handle.
   if (IsOpen(handle)) handle.span->openFinds.fetch_sub(1, std::memory_order_release);
 }
 

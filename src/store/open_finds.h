@@ -1,15 +1,14 @@
-// The finds that are open, and the entries that were removed under them.
+// Finds, the walks that stay open between calls, and the removed entries that the store keeps for them.
 //
-// Time is cut into spans. A span begins with the opening of finds and goes on with removals; the opening that follows a
-// removal begins the next one. So a find may stand on what was removed in its own span or in a later one, and on nothing
-// that was removed before.
+// Time is divided into spans. A span begins when a find is opened. More finds may be opened in a span until an entry is
+// removed; the next find to be opened after a removal begins a new span. So a find may stand on entries that were
+// removed in its own span or in a later one, and never on an entry that was removed before its span.
 //
-// What always holds:
-// - While there is a span, a removed entry waits in the last one; without a span it is deleted at once.
-// - A span and all that waits in it may be deleted once neither it nor any before it has an open find. Sweep looks at
-//   that, and deletes what was removed first before what was removed later, which it may lead to. So that no call waits
-//   long for what others left behind, it deletes a few at a time: the rest of them, until later calls come to it, is what
-//   waits without need.
+// Invariants:
+// - While any span exists, a removed entry is kept in the last one. Without a span, a removed entry is deleted at once.
+// - A span and its entries may be deleted once no find of it or of an earlier span is open. Sweep deletes them in the
+//   order of their removal, because a removed image may point to one that was removed later. Sweep deletes only a few
+//   entries at a time, so that no call takes long because of what other calls removed.
 #ifndef CATALOGCORE_STORE_OPEN_FINDS_H_
 #define CATALOGCORE_STORE_OPEN_FINDS_H_
 
@@ -18,19 +17,19 @@
 #include <cstdint>
 
 #include "store/entries.h"
-#include "store/hash_chain.h"
+#include "store/key_table.h"
 #include "store/walks.h"
 
 namespace catalogcore {
 
 struct FindSpan {
   std::atomic<std::uint32_t> openFinds{0};
-  HashChain<CIDXNode> nodes;  // removed in it, by the links that their buckets need no more
+  HashChain<CIDXNode> nodes;  // removed in this span; they are in no bucket, so that their links are free
   HashChain<CIDXCell> cells;
-  FindSpan* next = nullptr;  // the later one
+  FindSpan* next = nullptr;  // the following span
 };
 
-// Callers hold the store's region, but for Close and IsOpen, which ask for nothing.
+// Thread rule: callers hold the store's critical region, except for Close and IsOpen.
 class OpenFinds {
  public:
   OpenFinds();
@@ -38,39 +37,40 @@ class OpenFinds {
   OpenFinds(const OpenFinds&) = delete;
   OpenFinds& operator=(const OpenFinds&) = delete;
 
-  // Counts the find as open; false without memory. A walk that ends before the region is left needs no opening.
+  // Opens a find. Returns false on allocation failure. A walk that ends before the critical region is left need not be
+  // opened.
   bool Open(SearchHandle& handle);
 
-  // Once for each that was opened. Nothing for a find that is not open, or was before the last Clear.
+  // Closes a find; must be called once for each find. Ignores a handle that was not opened since the last Clear.
   void Close(const SearchHandle& handle) const;
 
-  // Whether the find was opened, and not before the last Clear. Closing changes nothing of it.
+  // Whether the find was opened since the last Clear. Close does not change the result.
   bool IsOpen(const SearchHandle& handle) const { return handle.catalogue == catalogue; }
 
-  // Takes an entry over that stands in no list and no table any more. Cannot fail.
+  // Takes ownership of a removed entry. Cannot fail.
   void Keep(CIDXNode* node);
   void Keep(CIDXCell* cell);
 
-  // Deletes at most kSweptAtOnce of what no find can stand on any more. To be called by whoever enters the region: a call
-  // removes fewer on average, so that what waits gets less.
+  // Deletes at most kSweptAtOnce of the objects that no find can stand on. Every call that enters the critical region
+  // calls Sweep; the average call removes fewer entries, so that the number of kept entries decreases.
   void Sweep() {
     for (std::size_t i = 0; i < kSweptAtOnce && first && IsClosed(*first); ++i) DeleteOldest();
   }
   static constexpr std::size_t kSweptAtOnce = 64;
 
-  // Deletes everything. No find is open afterwards.
+  // Closes all finds and deletes all kept entries.
   void Clear();
 
  private:
   friend class StoreInspector;
 
   static bool IsClosed(const FindSpan& span) { return span.openFinds.load(std::memory_order_acquire) == 0; }
-  // Of the first span, an entry, or the span itself if nothing waits in it.
+  // Deletes one entry of the first span, or the span itself if it has none.
   void DeleteOldest();
 
   FindSpan* first = nullptr;
   FindSpan* last = nullptr;
-  std::uint64_t catalogue;  // never the same twice in a process, and never 0
+  std::uint64_t catalogue;  // unique in the process, never 0
 };
 
 }  // namespace catalogcore

@@ -1,4 +1,4 @@
-// The state of one walk over cells or images.
+// The state of a walk, an iteration over the cells of a subtree or over their images (see entries.h).
 #ifndef CATALOGCORE_STORE_WALKS_H_
 #define CATALOGCORE_STORE_WALKS_H_
 
@@ -11,21 +11,21 @@ namespace catalogcore {
 
 struct FindSpan;
 
-// Owned by the caller, who fills it with zeros before the walk; only the store's walks read and write it.
+// The caller owns the handle and fills it with zeros before the walk. Only the store reads and writes its fields.
 struct SearchHandle {
   std::int32_t tree;         // the tree whose cells are walked
   std::int32_t filterTree;   // the tree of `filterCell`: kIndexTree
-  CIDXCell* startCell;       // the walk never leaves its subtree
-  CIDXCell* currentCell;     // reached last; null when the walk is over
-  CIDXCell* filterCell;      // walks over images: the index cell in whose subtree they must lie
-  CIDXNode* currentNode;     // walks over images: returned last
-  std::int32_t skipVolumes;  // 1: cells whose key begins with "/Volumes" are passed over
-  // Of finds that were opened (OpenFinds), so that entries may be removed between two steps; else zero.
-  std::uint64_t catalogue;  // the one that the find was opened in
-  FindSpan* span;           // when it was opened; there as long as that catalogue is, and the find is open
+  CIDXCell* startCell;       // the walk stays in the subtree of this cell
+  CIDXCell* currentCell;     // the cell reached last; null at the end of the walk
+  CIDXCell* filterCell;      // walks over images: returns only images whose index is in the subtree of this cell
+  CIDXNode* currentNode;     // walks over images: the image returned last
+  std::int32_t skipVolumes;  // 1: skip cells whose key begins with "/Volumes"
+  // Set by OpenFinds::Open, zero for other walks.
+  std::uint64_t catalogue;  // the number of the catalogue in which the find was opened
+  FindSpan* span;           // the time of opening; valid while that catalogue exists and the find is open
 };
 
-static_assert(std::is_trivial_v<SearchHandle>, "callers allocate handles as blocks of zeros");
+static_assert(std::is_trivial_v<SearchHandle>, "callers allocate handles as zeroed blocks");
 
 }  // namespace catalogcore
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "store/result_codes.h"
+#include "store/entries.h"
 
 namespace catalogcore {
 

@@ -1,4 +1,4 @@
-#include "store/hashed_key.h"
+#include "store/key_table.h"
 
 #include <cstring>
 
