@@ -59,7 +59,7 @@ class HeaderTest(unittest.TestCase):
         subprocess.run([COMPILER, "-std=c11", "-Werror", "-fsyntax-only", "-I", PROJECT / "include", "-I",
                         PROJECT / "src/platform/corefoundation/include", "-xc", "-"], input="\n".join(lines), text=True,
                        check=True)
-        exported = re.findall(r"\b(IDX\w+);", (PROJECT / "cmake" / "catalogcore.map").read_text())
+        exported = re.findall(r"\b(IDX\w+);", (PROJECT / "src" / "catalogcore.map").read_text())
         self.assertEqual(sorted(calls), sorted(exported))
 
 
