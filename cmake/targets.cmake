@@ -11,20 +11,20 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_C_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-check_pie_supported()  # else Clang 14 links programs for a fixed address
+check_pie_supported()  # without this Clang 14 links programs for a fixed address
 
 add_library(catalogcore_options INTERFACE)
 target_compile_options(catalogcore_options INTERFACE
-  -Wall -Wextra -Wpedantic -Werror -Wconversion -Wsign-conversion -Wshadow -Wcast-align -Wformat=2
-  $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>)
+  -Wall -Wextra -Wpedantic $<$<BOOL:${CATALOGCORE_WARNINGS_AS_ERRORS}>:-Werror> -Wconversion -Wsign-conversion -Wshadow
+  -Wcast-align -Wformat=2 $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast -Wnon-virtual-dtor -Woverloaded-virtual>)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-  # GCC 12 takes some additions of std::string for overlapping copies when it optimises (its bug 105651).
+  # With optimisation GCC 12 reports false overlapping copies in additions of std::string (GCC bug 105651).
   target_compile_options(catalogcore_options INTERFACE -Wno-restrict)
 endif()
-# The library reads untrusted files within other people's programs, so a fault that is left must be hard to use.
+# The library parses untrusted files inside other programs. Hardening makes a remaining bug harder to exploit.
 foreach(flag -fstack-protector-strong -fstack-clash-protection -fcf-protection -mbranch-protection=standard)
   string(MAKE_C_IDENTIFIER "HAS${flag}" has_flag)
-  set(CMAKE_REQUIRED_FLAGS -Werror)  # Clang only warns of a flag that the processor has no use for
+  set(CMAKE_REQUIRED_FLAGS -Werror)  # Clang only warns about a flag that the processor does not support
   check_cxx_compiler_flag(${flag} ${has_flag})
   unset(CMAKE_REQUIRED_FLAGS)
   if(${has_flag})
@@ -34,7 +34,7 @@ endforeach()
 if(NOT APPLE)
   target_link_options(catalogcore_options INTERFACE -Wl,-z,relro,-z,now)
 endif()
-if(NOT CATALOGCORE_SANITIZE)  # the sanitizers check the same calls, and more
+if(NOT CATALOGCORE_SANITIZE)  # the sanitizers check the same calls and more
   target_compile_options(catalogcore_options INTERFACE
     $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2>)
 endif()
@@ -47,7 +47,7 @@ if(CATALOGCORE_SANITIZE)
   target_link_options(catalogcore_options INTERFACE -fsanitize=${CATALOGCORE_SANITIZE})
 endif()
 
-# catalogcore_c_program(NAME): a C program that uses the library: with the sanitizers it needs what they know of C++.
+# catalogcore_c_program(NAME): a C program that uses the library. With the sanitizers it needs their C++ runtime.
 function(catalogcore_c_program name)
   target_link_libraries(${name} PRIVATE CatalogCore::catalogcore catalogcore_options)
   if(CATALOGCORE_SANITIZE)
@@ -56,7 +56,7 @@ function(catalogcore_c_program name)
 endfunction()
 
 # catalogcore_module(NAME SOURCES source... [USES target...])
-# A module of the library, under src/: a static library of its own, included as "store/entries.h".
+# A module of the library: a static library from a folder of src/, whose headers are included as "store/entries.h".
 function(catalogcore_module name)
   cmake_parse_arguments(MODULE "" "" "SOURCES;USES" ${ARGN})
   add_library(catalogcore_${name} STATIC ${MODULE_SOURCES})

@@ -1,11 +1,13 @@
-# What an installation holds, in four parts: `runtime`, the libraries and the recognizer's resource; `development`, what a
-# program is built with; `python`; `command`. It may be moved: everything in it is found from where it lies.
+# An installation has four components: `runtime` (the libraries and the recognizer's parameters), `development` (headers, CMake
+# and pkg-config files, pages, examples), `python` and `command`. It can be moved as a whole, because the library finds its
+# data relative to its own location.
 include(CMakePackageConfigHelpers)
 
 set(CATALOGCORE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/CatalogCore)
 set(CATALOGCORE_DOC_DIR ${CMAKE_INSTALL_DATADIR}/doc/catalogcore)
 
-# In /usr the loader needs no help, and Debian wants none there; which prefix it is shows only when it is installed.
+# Below /usr the loader finds the libraries without a run path, and Debian's policy forbids one. The prefix is known only when
+# the project is installed.
 function(catalogcore_no_rpath_in_usr component target folder)
   install(CODE "
     if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\")
@@ -42,13 +44,15 @@ install(FILES ${PROJECT_BINARY_DIR}/catalogcore.pc
 install(DIRECTORY docs/ DESTINATION ${CATALOGCORE_DOC_DIR} COMPONENT development
   FILES_MATCHING PATTERN *.md PATTERN *.svg PATTERN *.jpg)
 install(DIRECTORY examples DESTINATION ${CATALOGCORE_DOC_DIR} COMPONENT development)
+install(FILES CHANGELOG.md LICENSE DESTINATION ${CATALOGCORE_DOC_DIR} COMPONENT development)
 
 if(CATALOGCORE_APP)
   file(RELATIVE_PATH libraries_from_command ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
   set_target_properties(catalogcore_command PROPERTIES INSTALL_RPATH $ORIGIN/${libraries_from_command})
   install(TARGETS catalogcore_command DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
   catalogcore_no_rpath_in_usr(command catalogcore_command ${CMAKE_INSTALL_BINDIR})
-  install(FILES app/catalogcore.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
+  configure_file(app/catalogcore.1.in ${CMAKE_INSTALL_MANDIR}/man1/catalogcore.1 @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_MANDIR}/man1/catalogcore.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
   install(FILES app/catalogcore.bash RENAME catalogcore
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT command)
 endif()
