@@ -1,5 +1,5 @@
-# Makes the comments of a header those that Doxygen reads: of the file, ahead of a declaration, or behind one on its line.
-# Headings of sections stay plain, and so does what stands behind a directive.
+# Turns the plain comments of a header into comments that Doxygen reads: the comment of the file, comments before a declaration,
+# and comments after a declaration on the same line. Headings of sections and comments after a directive stay plain.
 1s|^/\*$|/** @file|
 1s|^//\([^/].*\)|///\1 @file|
 \|^ */[*/] ----|b

@@ -1,7 +1,7 @@
-"""Whether every public name of the headers in include/ is documented: reference_test.py DOXYGEN OUTPUT-FOLDER.
+"""Fails unless every public name of the headers in include/ is documented: reference_test.py DOXYGEN OUTPUT-FOLDER.
 
-A name is documented where one of its declarations is: overloads need one comment. A class's own comment covers its
-constructors, its destructor and its assignments, a file's the namespace.
+A name is documented if one of its declarations is, so overloads need one comment. The comment of a class covers its constructors,
+destructor and assignments, and the comment of a file covers the namespace.
 """
 import collections
 import pathlib
@@ -59,8 +59,8 @@ for file in pathlib.Path(output, "xml").glob("*.xml"):
                 documented[prefix + owner + value.findtext("name")] |= is_documented(value)
 
 for name in re.findall(r"\b(IDX\w+);", (project / "src" / "catalogcore.map").read_text()):
-    documented[name] |= False  # also one that was not found
-missing = sorted(name for name, is_there in documented.items() if not is_there)
+    documented[name] |= False  # a name that Doxygen did not find is missing, too
+missing = sorted(name for name, has_comment in documented.items() if not has_comment)
 print(f"{len(documented) - len(missing)} of {len(documented)} public names are documented")
 if missing:
-    sys.exit("\n  ".join(["reference_test.py: these need a comment ahead of them or behind them on their line:", *missing]))
+    sys.exit("\n  ".join(["reference_test.py: these names need a comment before them or after them on the same line:", *missing]))
