@@ -19,13 +19,13 @@ void Require(bool holds, const char* what) {
   std::abort();
 }
 
-// What the heap has handed out, in its blocks' full size: the allocator's own words and rounding are paid for, too.
+// The bytes allocated from the heap, including the allocator's overhead and rounding.
 double HeapBytes() {
   const struct mallinfo2 info = mallinfo2();
   return static_cast<double>(info.uordblks + info.hblkhd);
 }
 
-// What the paths would take in a block for each.
+// The heap bytes that the paths take, each in a block of its own.
 double PathBytes(const std::vector<std::string>& paths) {
   double bytes = 0;
   for (const std::string& path : paths) {

@@ -1,4 +1,4 @@
-// One catalogue, three ways: our store, a hash map of the standard library, SQLite in memory.
+// The same catalogue in three implementations: the store, a hash map of the standard library, and SQLite in memory.
 #ifndef CATALOGCORE_BENCH_STORE_CATALOGUES_H_
 #define CATALOGCORE_BENCH_STORE_CATALOGUES_H_
 
@@ -16,7 +16,8 @@ namespace catalogcore {
 inline constexpr int kIndexCount = 20;
 inline constexpr int kImagesPerFolder = 3000;
 
-// The images to file, each as the three sides want its texts: paths of 40 to 70 bytes, indexes in turn.
+// The images to file, with their texts in the form that each implementation needs. Paths have 40 to 70 bytes; images
+// take the indexes in turn.
 struct Images {
   explicit Images(int count);
 
@@ -36,15 +37,14 @@ class StoreCatalogue {
   bool Find(int image);
   void Move(int image, int index);
   void Remove(int image);
-  // Where Touch finds the images.
+  // Looks up all images, so that Touch can find them.
   void Resolve();
-  // What no look-up can do without: reads the key sought, a place that tells where the image is, the image, and its key,
-  // and compares the two.
+  // The memory accesses that every look-up needs: reads the key, a pointer to the image, the image and its key, and
+  // compares the two keys.
   bool Touch(int image) const;
-  // The bytes of the heap that the catalogue takes for the images, all added, less what their paths would take in a block
-  // for each.
+  // The heap bytes that the catalogue uses for its images, minus the bytes of their paths.
   double Bytes() const;
-  // Each walk returns a sum over what it read of the images: key lengths and attributes.
+  // Each walk returns the sum of the key lengths and attributes of its images.
   long WalkIndex(int index);
   long WalkFolder(std::size_t folder);
 
@@ -57,7 +57,7 @@ class StoreCatalogue {
   std::vector<const CIDXNode*> nodes_;
 };
 
-// With a list of the images of each index and of each folder; it is asked only for what a map is good at.
+// Also keeps a list of the images of each index and of each folder. Only operations that suit a map are measured.
 class MapCatalogue {
  public:
   explicit MapCatalogue(Images& images);
@@ -78,8 +78,8 @@ class MapCatalogue {
   double before_ = 0;
 };
 
-// One table with the path as its primary key and an index on category and on folder; prepared statements, one
-// transaction.
+// One table with the path as its primary key, and database indexes on category and folder. Uses prepared statements in
+// one transaction.
 class SqliteCatalogue {
  public:
   explicit SqliteCatalogue(Images& images);

@@ -1,4 +1,4 @@
-// The store's key table beside hash tables that are kept by others, all of them on the same entries.
+// The store's key table and hash tables of other libraries, all with the same entries.
 #include <absl/container/flat_hash_set.h>
 #include <malloc.h>
 
@@ -34,7 +34,7 @@ struct Entry : BoostHook {
   std::optional<HashedKey> hashed;
 };
 
-// All of the others' tables take the hash that the entry keeps, and find by a HashedKey without making an entry.
+// All other tables use the hash stored in the entry, and find a HashedKey without constructing an entry.
 struct Hash {
   using is_transparent = void;
   std::size_t operator()(const HashedKey& key) const { return key.hash * std::size_t{0x9E3779B97F4A7C15u}; }
@@ -47,7 +47,7 @@ struct Equal {
   bool operator()(const HashedKey& key, const Entry* entry) const { return key.IsKeyOf(*entry->info); }
   bool operator()(const Entry* entry, const HashedKey& key) const { return key.IsKeyOf(*entry->info); }
   bool operator()(const HashedKey& key, const Entry& entry) const { return key.IsKeyOf(*entry.info); }
-  bool operator()(const Entry* a, const Entry* b) const { return a == b; }  // every key is inserted once
+  bool operator()(const Entry* a, const Entry* b) const { return a == b; }  // no key is inserted twice
   bool operator()(const Entry& a, const Entry& b) const { return &a == &b; }
 };
 
@@ -66,7 +66,8 @@ struct SetTable {
 using StandardTable = SetTable<std::unordered_set<Entry*, Hash, Equal>>;
 using AbseilTable = SetTable<absl::flat_hash_set<Entry*, Hash, Equal>>;
 
-// Links in the entries as ours; the buckets are the caller's, who doubles them and has all entries moved at once.
+// Links the entries themselves, as the store's table does. The caller provides the buckets; doubling them moves all
+// entries at once.
 struct BoostTable {
   using Set = boost::intrusive::unordered_set<Entry, boost::intrusive::hash<Hash>, boost::intrusive::equal<Equal>,
                                               boost::intrusive::power_2_buckets<true>>;

@@ -15,7 +15,7 @@ namespace catalogcore {
 
 namespace {
 
-// Where image number `image` of a catalogue of one shape is filed.
+// A catalogue of a certain shape; `folder` returns the folder of an image.
 struct Shape {
   const char* name;
   int images;
@@ -24,7 +24,7 @@ struct Shape {
 };
 
 std::string OneFolder(int) { return "/home/user/Pictures"; }
-// The index's last image lies in the other folder.
+// The latest image of an index is usually in the other folder.
 std::string TwoFoldersInTurn(int image) { return "/home/user/Pictures/" + std::to_string(image / 8000 % 2); }
 std::string FolderOf3000(int image) { return "/home/user/Pictures/" + std::to_string(image / 3000); }
 std::string FolderOfItsOwn(int image) { return "/home/user/Pictures/" + std::to_string(image); }
@@ -44,7 +44,7 @@ class Catalogue {
     }
     store_.Initialize();
     const CIDXString name;
-    for (int index = 0; index < shape.indexes + 1; ++index) {  // one more than is used, to move to
+    for (int index = 0; index < shape.indexes + 1; ++index) {  // the last one is the target of Move
       indexes_.emplace_back().CopyString(("1/" + std::to_string(10 + index)).c_str());
       store_.AddCell(kIndexTree, indexes_.back(), name, 0);
     }
@@ -79,7 +79,7 @@ class Catalogue {
     }
     if (count != keys_.size()) std::abort();
   }
-  // With all their images, the deepest first.
+  // Removes all folders with their images, the deepest first.
   void RemoveFolders() {
     for (std::size_t i = folders_.size(); i-- > 0;) {
       const std::uint32_t result = store_.RemoveCell(kFolderTree, folders_[i], 0);

@@ -16,7 +16,7 @@ constexpr char kSqlite[] = "SQLite :memory:";
 
 using SharedImages = std::shared_ptr<Images>;
 
-// The images, made on first use: a filter may leave their row out.
+// Creates the images on first use, because a filter may exclude their rows.
 SharedImages MakeImages(SharedImages& images, int count) {
   if (!images) images = std::make_shared<Images>(count);
   return images;
@@ -29,10 +29,10 @@ std::unique_ptr<Catalogue> Filled(Images& images) {
   return catalogue;
 }
 
-// How often a small catalogue is measured in one round: a moment's work is no measurement.
+// The number of repetitions in one round: small catalogues are too fast to be measured once.
 int Repetitions(const Images& images) { return std::max(1, 200000 / images.count); }
 
-// The time of an operation that `all` does on each image, or on all of them in another order.
+// The time per image of `all`, which performs an operation on every image.
 template <typename All>
 double TimeEach(const Images& images, All all) {
   const int repetitions = Repetitions(images);
@@ -41,7 +41,7 @@ double TimeEach(const Images& images, All all) {
   });
 }
 
-// The same for operations that change the catalogue: each repetition has a new one, which `prepare` makes.
+// The same for operations that change the catalogue: `prepare` creates a new catalogue for each repetition.
 template <typename Prepare, typename All>
 double TimeEachOnNew(const Images& images, Prepare prepare, All all) {
   const int repetitions = Repetitions(images);
@@ -62,7 +62,7 @@ double AddAll(Images& images) {
       });
 }
 
-// The slowest of all additions: what a caller may have to wait for one.
+// The time of the slowest addition: the longest that a caller waits.
 template <typename Catalogue>
 double WorstAdd(Images& images) {
   Catalogue catalogue(images);
