@@ -1,5 +1,5 @@
-// Failed allocations that tests/api/allocation_test.cpp does not cover: the roll-back of AddCell, moved cells, the runs of
-// a skip list, and a missing root.
+// Failed allocations that tests/api/allocation_test.cpp does not cover: the roll-back of AddCell, moved cells, the runs
+// of a skip list, and a missing root.
 #include <gtest/gtest.h>
 
 #include "tests/support/catalogue_state.h"
@@ -16,8 +16,8 @@ void Fill(CIndexData& store) {
   store.AddNode(Key("/p/a"), Key("2"), Key("/p"), 0);
 }
 
-// Performs the operation on new stores, with its first, second, third ... allocation failing, until the operation succeeds.
-// `check` compares the states before and after each failure. Returns the number of failures.
+// Performs the operation on new stores, with its first, second, third ... allocation failing, until the operation
+// succeeds. `check` compares the states before and after each failure. Returns the number of failures.
 template <typename Operation, typename Check>
 int FailEach(Operation operation, Check check) {
   for (int failing = 0;; ++failing) {
