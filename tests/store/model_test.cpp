@@ -11,7 +11,7 @@ namespace catalogcore {
 
 namespace {
 
-// CATALOGCORE_MODEL_OPERATIONS sets the number of operations for each pool, CATALOGCORE_MODEL_SEED the first seed.
+// CATALOGCORE_MODEL_OPERATIONS sets the number of operations of all tests, CATALOGCORE_MODEL_SEED the first seed.
 unsigned long Setting(const char* name, unsigned long standard) {
   const char* const value = std::getenv(name);
   return value ? std::strtoul(value, nullptr, 10) : standard;
@@ -211,7 +211,7 @@ class SideBySide {
 
 void ExpectSameAfterEveryStep(const KeyPool& pool) {
   constexpr unsigned long kStepsPerRun = 1000;
-  const unsigned long operations = Setting("CATALOGCORE_MODEL_OPERATIONS", 10000);
+  const unsigned long operations = Setting("CATALOGCORE_MODEL_OPERATIONS", 30000) / 3;
   const unsigned long firstSeed = Setting("CATALOGCORE_MODEL_SEED", 1);
   for (unsigned long done = 0; done < operations; done += kStepsPerRun) {
     const unsigned long seed = firstSeed + done / kStepsPerRun;

@@ -36,7 +36,6 @@ class StoreInspector {
   }
 
   static int Compare(const CIDXCell* a, const CIDXCell* b) { return CIndexData::CompareCell(kIndexTree, a, b); }
-  static bool IsValidKey(int tree, const CIDXString& key) { return CIndexData::IsValidKey(tree, key) == 1; }
 
  private:
   const CIndexData& store_;
