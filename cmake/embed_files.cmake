@@ -1,5 +1,5 @@
-# Writes OUTPUT, a C++ source that defines FUNCTION, which HEADER declares in NAMESPACE. The function returns a table with the
-# name and content of each of FILES, in their order. The names are relative to FOLDER.
+# Writes OUTPUT, a C++ source that defines FUNCTION, which HEADER declares in NAMESPACE. The function returns a table
+# with the name and content of each of FILES, in their order. The names are relative to FOLDER.
 set(arrays "")
 set(rows "")
 set(number 0)

@@ -1,5 +1,5 @@
-# Configuring fails if the version macros of the public header differ from the project's version. The header is not generated,
-# so that programs can include it from the source tree.
+# Configuring fails if the version macros of the public header differ from the project's version. The header is not
+# generated, so that programs can include it from the source tree.
 foreach(part MAJOR MINOR PATCH)
   file(STRINGS ${PROJECT_SOURCE_DIR}/include/catalogcore.h line REGEX "^#define CATALOGCORE_VERSION_${part} ")
   if(NOT line STREQUAL "#define CATALOGCORE_VERSION_${part} ${PROJECT_VERSION_${part}}")

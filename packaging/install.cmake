@@ -1,13 +1,13 @@
-# An installation has four components: `runtime` (the libraries and the recognizer's parameters), `development` (headers, CMake
-# and pkg-config files, pages, examples), `python` and `command`. It can be moved as a whole, because the library finds its
-# data relative to its own location.
+# An installation has four components: `runtime` (the libraries and the recognizer's parameters), `development`
+# (headers, CMake and pkg-config files, pages, examples), `python` and `command`. It can be moved as a whole, because
+# the library finds its data relative to its own location.
 include(CMakePackageConfigHelpers)
 
 set(CATALOGCORE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/CatalogCore)
 set(CATALOGCORE_DOC_DIR ${CMAKE_INSTALL_DATADIR}/doc/catalogcore)
 
-# Below /usr the loader finds the libraries without a run path, and Debian's policy forbids one. The prefix is known only when
-# the project is installed.
+# Below /usr the loader finds the libraries without a run path, and Debian's policy forbids one. The prefix is known
+# only when the project is installed.
 function(catalogcore_no_rpath_in_usr component target folder)
   install(CODE "
     if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\")
@@ -52,7 +52,8 @@ if(CATALOGCORE_APP)
   install(TARGETS catalogcore_command DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT command)
   catalogcore_no_rpath_in_usr(command catalogcore_command ${CMAKE_INSTALL_BINDIR})
   configure_file(app/catalogcore.1.in ${CMAKE_INSTALL_MANDIR}/man1/catalogcore.1 @ONLY)
-  install(FILES ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_MANDIR}/man1/catalogcore.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
+  install(FILES ${PROJECT_BINARY_DIR}/${CMAKE_INSTALL_MANDIR}/man1/catalogcore.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT command)
   install(FILES app/catalogcore.bash RENAME catalogcore
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT command)
 endif()

@@ -1,5 +1,5 @@
-# Debian packages, one for each component of the installation: libcatalogcore1, libcatalogcore-dev, python3-catalogcore and
-# catalogcore.
+# Debian packages, one for each component of the installation: libcatalogcore1, libcatalogcore-dev, python3-catalogcore
+# and catalogcore.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME catalogcore)
 set(CPACK_PACKAGE_VENDOR "The CatalogCore authors")
@@ -65,7 +65,8 @@ by their paper size, photographs by whether they show faces. It keeps a
 catalogue of them, makes a gallery page to browse the catalogue, and never
 changes the picture files.")
 
-# Debian's policy requires a copyright file and a changelog in each package. An installation in a folder has no use for them.
+# Debian's policy requires a copyright file and a changelog in each package. An installation in a folder has no use for
+# them.
 set(changelog ${PROJECT_BINARY_DIR}/debian/changelog.gz)
 execute_process(COMMAND gzip -9nc ${PROJECT_SOURCE_DIR}/CHANGELOG.md OUTPUT_FILE ${changelog})
 foreach(component IN LISTS CPACK_COMPONENTS_ALL)

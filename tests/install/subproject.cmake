@@ -1,5 +1,5 @@
-# Configures a project that adds this one as a subfolder: -DROOT=... -DFOLDER=... . It gets the library and no more: neither
-# tests, command nor packages, and no -Werror.
+# Configures a project that adds this one as a subfolder: -DROOT=... -DFOLDER=... . It gets the library and no more:
+# neither tests, command nor packages, and no -Werror.
 file(REMOVE_RECURSE ${FOLDER})
 file(WRITE ${FOLDER}/program.cpp "")
 file(WRITE ${FOLDER}/CMakeLists.txt [[
