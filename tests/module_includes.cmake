@@ -6,7 +6,7 @@ set(MODULES
   "src/scene: base platform/large_block.h CoreFoundation catalogcore.h"
   "src/api: base scene store CoreFoundation catalogcore.h"
   "src/persist: api base store platform/large_block.h CoreFoundation catalogcore.h"
-  "src/engines: scene/brenn.h scene/orlo.h"
+  "src/engines: base scene/brenn.h scene/orlo.h"
   "app: CoreFoundation catalogcore.h"
   "src/platform/corefoundation: platform/large_block.h CoreFoundation")
 

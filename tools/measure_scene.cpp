@@ -15,7 +15,7 @@
 #include <utility>
 #include <vector>
 
-#include "engines/document_type/parameter_block.h"
+#include "engines/document_type/model.h"
 #include "scene/detect_scene.h"
 #include "tools/model_training.h"
 #include "tools/picture_variants.h"

@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "engines/document_type/parameter_block.h"
+#include "engines/document_type/model.h"
 #include "tools/model_training.h"
 #include "tools/tool_main.h"
 #include "tools/training_data.h"

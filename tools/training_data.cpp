@@ -97,12 +97,12 @@ std::vector<Condition> AllConditions() {
 
 document_type::FeatureVector Measure(const SourcePicture& picture) {
   const PreparedPicture prepared = PreparePicture(picture);
-  document_type::PictureRecord record;
+  document_type::CheckedRecord record;
   if (document_type::ReadRecord(prepared.record.data(), record) != document_type::Fault::kNone) {
     throw std::runtime_error("the recognizer refuses a prepared picture");
   }
   return document_type::MeasureFeatures(
-      document_type::MakeWorkingCopy(document_type::Picture(record, prepared.pixels.data())));
+      document_type::MakeWorkingCopy(document_type::AnalysedArea(record, prepared.pixels.data())));
 }
 
 std::vector<std::vector<document_type::FeatureVector>> MeasureVariants(const std::vector<LabelledPicture>& pictures,

@@ -3,7 +3,7 @@
 #include <cstring>
 #include <span>
 
-#include "engines/document_type/parameter_block.h"
+#include "engines/document_type/model.h"
 #include "fuzz/support/fuzzer.h"
 #include "tests/engines/painted.h"
 

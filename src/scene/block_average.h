@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-#include "scene/pixel_view.h"
+#include "base/pixel_view.h"
 #include "scene/tone_curve.h"
 
 namespace catalogcore {

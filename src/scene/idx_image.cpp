@@ -8,9 +8,9 @@
 #include <span>
 #include <utility>
 
+#include "base/pixel_view.h"
 #include "platform/large_block.h"
 #include "scene/block_average.h"
-#include "scene/pixel_view.h"
 #include "scene/tone_curve.h"
 
 namespace catalogcore {

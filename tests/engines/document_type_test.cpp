@@ -16,9 +16,8 @@
 
 #include "engines/document_type/fault.h"
 #include "engines/document_type/features.h"
-#include "engines/document_type/parameter_block.h"
+#include "engines/document_type/model.h"
 #include "engines/document_type/picture.h"
-#include "engines/document_type/working_copy.h"
 #include "scene/brenn.h"
 #include "tests/engines/painted.h"
 
@@ -105,9 +104,9 @@ TEST(Brenn, DecidesPagesAndPhotographsAtEveryDepth) {
 
 FeatureVector Features(const SourcePicture& source) {
   const PreparedPicture picture = tools::PreparePicture(source);
-  PictureRecord record{};
+  CheckedRecord record{};
   EXPECT_EQ(ReadRecord(picture.record.data(), record), Fault::kNone);
-  return MeasureFeatures(MakeWorkingCopy(Picture(record, picture.pixels.data())));
+  return MeasureFeatures(MakeWorkingCopy(AnalysedArea(record, picture.pixels.data())));
 }
 
 // Every feature, so that a wrong sign in any of them shows, whatever weight the model gives it.

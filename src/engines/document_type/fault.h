@@ -1,4 +1,4 @@
-// What the recognizer answers when it does not decide: one code per fault, 1 to 255, never given another meaning.
+// The recognizer's failure codes, 1 to 255. A code never changes its meaning.
 #ifndef CATALOGCORE_ENGINES_DOCUMENT_TYPE_FAULT_H_
 #define CATALOGCORE_ENGINES_DOCUMENT_TYPE_FAULT_H_
 
@@ -19,20 +19,20 @@ enum class Fault : std::int32_t {
   kRecordTag = 10,        // not kBrennRecordTag
   kSamplesPerPixel = 11,  // neither 1 nor 3
   kBitsPerSample = 12,    // neither 8 nor 16
-  kRecordConstants = 13,  // one of the fixed fields (2, 1, 16, 16) holds something else
-  kPictureSize = 14,      // a width or height of 0 or beyond kLargestSide, or more bytes than 31 bits can tell
+  kRecordConstants = 13,  // a constant field (2, 1, 16, 16) has another value
+  kPictureSize = 14,      // width or height is 0 or above kLargestSide, or the pixels take more than 2^31 - 1 bytes
   kStride = 15,           // shorter than a row of pixels
-  kResolution = 16,       // below 75 dots per inch, or not the same both ways
-  kArea = 17,             // reaches outside the picture, or is smaller than kSmallestSide on a side
+  kResolution = 16,       // below 75 dots per inch, or different across and down
+  kArea = 17,             // reaches outside the picture, or has a side below kSmallestSide
 
   // The parameter block.
-  kBlockTooShort = 20,  // has no whole header
+  kBlockTooShort = 20,  // shorter than its header
   kBlockTag = 21,       // does not start with "SGIPPDEF"
-  kBlockSize = 22,      // its own size is not the size handed in
-  kBlockVersion = 23,   // a version of the layout that this engine does not know
-  kBlockCounts = 24,    // made for other features, or names one that there is not, or the counts do not give the size
-  kBlockChecksum = 25,  // damaged
-  kBlockNumber = 26,    // holds a number that is not finite, or a scale that is not positive
+  kBlockSize = 22,      // the size in the header is not the size of the block
+  kBlockVersion = 23,   // unknown version of the layout
+  kBlockCounts = 24,    // the number of features is wrong, a feature is unknown, or the counts do not match the size
+  kBlockChecksum = 25,  // the check sum does not match
+  kBlockNumber = 26,    // a number is not finite, or a scale is not above 0
 
   kOutOfMemory = 30,
   kUnexpected = 31,

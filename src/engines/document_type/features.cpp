@@ -4,15 +4,12 @@
 #include <cmath>
 #include <cstdint>
 
-#include "engines/document_type/texture_features.h"
-#include "engines/document_type/tone_features.h"
-
 namespace catalogcore::document_type {
 namespace {
 
 constexpr int kColourful = 48;
 
-// Sums of whole numbers, so that turning the sign of a sample difference changes no bit of the variance.
+// The sums are integers, so the variance is exactly the same when every value changes its sign.
 double Variance(std::int64_t sum, std::int64_t square, double count) {
   const double mean = static_cast<double>(sum) / count;
   return std::max(0.0, static_cast<double>(square) / count - mean * mean);
@@ -48,7 +45,8 @@ void MeasureColour(const WorkingCopy& copy, FeatureVector& features) {
 FeatureVector MeasureFeatures(const WorkingCopy& copy) {
   FeatureVector features{};
   MeasureTones(copy, features);
-  MeasureTexture(copy, features);
+  const double meanGradient = MeasureTexture(copy, features);
+  MeasureBlocks(copy, meanGradient, features);
   MeasureColour(copy, features);
   features[kPictureSize] = std::log2(static_cast<double>(std::max(copy.width, copy.height)));
   return features;

@@ -1,69 +1,89 @@
-// The numbers that describe a picture to the model. All but the size are shares, ratios or bounded means, so that
-// pictures of any size compare; none depends on the order of the three samples, and hardly any on a turn of the page by a quarter.
+// The numbers that describe a picture to the model. All but the size are shares, ratios or bounded means, so pictures of
+// any size compare. No feature depends on the order of the three samples. A quarter turn of the page changes most
+// features little.
 #ifndef CATALOGCORE_ENGINES_DOCUMENT_TYPE_FEATURES_H_
 #define CATALOGCORE_ENGINES_DOCUMENT_TYPE_FEATURES_H_
 
 #include <array>
 #include <cstddef>
 
-#include "engines/document_type/working_copy.h"
+#include "engines/document_type/picture.h"
 
 namespace catalogcore::document_type {
 
-// Tones run from 0 (black) to 1 (white). "Paper" is the commonest tone. A tile is one of 8 x 8 parts of the picture;
-// a block is 8 x 8 pixels of the working copy. A block is busy when the tones of its 3 x 3 neighbourhood span enough
-// for print; "ink" is what is darker than half way there, the rest is "ground".
+// Tones run from 0 (black) to 1 (white). "Paper" is the commonest tone. The picture is divided into 8 x 8 tiles. A block is
+// 8 x 8 pixels of the working copy. A block is busy when the tones of its 3 x 3 neighbourhood span at least kBusyRange.
+// In a busy block, pixels darker than the middle of that span are "ink", the others "ground".
 enum Feature : std::size_t {
-  kPaperTone,          // tone of the histogram's peak
-  kPaperShare,         // pixels of about the paper's tone
-  kPeakSharpness,      // pixels of nearly the paper's tone among those of about it
-  kLighterShare,       // pixels clearly lighter than paper
-  kDarkerShare,        // pixels far darker than paper
-  kToneEntropy,        // spread of the histogram
-  kToneSeparation,     // how well two classes of tones explain the picture (Otsu's criterion)
-  kDarkClassShare,     // pixels in the darker of the two
-  kClassContrast,      // distance of the two classes' means
-  kBetweenShare,       // pixels in the middle half between the two means
-  kTilePeak,           // median over tiles of the share of pixels about the tile's commonest tone
-  kPaperTiles,         // tiles of one light tone with some much darker pixels and few lighter ones
-  kTilePeakSpread,     // spread of the tiles' commonest tones
-  kFlatGradients,      // pixels with next to no gradient
-  kMiddlingGradients,  // pixels with a gradient as of shading and soft texture
-  kStrongGradients,    // pixels with a gradient as of print
-  kStrongOfSteep,      // strong gradients among all that are not flat
-  kAlignedGradients,   // strong gradients that run along the rows or the columns
-  kFlatBlocks,         // blocks with a small range of tones
-  kMiddlingBlocks,     // blocks with a middling range
-  kFlatAtPaper,        // flat blocks of about the paper's tone among the flat ones
-  kCoarseVariance,     // share of the tones' variance that block means keep
-  kCoarseGradient,     // gradient between block means over gradient between pixels
+  kPaperTone,          // tone at the peak of the histogram
+  kPaperShare,         // share of pixels close to the tone of paper
+  kPeakSharpness,      // share of the pixels of kPaperShare that are very close to it
+  kLighterShare,       // share of pixels clearly lighter than paper
+  kDarkerShare,        // share of pixels far darker than paper
+  kToneEntropy,        // entropy of the histogram
+  kToneSeparation,     // between-class variance over total variance at the best threshold (Otsu)
+  kDarkClassShare,     // share of pixels in the darker class
+  kClassContrast,      // difference of the two classes' means
+  kBetweenShare,       // share of pixels in the middle half between the two means
+  kTilePeak,           // median over tiles: share of pixels close to the tile's commonest tone
+  kPaperTiles,         // share of tiles with one light tone, some much darker pixels and few lighter ones
+  kTilePeakSpread,     // deviation of the tiles' commonest tones
+  kFlatGradients,      // share of pixels with almost no gradient
+  kMiddlingGradients,  // share of pixels with a gradient typical of shading and soft texture
+  kStrongGradients,    // share of pixels with a gradient typical of print
+  kStrongOfSteep,      // strong gradients among all gradients that are not flat
+  kAlignedGradients,   // strong gradients along rows or columns among the strong ones
+  kFlatBlocks,         // share of blocks with a small range of tones
+  kMiddlingBlocks,     // share of blocks with a medium range of tones
+  kFlatAtPaper,        // blocks close to the tone of paper among the flat blocks
+  kCoarseVariance,     // variance of block means over variance of pixels
+  kCoarseGradient,     // mean gradient between block means over mean gradient between pixels
   kLineShare,          // pixels on thin lines over pixels with a gradient
   kDarkLines,          // dark minus light among the pixels on thin lines
-  kBusyShare,          // blocks that are busy
+  kBusyShare,          // share of blocks that are busy
   kInkShare,           // ink among the pixels of busy blocks
-  kCleanGround,        // ground close to the lightest tone of its neighbourhood
-  kCleanInk,           // ink close to the darkest
-  kGroundSpread,       // spread of the lightest tones of busy neighbourhoods
-  kInkSpread,          // spread of the darkest tones
-  kGroundIsPaper,      // busy neighbourhoods whose lightest tone is about the paper's
-  kShortInkAlong,      // ink in runs of at most kShortRun pixels, in the direction with more of it
-  kShortInkAcross,     // the same in the direction with less
-  kInkRunsAlong,       // number of ink runs for each pixel of busy blocks, in the direction with more
-  kInkRunsAcross,      // with less
-  kInkRunLength,       // mean length of ink runs, in kShortRun pixels, in the direction where they are shorter
-  kProfileAlong,       // change of ink from one line to the next, in the direction with more
-  kProfileAcross,      // with less
+  kCleanGround,        // share of ground close to the lightest tone of its neighbourhood
+  kCleanInk,           // share of ink close to the darkest tone of its neighbourhood
+  kGroundSpread,       // deviation of the lightest tones of busy neighbourhoods
+  kInkSpread,          // deviation of the darkest tones of busy neighbourhoods
+  kGroundIsPaper,      // busy neighbourhoods whose lightest tone is close to paper
+  kShortInkAlong,      // share of ink in runs of at most kShortRun pixels, larger of both directions
+  kShortInkAcross,     // the smaller of both directions
+  kInkRunsAlong,       // ink runs per pixel of busy blocks, larger of both directions
+  kInkRunsAcross,      // the smaller of both directions
+  kInkRunLength,       // mean length of ink runs in units of kShortRun, smaller of both directions
+  kProfileAlong,       // change of ink from line to line over all ink, larger of both directions
+  kProfileAcross,      // the smaller of both directions
   kChroma,             // mean chroma
-  kColourfulShare,     // cells with much chroma
-  kColourSpread,       // spread of colour, without the common tint that old paper has
-  kPictureSize,        // binary logarithm of the working copy's longer side; counts together with others alone
+  kColourfulShare,     // share of cells with much chroma
+  kColourSpread,       // deviation of colour; ignores an even tint, as old paper has
+  kPictureSize,        // binary logarithm of the working copy's longer side; used only in products
   kFeatureCount
 };
 
+inline constexpr int kBusyRange = 48;        // of 255 tones
+inline constexpr std::size_t kShortRun = 7;  // pixels
+
 using FeatureVector = std::array<double, kFeatureCount>;
+
+// 0 if `whole` is not above 0.
+inline double Ratio(double part, double whole) { return whole > 0 ? part / whole : 0; }
 
 // Throws std::bad_alloc.
 FeatureVector MeasureFeatures(const WorkingCopy& copy);
+
+// The parts of MeasureFeatures in the order in which it calls them, each in a file of its own. MeasureBlocks reads
+// kPaperTone, which MeasureTones sets.
+
+// tone_features.cpp: kPaperTone to kTilePeakSpread.
+void MeasureTones(const WorkingCopy& copy, FeatureVector& features);
+
+// texture_features.cpp: kFlatGradients to kAlignedGradients, kLineShare, kDarkLines. Returns the mean gradient, in tones of
+// 255.
+double MeasureTexture(const WorkingCopy& copy, FeatureVector& features);
+
+// block_features.cpp: kFlatBlocks to kCoarseGradient, kBusyShare to kProfileAcross.
+void MeasureBlocks(const WorkingCopy& copy, double meanGradient, FeatureVector& features);
 
 }  // namespace catalogcore::document_type
 

@@ -1,13 +1,14 @@
-// The recognizer's one operation: it checks what it is given, measures the picture and lets the model decide.
-// It keeps nothing from one call to the next and may be called by several threads at once.
+// The recognizer's only operation: checks the arguments, measures the picture and lets the model decide. No state
+// survives a call; several threads may call at once.
+#include <cstdint>
 #include <cstring>
 #include <new>
+#include <span>
 
 #include "engines/document_type/fault.h"
 #include "engines/document_type/features.h"
-#include "engines/document_type/parameter_block.h"
+#include "engines/document_type/model.h"
 #include "engines/document_type/picture.h"
-#include "engines/document_type/working_copy.h"
 #include "scene/brenn.h"
 
 namespace catalogcore::document_type {
@@ -20,13 +21,13 @@ Fault Recognize(const unsigned char* record, const void* pixels, unsigned char* 
   if (result == nullptr) return Fault::kNullResult;
   if (paramData == nullptr) return Fault::kNullParameters;
 
-  PictureRecord picture;
-  if (const Fault fault = ReadRecord(record, picture); fault != Fault::kNone) return fault;
+  CheckedRecord checked;
+  if (const Fault fault = ReadRecord(record, checked); fault != Fault::kNone) return fault;
   Model model;
   const std::span block(static_cast<const std::uint8_t*>(paramData), paramSize);
   if (const Fault fault = ReadParameterBlock(block, model); fault != Fault::kNone) return fault;
 
-  const std::uint16_t word = model.Decide(MeasureFeatures(MakeWorkingCopy(Picture(picture, pixels))));
+  const std::uint16_t word = model.Decide(MeasureFeatures(MakeWorkingCopy(AnalysedArea(checked, pixels))));
   std::memcpy(result, &word, sizeof word);
   return Fault::kNone;
 }
@@ -45,7 +46,7 @@ Fault RecognizeWithoutThrowing(const unsigned char* record, const void* pixels, 
 }  // namespace
 }  // namespace catalogcore::document_type
 
-// The reserved word and the caller's name decide nothing.
+// Ignores the reserved word and the caller's name.
 extern "C" std::int32_t DocumentTypeRecognize(std::int32_t, const char*, const unsigned char* record,
                                               const void* pixels, unsigned char* result, std::uint32_t paramSize,
                                               const void* paramData) {

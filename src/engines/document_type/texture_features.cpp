@@ -1,23 +1,15 @@
-#include "engines/document_type/texture_features.h"
-
+// Features of the tones' change from pixel to pixel: gradients and thin lines.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <vector>
 
-#include "engines/document_type/blocks.h"
-#include "engines/document_type/ink.h"
-#include "engines/document_type/lines.h"
+#include "engines/document_type/features.h"
 
 namespace catalogcore::document_type {
 namespace {
 
-double Ratio(double part, double whole) { return whole > 0 ? part / whole : 0; }
-
-constexpr double kBlockPixels = kBlockSide * kBlockSide;
-
-// Gradients: the larger of the differences to the right and to the lower neighbour.
+// The gradient of a pixel is the larger of its differences from the pixel to the right and the pixel below.
 constexpr int kFlatGradient = 3;
 constexpr int kMiddlingGradient = 20;
 constexpr int kStrongGradient = 48;
@@ -29,9 +21,10 @@ struct GradientCounts {
 
 GradientCounts CountGradients(const WorkingCopy& copy) {
   GradientCounts counts;
+  const PixelView grey = copy.Grey();
   for (std::size_t y = 0; y + 1 < copy.height; ++y) {
-    const std::uint8_t* const row = copy.grey.data() + y * copy.width;
-    const std::uint8_t* const next = row + copy.width;
+    const auto row = grey.Row(y);
+    const auto next = grey.Row(y + 1);
     std::uint32_t flat = 0;
     std::uint32_t middling = 0;
     std::uint32_t strong = 0;
@@ -65,66 +58,59 @@ void MeasureGradients(const GradientCounts& counts, FeatureVector& features) {
   features[kStrongOfSteep] = Ratio(counts.strong, counts.all - counts.flat);
 }
 
-void MeasureBlockRanges(const BlockGrid& grid, FeatureVector& features) {
-  const double paper = features[kPaperTone] * 255;
-  double flat = 0;
-  double flatAtPaper = 0;
-  double middling = 0;
-  for (const Block& block : grid.blocks) {
-    const int range = block.high - block.low;
-    flat += range < 16;
-    flatAtPaper += range < 16 && std::abs(block.sum / kBlockPixels - paper) < 8;
-    middling += range >= 16 && range < 64;
+// Thin lines are pixels clearly darker, or clearly lighter, than the pixels kReach to either side. Print consists of dark
+// lines. Photographs have few lines, about as many dark as light.
+constexpr std::size_t kReach = 3;    // pixels
+constexpr int kClearly = 24;         // tones
+constexpr std::size_t kRowStep = 2;  // only every other row is read
+
+struct LineCounts {
+  std::uint32_t dark = 0, light = 0, seen = 0;
+};
+
+LineCounts CountLines(const WorkingCopy& copy) {
+  LineCounts counts;
+  const PixelView grey = copy.Grey();
+  for (std::size_t y = kReach; y + kReach < copy.height; y += kRowStep) {
+    const auto here = grey.Row(y);
+    const auto above = grey.Row(y - kReach);
+    const auto below = grey.Row(y + kReach);
+    std::uint32_t dark = 0;
+    std::uint32_t light = 0;
+    for (std::size_t x = kReach; x + kReach < copy.width; ++x) {
+      const int left = here[x - kReach];
+      const int right = here[x + kReach];
+      // The lighter and the darker of the two surroundings, across and down.
+      const int ground = std::max(std::min<int>(left, right), std::min<int>(above[x], below[x]));
+      const int shade = std::min(std::max<int>(left, right), std::max<int>(above[x], below[x]));
+      dark += ground - here[x] >= kClearly;
+      light += here[x] - shade >= kClearly;
+    }
+    counts.dark += dark;
+    counts.light += light;
+    counts.seen += static_cast<std::uint32_t>(copy.width - 2 * kReach);
   }
-  features[kFlatBlocks] = flat / static_cast<double>(grid.blocks.size());
-  features[kFlatAtPaper] = Ratio(flatAtPaper, flat);
-  features[kMiddlingBlocks] = middling / static_cast<double>(grid.blocks.size());
+  return counts;
 }
 
-// Small things (print) vanish in the means of blocks, large ones (what photographs show) stay.
-void MeasureScales(const WorkingCopy& copy, const BlockGrid& grid, double meanGradient, FeatureVector& features) {
-  double sum = 0;
-  double square = 0;
-  double change = 0;
-  std::size_t pairs = 0;
-  for (std::size_t y = 0; y < grid.height; ++y) {
-    for (std::size_t x = 0; x < grid.width; ++x) {
-      const Block* const block = &grid.blocks[y * grid.width + x];
-      const double mean = block->sum / kBlockPixels;
-      sum += mean;
-      square += mean * mean;
-      if (x + 1 == grid.width || y + 1 == grid.height) continue;
-      change +=
-          std::max(std::abs(mean - block[1].sum / kBlockPixels), std::abs(mean - block[grid.width].sum / kBlockPixels));
-      ++pairs;
-    }
-  }
-  const auto count = static_cast<double>(grid.blocks.size());
-  const double coarse = std::max(0.0, square / count - sum / count * (sum / count));
-
-  std::uint64_t total = 0;
-  std::uint64_t totalSquare = 0;
-  for (const std::uint8_t tone : copy.grey) {
-    total += tone;
-    totalSquare += static_cast<std::uint64_t>(tone) * tone;
-  }
-  const auto pixels = static_cast<double>(copy.grey.size());
-  const double mean = static_cast<double>(total) / pixels;
-  const double variance = static_cast<double>(totalSquare) / pixels - mean * mean;
-  features[kCoarseVariance] = std::min(1.0, Ratio(coarse, variance));
-  features[kCoarseGradient] = std::min(8.0, Ratio(change / static_cast<double>(pairs), meanGradient));
+// REQUIRES: kStrongGradients and kMiddlingGradients are set.
+void MeasureLines(const WorkingCopy& copy, FeatureVector& features) {
+  const LineCounts counts = CountLines(copy);
+  const double lines = static_cast<double>(counts.dark) + counts.light;
+  const double seen = counts.seen;
+  const double steep = (features[kStrongGradients] + features[kMiddlingGradients]) * seen;
+  features[kLineShare] = std::min(4.0, lines / (steep + 0.01 * seen));
+  // The second summand keeps a few lines from deciding the balance.
+  features[kDarkLines] = (static_cast<double>(counts.dark) - counts.light) / (lines + 0.002 * seen);
 }
 
 }  // namespace
 
-void MeasureTexture(const WorkingCopy& copy, FeatureVector& features) {
+double MeasureTexture(const WorkingCopy& copy, FeatureVector& features) {
   const GradientCounts gradients = CountGradients(copy);
   MeasureGradients(gradients, features);
   MeasureLines(copy, features);
-  const BlockGrid grid = CutIntoBlocks(copy);
-  MeasureBlockRanges(grid, features);
-  MeasureScales(copy, grid, static_cast<double>(gradients.sum) / gradients.all, features);
-  MeasureInk(copy, grid, features);
+  return static_cast<double>(gradients.sum) / gradients.all;
 }
 
 }  // namespace catalogcore::document_type

@@ -1,8 +1,10 @@
-#include "engines/document_type/tone_features.h"
-
+// Features of the tones: of the whole picture's histogram, and tile by tile.
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdint>
+
+#include "engines/document_type/features.h"
 
 namespace catalogcore::document_type {
 namespace {
@@ -14,14 +16,15 @@ constexpr std::size_t kNear = 3;   // bins on either side that count as the same
 
 using Histogram = std::array<std::uint32_t, kBins>;
 
-// All of it; the rows and columns that do not fill a tile go with the last one.
+// The histograms cover every pixel: the last row and column of tiles take the remainder.
 std::array<Histogram, kTiles> TileHistograms(const WorkingCopy& copy) {
   std::array<Histogram, kTiles> tiles{};
   const std::size_t tileWidth = copy.width / kTilesPerSide;
   const std::size_t tileHeight = copy.height / kTilesPerSide;
+  const PixelView grey = copy.Grey();
   for (std::size_t y = 0; y < copy.height; ++y) {
     const std::size_t tileRow = std::min(y / tileHeight, kTilesPerSide - 1);
-    const std::uint8_t* const row = copy.grey.data() + y * copy.width;
+    const auto row = grey.Row(y);
     for (std::size_t column = 0; column < kTilesPerSide; ++column) {
       Histogram& tile = tiles[tileRow * kTilesPerSide + column];
       const std::size_t end = column + 1 == kTilesPerSide ? copy.width : (column + 1) * tileWidth;
@@ -41,7 +44,7 @@ double Total(const Histogram& histogram) { return Share(histogram, 0, kBins, 1.0
 
 std::size_t Below(std::size_t bin, std::size_t by) { return bin < by ? 0 : bin - by; }
 
-// The bin with most pixels in and beside it.
+// The bin with the most pixels in it and its two neighbours.
 std::size_t Peak(const Histogram& histogram) {
   std::size_t best = 0;
   double most = -1;
@@ -65,8 +68,8 @@ double Entropy(const Histogram& histogram, double total) {
   return sum / std::log2(static_cast<double>(kBins));
 }
 
-// N. Otsu, "A threshold selection method from gray-level histograms", 1979: the threshold at which the variance
-// between the two classes is largest.
+// The threshold at which the variance between the two classes is largest: N. Otsu, "A threshold selection method from
+// gray-level histograms", 1979.
 struct TwoClasses {
   double separation = 0;  // between-class over total variance
   double darkShare = 1;
@@ -102,7 +105,7 @@ TwoClasses SplitTones(const Histogram& histogram, double total) {
 
 double SquareRoot(double variance) { return std::sqrt(std::max(0.0, variance)); }
 
-// Paper is one tone, with some pixels far darker and hardly any lighter; a tile without ink counts half.
+// Paper has one tone, some pixels far darker and hardly any lighter. A tile without ink counts half.
 double PaperLikeness(const Histogram& tile, std::size_t peak, double total) {
   const double same = Share(tile, Below(peak, kNear), peak + kNear + 1, total);
   const double lighter = Share(tile, peak + kNear + 1, kBins, total);
