@@ -46,7 +46,9 @@ FeatureVector MeasureFeatures(const WorkingCopy& copy) {
   FeatureVector features{};
   MeasureTones(copy, features);
   const double meanGradient = MeasureTexture(copy, features);
-  MeasureBlocks(copy, meanGradient, features);
+  const ToneBlocks grid = CutIntoBlocks(copy);
+  MeasureBlocks(copy, grid, meanGradient, features);
+  MeasureInk(copy, grid, features);
   MeasureColour(copy, features);
   features[kPictureSize] = std::log2(static_cast<double>(std::max(copy.width, copy.height)));
   return features;

@@ -6,6 +6,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <vector>
 
 #include "engines/document_type/picture.h"
 
@@ -72,18 +74,37 @@ inline double Ratio(double part, double whole) { return whole > 0 ? part / whole
 // Throws std::bad_alloc.
 FeatureVector MeasureFeatures(const WorkingCopy& copy);
 
-// The parts of MeasureFeatures in the order in which it calls them, each in a file of its own. MeasureBlocks reads
-// kPaperTone, which MeasureTones sets.
+// The parts of MeasureFeatures in the order in which it calls them, each in the file of its name. MeasureBlocks and
+// MeasureInk read kPaperTone, which MeasureTones sets.
 
-// tone_features.cpp: kPaperTone to kTilePeakSpread.
+// Sets kPaperTone to kTilePeakSpread.
 void MeasureTones(const WorkingCopy& copy, FeatureVector& features);
 
-// texture_features.cpp: kFlatGradients to kAlignedGradients, kLineShare, kDarkLines. Returns the mean gradient, in tones of
-// 255.
+// Sets kFlatGradients to kAlignedGradients, kLineShare and kDarkLines. Returns the mean gradient, in tones of 255.
 double MeasureTexture(const WorkingCopy& copy, FeatureVector& features);
 
-// block_features.cpp: kFlatBlocks to kCoarseGradient, kBusyShare to kProfileAcross.
-void MeasureBlocks(const WorkingCopy& copy, double meanGradient, FeatureVector& features);
+inline constexpr std::size_t kBlockSide = 8;  // pixels
+
+struct ToneBlock {
+  std::uint8_t low;   // darkest tone
+  std::uint8_t high;  // lightest tone
+  std::uint16_t sum;  // of all tones
+};
+
+struct ToneBlocks {
+  std::size_t width = 0;  // blocks, at least 2
+  std::size_t height = 0;
+  std::vector<ToneBlock> blocks;  // width x height
+};
+
+// Leaves out rows and columns that do not fill a block.
+ToneBlocks CutIntoBlocks(const WorkingCopy& copy);
+
+// Sets kFlatBlocks to kCoarseGradient.
+void MeasureBlocks(const WorkingCopy& copy, const ToneBlocks& grid, double meanGradient, FeatureVector& features);
+
+// Sets kBusyShare to kProfileAcross.
+void MeasureInk(const WorkingCopy& copy, const ToneBlocks& grid, FeatureVector& features);
 
 }  // namespace catalogcore::document_type
 
