@@ -1,5 +1,5 @@
-// The scene detector: decides what a picture shows from the application's hints, its size, and what the document-type
-// recognizer and the face detector say.
+// The scene detector: decides what a picture shows from the application's hints, the picture's size, the document-type
+// recognizer and the face detector.
 #ifndef CATALOGCORE_SCENE_DETECT_SCENE_H_
 #define CATALOGCORE_SCENE_DETECT_SCENE_H_
 
@@ -12,25 +12,25 @@
 
 namespace catalogcore {
 
-// What kind of picture it is.
 enum SceneClass : std::int32_t {
   kClassUnknown = -1,
   kClassDocument = 1,
   kClassPhoto = 3,
 };
 
-// What is known beyond the class: for a document the index of its paper (document_size.cpp), or one of these.
+// The refinement of the class. For a document this is the index of its paper (PaperSize in detect_scene.cpp), or one of
+// these values.
 enum SceneValue : std::int32_t {
   kValueUnknown = -1,
-  kDocumentFixed = 10,  // the application said so
-  kDocumentOther = 99,  // no paper is of its size
+  kDocumentFixed = 10,  // by the hint fixedScene
+  kDocumentOther = 99,  // no paper matches
   kPhotoFaces = 1,
   kPhotoOfKind3 = 4,
   kPhotoNoFaces = 5,
   kPhotoSmall = 99,  // below 50 pixels on a side
 };
 
-// REQUIRES: DetectScene's caller holds Region; no other thread uses the detector while one of the rest runs.
+// REQUIRES: the caller of DetectScene holds Region; no other operation runs while another thread uses the detector.
 class CDetectScene {
  public:
   CDetectScene();
@@ -38,19 +38,19 @@ class CDetectScene {
   CDetectScene(const CDetectScene&) = delete;
   CDetectScene& operator=(const CDetectScene&) = delete;
 
-  // Reads the recognizer's parameter block, anew if there is one. IDX_OK; IDXERR_DETECTOR without a block, and then
-  // detections that need the recognizer give it too.
+  // Reads the recognizer's parameter block and replaces the previous block. Returns IDX_OK, or IDXERR_DETECTOR if the block
+  // is missing; detections that need the recognizer then return IDXERR_DETECTOR too.
   IDXSTATUS Initialize();
 
   using ParameterBlock = HeapBlock<unsigned char[]>;
 
-  // Takes this parameter block of `size` bytes in place of the bundle's; for tools that measure blocks.
+  // Uses this parameter block of `size` bytes instead of the bundle's; for tools that measure blocks.
   void InitializeWith(ParameterBlock block, std::uint32_t size);
 
-  // Gives the parameter block up.
+  // Frees the parameter block.
   void Uninitialize();
 
-  // Decides class and value; both are -1 where nothing is decided. Statuses are those of IDXDetectScene.
+  // Decides class and value; each is -1 if undetermined. Returns the statuses of IDXDetectScene.
   IDXSTATUS DetectScene(const IDXDSDATA* data, std::int32_t& sceneClass, std::int32_t& sceneValue) const;
 
   MPCriticalRegionID* Region() { return &region; }
@@ -61,12 +61,15 @@ class CDetectScene {
   static IDXSTATUS DetectPhotoScene(const CIDXImage& image, std::int32_t& sceneValue);
   static IDXSTATUS DetectDocumentSize(const CIDXImage& image, std::int32_t& sceneValue);
 
-  std::uint32_t paramSize = 0;  // as the block's header has it; 0 without a block
+  std::uint32_t paramSize = 0;  // from the header of the block; 0 before the first block
   ParameterBlock paramData;
   MPCriticalRegionID region = nullptr;
 };
 
-// The detector, made when the library is initialised; null before and after.
+// The number of the preset index for a scene; -1 for an undetermined scene.
+std::int32_t ConvertScenetoIndex(std::int32_t sceneClass, std::int32_t sceneValue);
+
+// The detector between IDXInitialize and IDXUninitialize, otherwise null.
 extern CDetectScene* dsScene;
 
 }  // namespace catalogcore

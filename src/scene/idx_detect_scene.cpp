@@ -1,6 +1,5 @@
 #include "base/critical_region.h"
 #include "scene/detect_scene.h"
-#include "scene/scene_index.h"
 
 namespace catalogcore {
 

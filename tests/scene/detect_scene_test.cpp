@@ -16,7 +16,6 @@
 #include "base/critical_region.h"
 #include "scene/brenn.h"
 #include "scene/parameter_resource.h"
-#include "scene/scene_index.h"
 #include "scene/tone_curve.h"
 #include "tests/scene/fake_engines.h"
 
