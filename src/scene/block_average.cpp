@@ -10,31 +10,29 @@
 
 namespace catalogcore {
 
-// A row of blocks is worked on in strips whose sums stay in the processor's first cache. In a strip the rows
-// are added first, column by column, sixteen bytes at a time whatever the depth; what is then left to add
-// lies in one row, a factor-th of the bytes. At the factors that the resolutions of scanners lead to (2, 4
-// and 8) that row is folded by halves, and one look-up turns the sum of a block into its byte: division and
-// tone curve at once.
+// Each row of blocks is processed in strips whose sums fit in the first-level cache. First the rows of a strip are added
+// column by column, sixteen bytes at a time at every depth. This leaves one row of column sums. At the usual factors of
+// scanners (2, 4 and 8) that row is folded in halves, and one table look-up turns the sum of a block into its byte: it
+// replaces the division and the tone curve.
 
 namespace {
 
-using Bytes [[gnu::vector_size(16)]] = std::uint8_t;
-using Sums [[gnu::vector_size(16)]] = std::uint16_t;
-constexpr std::size_t kSumsInVector = sizeof(Sums) / sizeof(std::uint16_t);
+using ByteVector [[gnu::vector_size(16)]] = std::uint8_t;
+using SumVector [[gnu::vector_size(16)]] = std::uint16_t;
+constexpr std::size_t kSumsInVector = sizeof(SumVector) / sizeof(std::uint16_t);
 
-static_assert(std::endian::native == std::endian::little, "bytes are widened and put together low byte first");
+static_assert(std::endian::native == std::endian::little, "bytes are widened and words assembled low byte first");
 
-// As many columns as a strip has at most. Longer ones measured slower: rows and sums push each other out.
+// The largest number of columns in a strip. Longer strips measured slower: rows and sums evict each other from the cache.
 constexpr std::size_t kStripColumns = 1024;
 
-// 16 bits hold the sum of so many bytes: 255 * 257 = 65535.
+// The sum of this many bytes fits in 16 bits: 255 * 257 = 65535.
 constexpr std::int32_t kMostRowsInSums = 257;
 
-// The largest factor whose blocks are folded: their sums fit in 16 bits, and the table of values in the first
-// cache.
+// The largest factor whose blocks are folded: the sums fit in 16 bits and the table of values in the first-level cache.
 constexpr std::int32_t kMostFolded = 8;
 
-// Sums of columns from the left of a strip on, and room that vectors may touch behind them.
+// The sums of a strip's columns, and padding that vectors may read and write.
 using ColumnSums = std::array<std::uint16_t, kStripColumns + 64>;
 
 template <typename Vector, typename Element>
@@ -49,16 +47,18 @@ void Store(const Vector& vector, Element* to) {
   std::memcpy(to, &vector, sizeof vector);
 }
 
-Sums WidenLow(Bytes bytes) {
-  return Sums(__builtin_shufflevector(bytes, Bytes{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23));
+SumVector WidenLow(ByteVector bytes) {
+  return SumVector(
+      __builtin_shufflevector(bytes, ByteVector{}, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23));
 }
 
-Sums WidenHigh(Bytes bytes) {
-  return Sums(__builtin_shufflevector(bytes, Bytes{}, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31));
+SumVector WidenHigh(ByteVector bytes) {
+  return SumVector(
+      __builtin_shufflevector(bytes, ByteVector{}, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31));
 }
 
-// `rows` rows of the source from `top` on, and of each row `columns` bytes from `first` on. Rows is a number
-// or, for loops that the compiler unrolls, a constant.
+// `rows` rows of the source from row `top`, and `columns` bytes of each row from byte `first`. The type Rows is an integer
+// or, for loops that the compiler unrolls, an integral constant.
 template <typename Rows>
 struct Strip {
   const PixelView& source;
@@ -82,11 +82,11 @@ struct Strip {
 template <typename Rows>
 void AddRows(const Strip<Rows>& strip, ColumnSums& sums) {
   std::size_t x = 0;
-  for (; x + sizeof(Bytes) <= strip.columns; x += sizeof(Bytes)) {
-    Sums low{};
-    Sums high{};
+  for (; x + sizeof(ByteVector) <= strip.columns; x += sizeof(ByteVector)) {
+    SumVector low{};
+    SumVector high{};
     for (std::int32_t y = 0; y < strip.rows; ++y) {
-      const auto bytes = Load<Bytes>(strip.At(y, x, sizeof(Bytes)));
+      const auto bytes = Load<ByteVector>(strip.At(y, x, sizeof(ByteVector)));
       low += WidenLow(bytes);
       high += WidenHigh(bytes);
     }
@@ -96,14 +96,14 @@ void AddRows(const Strip<Rows>& strip, ColumnSums& sums) {
   for (; x < strip.columns; ++x) sums[x] = strip.ColumnSum(x);
 }
 
-// The sum of every two columns, whose number is even: where a pixel is one byte, the first fold for nothing.
+// The sum of every two columns, for pixels of one byte: includes the first fold. REQUIRES: the number of columns is even.
 template <typename Rows>
 void AddRowsOfPairs(const Strip<Rows>& strip, ColumnSums& sums) {
   std::size_t x = 0;
-  for (; x + sizeof(Sums) <= strip.columns; x += sizeof(Sums)) {
-    Sums pairs{};
+  for (; x + sizeof(SumVector) <= strip.columns; x += sizeof(SumVector)) {
+    SumVector pairs{};
     for (std::int32_t y = 0; y < strip.rows; ++y) {
-      const auto bytes = Load<Sums>(strip.At(y, x, sizeof(Sums)));
+      const auto bytes = Load<SumVector>(strip.At(y, x, sizeof(SumVector)));
       pairs += (bytes & 255) + (bytes >> 8);
     }
     Store(pairs, &sums[x / 2]);
@@ -113,15 +113,14 @@ void AddRowsOfPairs(const Strip<Rows>& strip, ColumnSums& sums) {
   }
 }
 
-// Adds to each of `count` sums the one `distance` behind it. What comes of sums behind the last one means
-// nothing.
+// Adds to each of `count` sums the sum `distance` places after it. The values of sums from `count` on become undefined.
 void Fold(ColumnSums& sums, std::size_t count, std::size_t distance) {
   for (std::size_t x = 0; x < count; x += kSumsInVector) {
-    Store(Load<Sums>(&sums[x]) + Load<Sums>(&sums[x + distance]), &sums[x]);
+    Store(Load<SumVector>(&sums[x]) + Load<SumVector>(&sums[x + distance]), &sums[x]);
   }
 }
 
-// Has the strip on its way from memory while there is other work to do.
+// Prefetches the strip into the cache.
 template <typename Rows>
 void Fetch(const Strip<Rows>& strip) {
   constexpr std::size_t kCacheLine = 64;
@@ -130,15 +129,15 @@ void Fetch(const Strip<Rows>& strip) {
   }
 }
 
-// Eight bytes of pixels, looked up and put together in a word, because eight stores would take longer than
-// all of it. The pixels have kPixel bytes, whose sums are the first of their block's kBlock sums.
+// Looks up eight bytes of pixels and assembles them in a word, because eight stores take longer than all the rest. A pixel
+// has kPixel bytes; their sums are the first kPixel of the block's kBlock sums.
 template <std::size_t kBlock, std::size_t kPixel, std::size_t kFirst, std::size_t... kByte>
 std::uint64_t LookUpWord(const std::uint8_t* values, const std::uint16_t* sums, std::index_sequence<kByte...>) {
   constexpr auto kSum = [](std::size_t byte) { return byte / kPixel * kBlock + byte % kPixel; };
   return ((std::uint64_t{values[sums[kSum(kFirst + kByte)]]} << (8 * kByte)) | ...);
 }
 
-constexpr std::size_t kBlocksLookedUp = 8;  // at once, which is one word for each byte of a pixel
+constexpr std::size_t kBlocksLookedUp = 8;  // at once: one word for each byte of a pixel
 
 template <std::size_t kBlock, std::size_t kPixel, std::size_t... kWord>
 void LookUpBlocks(const std::uint8_t* values, const std::uint16_t* sums, std::uint8_t* to,
@@ -147,7 +146,7 @@ void LookUpBlocks(const std::uint8_t* values, const std::uint16_t* sums, std::ui
   (Store(LookUpWord<kBlock, kPixel, 8 * kWord>(values, sums, kBytes), to + 8 * kWord), ...);
 }
 
-// The same for all blocks of a strip. REQUIRES: the bytes written to are those of whole pixels.
+// Looks up all blocks of a strip. REQUIRES: `pixels` holds whole pixels.
 template <std::size_t kBlock, std::size_t kPixel>
 void LookUpStrip(const std::uint8_t* values, const ColumnSums& sums, std::span<std::uint8_t> pixels) {
   const std::uint16_t* sum = sums.data();
@@ -163,7 +162,7 @@ void LookUpStrip(const std::uint8_t* values, const ColumnSums& sums, std::span<s
   }
 }
 
-// The byte that comes of every sum that a block of kArea pixels can have.
+// The output byte for every possible sum of a block of kArea pixels.
 template <std::size_t kArea>
 std::array<std::uint8_t, 255 * kArea + 1> ValuesOfSums(const ToneTable& tones) {
   std::array<std::uint8_t, 255 * kArea + 1> values;
@@ -178,8 +177,8 @@ void AverageFolded(const PixelView& source, const BlockGrid& grid, const ToneTab
   constexpr std::size_t kPixel = kBytesPerPixel;
   constexpr std::size_t kBlock = kFactor * kPixel;
   constexpr bool kPairs = kPixel == 1;
-  // Then the look-ups take as long as the memory does, so that both had better be done at once. Elsewhere that measured
-  // no faster, or slower.
+  // Here the look-ups take about as long as loading the next strip, so the two overlap. In the other cases prefetching
+  // measured no faster, or slower.
   constexpr bool kLooksUpLong = kPairs && kFactor == 2;
   constexpr std::size_t kBlockSums = kPairs ? kBlock / 2 : kBlock;
   constexpr std::size_t kStripBlocks = kStripColumns / kBlock / kBlocksLookedUp * kBlocksLookedUp;
@@ -209,7 +208,7 @@ void AverageFolded(const PixelView& source, const BlockGrid& grid, const ToneTab
   }
 }
 
-// Any factor and depth of which a block fits in a strip.
+// For any factor and depth at which a block fits in a strip.
 void AverageStrips(const PixelView& source, const BlockGrid& grid, const ToneTable& tones,
                    const MutablePixelView& target) {
   const auto pixel = static_cast<std::size_t>(grid.bytesPerPixel);
@@ -234,7 +233,7 @@ void AverageStrips(const PixelView& source, const BlockGrid& grid, const ToneTab
   }
 }
 
-// Any factor and depth.
+// For any factor and depth.
 void AverageOneByOne(const PixelView& source, const BlockGrid& grid, const ToneTable& tones,
                      const MutablePixelView& target) {
   const auto pixel = static_cast<std::size_t>(grid.bytesPerPixel);
@@ -269,7 +268,7 @@ Average FoldedAverage(std::int32_t factor) {
   }
 }
 
-// The folded average, if there is one for this factor and depth.
+// The folded average for this factor and depth, or null.
 Average FoldedAverage(const BlockGrid& grid) {
   switch (grid.bytesPerPixel) {
     case 1:

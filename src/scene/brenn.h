@@ -1,5 +1,5 @@
-// The document-type recognizer, as the scene detector calls it. The library builds against these declarations alone:
-// the engine behind them is chosen when the library is built.
+// The document-type recognizer, as the scene detector calls it. The library needs only these declarations: the build
+// chooses the engine that defines them. They stay in the global namespace, because another library may define them.
 #ifndef CATALOGCORE_SCENE_BRENN_H_
 #define CATALOGCORE_SCENE_BRENN_H_
 
@@ -12,8 +12,8 @@ inline constexpr std::size_t kBrennResultSize = 16;
 // Byte offsets of the fields of the image record; integers are in the host's byte order.
 enum BrennRecordOffset : std::size_t {
   kBrennTag = 0,              // 16 bits: kBrennRecordTag
-  kBrennSamplesPerPixel = 2,  // 16 bits: 1 or 3; 0 for a bit depth that is none of 8, 16, 24, 48
-  kBrennBitsPerSample = 4,    // 16 bits: 8 or 16; 0 likewise
+  kBrennSamplesPerPixel = 2,  // 16 bits: 1 or 3; 0 if the bit depth is not 8, 16, 24 or 48
+  kBrennBitsPerSample = 4,    // 16 bits: 8 or 16; 0 if the bit depth is not 8, 16, 24 or 48
   kBrennFixedTwo = 6,         // 16 bits: 2
   kBrennFixedOne = 8,         // 16 bits: 1
   kBrennWidth = 12,           // 32 bits: pixels per row
@@ -21,7 +21,7 @@ enum BrennRecordOffset : std::size_t {
   kBrennHeight = 20,          // 32 bits: rows
   kBrennResolutionX = 24,     // 32 bits: dots per inch, at least 75
   kBrennResolutionY = 28,     // 32 bits: the same
-  kBrennMarginX = 32,         // 32 bits: pixels left of the area to look at
+  kBrennMarginX = 32,         // 32 bits: pixels left of the area to analyse
   kBrennMarginY = 36,         // 32 bits: pixels above it
   kBrennAreaWidth = 40,       // 32 bits: its width in pixels
   kBrennAreaHeight = 44,      // 32 bits: its height in pixels
@@ -31,11 +31,11 @@ enum BrennRecordOffset : std::size_t {
 
 inline constexpr std::uint16_t kBrennRecordTag = 0x1080;
 
-// Decides what a picture is. Returns 0 and writes the result word (16 bits, host order) to the start of `result`
-// (kBrennResultSize bytes); its top four bits are 1 for print or writing on paper, 2 for a document with colour or
-// pictures, 3 for a photograph. Any other return value is a failure code of the engine, 1 to 255.
+// Classifies a picture. Returns 0 and writes the result word (16 bits, host order) to the start of `result`
+// (kBrennResultSize bytes). The top four bits of the word are 1 for print or writing on paper, 2 for a document with colour
+// or pictures, 3 for a photograph. Any other return value is a failure code of the engine, 1 to 255.
 // `pixels` holds stride x height bytes. `paramData` is the whole parameter block of `paramSize` bytes, header included.
-// Nothing that is handed in is kept or written to, but for `result`.
+// The engine writes only to `result` and keeps no pointer.
 extern "C" std::int32_t DocumentTypeRecognize(std::int32_t reserved, const char* caller, const unsigned char* record,
                                               const void* pixels, unsigned char* result, std::uint32_t paramSize,
                                               const void* paramData);

@@ -20,12 +20,12 @@ namespace {
 // A reduced picture has at least this many pixels on either side.
 constexpr std::int32_t kShortestReducedSide = 50;
 
-// Bytes of the source that one row of a reduced picture is made from, where its rows have to be copied first. Pictures
-// within the detector's limits need 3 MB at most, up to a depth of 64 bits.
+// The largest copy of source rows that AverageShortRows makes for one row of the reduced picture. Pictures within the
+// detector's limits need at most 3 MB, up to a depth of 64 bits.
 constexpr std::int64_t kLargestBand = std::int64_t{1} << 22;
 
 CIDXImage::PixelBlock AllocateBlock(std::int64_t size) {
-  // One byte where none is asked for, so that null always means that there was no memory.
+  // At least one byte, so that null always means that the allocation failed.
   const auto bytes = static_cast<std::size_t>(std::max<std::int64_t>(size, 1));
   CIDXImage::PixelBlock block(static_cast<std::uint8_t*>(std::malloc(bytes)));
   AdviseLargeBlock(block.get(), bytes);
@@ -38,7 +38,7 @@ ToneTable Unchanged() {
   return tones;
 }
 
-// The first `count` bytes of every row through the curve, 0 in the rest.
+// Maps the first `count` bytes of every row through the tone curve and sets the rest to 0.
 void CurveRows(const PixelView& source, std::size_t count, const MutablePixelView& target) {
   for (std::int32_t y = 0; y < source.Rows(); ++y) {
     const auto from = source.Row(y).first(count);
@@ -48,8 +48,8 @@ void CurveRows(const PixelView& source, std::size_t count, const MutablePixelVie
   }
 }
 
-// Averages a picture whose rows are shorter than their pixels. The pixels of a row continue in the rows below; behind the
-// last of the source's `size` bytes they are 0. False if memory could not be allocated.
+// Averages a picture whose rows are shorter than their pixels. The pixels of a row continue in the rows below; bytes after
+// the source's `size` bytes count as 0. Returns false if memory cannot be allocated.
 bool AverageShortRows(const std::uint8_t* source, std::int64_t size, std::int64_t stride, const BlockGrid& grid,
                       const ToneTable& tones, const MutablePixelView& target) {
   const std::int64_t wanted = std::int64_t{grid.columns} * grid.factor * grid.bytesPerPixel;
@@ -101,7 +101,7 @@ IDXSTATUS CIDXImage::SetImageData(const IDXDSDATA* data) {
   return IDX_OK;
 }
 
-// What keeps the described bytes from being copied: IDX_OK if nothing does.
+// Whether bytes of the described size can be copied: IDX_OK, or the status to return.
 IDXSTATUS CIDXImage::CheckBytes(const void* source) const {
   if (!source || bufferSize == 0) return IDXERR_PARAM;
   const bool isSize = bufferSize > 0 && std::int64_t{rowBytes} * height == bufferSize;
@@ -120,12 +120,12 @@ IDXSTATUS CIDXImage::SetImageBufferWithGammaTransfer(const void* source) {
   if (const IDXSTATUS status = CheckBytes(source); status != IDX_OK) return status;
   PixelBlock copy = AllocateBlock(bufferSize);
   if (copy && height > 0) {
-    // At 8 and 16 bits a pixel three bytes a pixel run on into the rows below, where each byte gets the value
-    // that its own row gives it; so every row may end at its own end.
+    // At 8 and 16 bits a pixel, three bytes a pixel reach into the rows below. These bytes get the same values from their own
+    // row, so each row stops at its own end.
     const auto count = static_cast<std::size_t>(std::clamp<std::int64_t>(std::int64_t{3} * width, 0, rowBytes));
     CurveRows({static_cast<const std::uint8_t*>(source), height, rowBytes}, count, {copy.get(), height, rowBytes});
   } else if (copy) {
-    std::memset(copy.get(), 0, static_cast<std::size_t>(bufferSize));  // rows of a negative number: there are none
+    std::memset(copy.get(), 0, static_cast<std::size_t>(bufferSize));  // height and stride are negative: no rows
   }
   pixels = std::move(copy);
   return pixels ? IDX_OK : IDXERR_MEMORY;
@@ -145,7 +145,7 @@ IDXSTATUS CIDXImage::Reduce(const void* source, std::int32_t factor, std::int32_
   const std::int32_t newWidth = width / factor;
   const std::int32_t newHeight = height / factor;
   const std::int64_t newRowBytes = ((std::int64_t{newWidth} * bitsPerPixel + 31) & ~std::int64_t{31}) / 8;
-  // Rows first: of a depth near the limit of 32 bits the product may reach beyond 64.
+  // Divides instead of multiplying: at a depth near 2^31 the product may overflow 64 bits.
   if (newRowBytes < 0 || newRowBytes > std::numeric_limits<std::int32_t>::max() / newHeight) return IDXERR_MEMORY;
   const std::int64_t newSize = newRowBytes * newHeight;
   PixelBlock reduced = AllocateBlock(newSize);

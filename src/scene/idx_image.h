@@ -1,7 +1,7 @@
 // The library's own copy of a picture that the application describes, plain or prepared for analysis.
 //
-// An image is empty when it is made, described after SetImageData, and filled after a SetImageBuffer
-// operation gave IDX_OK. It belongs to one thread at a time.
+// An image is empty after construction, described after SetImageData, and filled after a SetImageBuffer operation returned
+// IDX_OK. Only one thread at a time may use an image.
 #ifndef CATALOGCORE_SCENE_IDX_IMAGE_H_
 #define CATALOGCORE_SCENE_IDX_IMAGE_H_
 
@@ -17,39 +17,38 @@ class CIDXImage {
   using PixelBlock = HeapBlock<std::uint8_t[]>;
 
   CIDXImage() = default;
-  // Takes over the description alone: the copy holds no pixels.
+  // Copies the description only: the copy holds no pixels.
   CIDXImage(const CIDXImage& other);
   CIDXImage& operator=(const CIDXImage&) = delete;
 
-  // Takes over the description of a picture, not its pixels; the pixels held stay. Returns IDX_OK.
+  // Copies the description of a picture, not its pixels; does not change the pixels held. Returns IDX_OK.
   IDXSTATUS SetImageData(const IDXDSDATA* data);
 
-  // The operations below fill the image from `source`, the rowBytes x height bytes that the description speaks of:
+  // The operations below fill the image from `source`, which holds rowBytes x height bytes:
   // - IDX_OK: the image holds its own pixels.
-  // - IDXERR_PARAM: `source` is null or the description has no bytes. Nothing changed.
-  // - IDXERR_MEMORY: memory could not be allocated, or the size is one that cannot be allocated: rowBytes x height is
-  //   negative or overflows 32 bits, or that of the reduced picture does. The description is unchanged.
-  // Rows shorter than their pixels and negative sides are copied as the sizes say; nothing is read beyond the bytes.
+  // - IDXERR_PARAM: `source` is null or bufferSize is 0. The image is unchanged.
+  // - IDXERR_MEMORY: memory cannot be allocated, or the size is invalid: rowBytes x height of the picture or of the
+  //   reduced picture is negative or overflows 32 bits. The description is unchanged.
+  // Rows shorter than their pixels and negative sides are copied as the sizes say. Nothing is read outside the bytes.
   //
-  // REQUIRES: the image holds no pixels. (If it does, they are released and replaced; `source` may even be they.)
+  // REQUIRES: the image holds no pixels. (Otherwise it releases and replaces them; `source` may be these pixels.)
 
-  // The bytes as they are.
+  // Copies the bytes unchanged.
   IDXSTATUS SetImageBuffer(const void* source);
 
-  // The bytes through ka1DLUT. Three bytes of a row are taken for each pixel, whatever the depth, as many as
-  // there are: the rest of the row (padding, the right half at 48 bits) is 0.
+  // Maps the first 3 x width bytes of each row through ka1DLUT, at every depth; a shorter row is mapped to its end. The rest
+  // of the row (padding, the right half at 48 bits) is 0.
   IDXSTATUS SetImageBufferWithGammaTransfer(const void* source);
 
-  // The picture reduced by the whole number that brings it closest to `targetResolution` from above; an
-  // unknown resolution counts as the target. A pixel is the average of a block, byte position by byte
-  // position (also of the two bytes of a 16-bit sample), cut to an integer and, if `gamma` is 1, passed
-  // through ka1DLUT. Columns and rows that fill no block are dropped. Rows are padded with 0 to a multiple of
-  // 4 bytes; width, height, rowBytes, bufferSize and resolution become those of the reduced picture. Where
-  // nothing is to be reduced, or a side would be below 50 pixels, or the target is not above 0, it is the
-  // tone-curved copy (`gamma` 1) or the plain one.
+  // Reduces the picture by the largest integer factor that keeps the resolution at or above `targetResolution`. An unknown
+  // resolution counts as the target. A pixel is the average of a block, separately for each byte of a pixel (also for the
+  // two bytes of a 16-bit sample), truncated to an integer and, if `gamma` is 1, mapped through ka1DLUT. Columns and rows
+  // that do not fill a block are dropped. Rows are padded with 0 to a multiple of 4 bytes. width, height, rowBytes,
+  // bufferSize and resolution become those of the reduced picture. If the factor is 1, a side would be below 50 pixels, or
+  // the target is not above 0, makes the tone-curved copy (`gamma` 1) or the plain copy instead.
   IDXSTATUS SetImageBufferWithResolution(const void* source, int targetResolution, int gamma);
 
-  // The value, brought into 0 to 255.
+  // The value, clamped to 0 to 255. No code calls it: averages and the tone curve stay within this range.
   static constexpr int Range255(int value) { return value < 0 ? 0 : value > 255 ? 255 : value; }
 
   PixelBlock pixels;  // bufferSize bytes, or null

@@ -6,11 +6,11 @@ namespace catalogcore {
 
 namespace {
 
-constexpr std::int32_t kSmallestArea = 50;  // pixels on a side of the area that is looked at
-constexpr double kMarginMillimetres = 5.0;  // along the edges, where scanners show their bed
+constexpr std::int32_t kSmallestArea = 50;  // pixels on a side of the analysed area
+constexpr double kMarginMillimetres = 5.0;  // along the edges, where the scanner's bed may show
 constexpr double kMillimetresPerInch = 25.4;
 
-// The margin on both sides of `length` pixels: none where too little would be left between them.
+// The margin at each end of `length` pixels: 0 if fewer than kSmallestArea pixels would remain.
 std::int32_t Margin(std::int32_t length, std::int32_t margin) {
   return length - std::int64_t{2} * margin >= kSmallestArea ? margin : 0;
 }

@@ -1,4 +1,4 @@
-// The record that describes the reduced picture to the recognizer.
+// The record that describes the reduced picture to the recognizer, as scene/brenn.h lays it out.
 #ifndef CATALOGCORE_SCENE_IMAGE_RECORD_H_
 #define CATALOGCORE_SCENE_IMAGE_RECORD_H_
 
@@ -11,15 +11,15 @@
 
 namespace catalogcore {
 
-// Dots per inch toward which a picture is reduced for the recognizer.
+// The resolution toward which a picture is reduced for the recognizer, in dots per inch.
 inline constexpr int kRecognizerResolution = 75;
 
 class ImageRecord {
  public:
-  // REQUIRES: the picture is not empty.
+  // REQUIRES: `reduced` is filled.
   explicit ImageRecord(const CIDXImage& reduced);
 
-  // kBrennRecordSize bytes, as scene/brenn.h lays them out.
+  // kBrennRecordSize bytes.
   const unsigned char* Bytes() const { return bytes_.data(); }
 
  private:

@@ -43,7 +43,7 @@ unsigned char* ReadParamFile(const char* path, std::uint32_t* size) {
   auto* const block = static_cast<unsigned char*>(std::calloc(total, 1));
   if (!block) return nullptr;
   std::rewind(file.get());
-  // A short file is no reason to fail here: the recognizer checks what it is given.
+  // A short read does not fail here: the recognizer checks the block.
   [[maybe_unused]] const std::size_t blockRead = std::fread(block, 1, total, file.get());
   return block;
 }
@@ -53,7 +53,7 @@ unsigned char* OpenParamFile(std::uint32_t* size) {
   const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(CFSTR(CATALOGCORE_BUNDLE_IDENTIFIER));
   if (!bundle) return nullptr;
   const CFReference<CFURLRef> url(CFBundleCopyResourceURL(bundle, CFSTR("brennparam"), CFSTR("dat"), nullptr));
-  // Given back although it came from a Get function: bundles are never freed, so the one release too many is harmless.
+  // Deliberately released although a Get function returned it: bundles are never freed, so the extra release is harmless.
   CFRelease(bundle);
   if (!url) return nullptr;
   const CFReference<CFStringRef> path(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle));

@@ -1,4 +1,4 @@
-// The recognizer's parameter block, as it lies in the library's bundle: "brennparam.dat".
+// Reads the recognizer's parameter block, the resource "brennparam.dat" of the library's bundle.
 #ifndef CATALOGCORE_SCENE_PARAMETER_RESOURCE_H_
 #define CATALOGCORE_SCENE_PARAMETER_RESOURCE_H_
 
@@ -9,11 +9,12 @@
 
 namespace catalogcore {
 
-// Reads the block of the bundle. The caller frees what it returns with free(); null when there is no bundle, resource
-// or tag, or no memory. `*size` (may be null) gets the size that the block's header gives, 0 when there is none.
+// Reads the block from the bundle. Returns null if the bundle, the resource or its tag is missing or memory cannot be
+// allocated; otherwise a block that the caller releases with free(). Unless `size` is null, sets `*size` to the size in the
+// block's header, or to 0 without a valid tag.
 unsigned char* OpenParamFile(std::uint32_t* size);
 
-// The same from a file. The header's size holds also where the file is shorter: the rest of the block is then zero.
+// Reads the block from a file. If the file is shorter than the size in its header, the rest of the block is 0.
 unsigned char* ReadParamFile(const char* path, std::uint32_t* size);
 
 }  // namespace catalogcore

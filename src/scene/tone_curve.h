@@ -7,11 +7,11 @@
 
 namespace catalogcore {
 
-// What becomes of each of the 256 values of a byte.
+// The output for each of the 256 values of a byte.
 using ToneTable = std::array<std::uint8_t, 256>;
 
-// Gamma 1.8: entry i is 255 * (i / 255)^1.8, rounded to the nearest integer, halves up. It never falls and
-// darkens the middle tones. Computed by the compiler, so it is there before anything runs.
+// Gamma 1.8: entry i is 255 * (i / 255)^1.8, rounded to the nearest integer, halves up. The curve is
+// monotonic and darkens the middle tones. The table is computed at compile time.
 extern const ToneTable ka1DLUT;
 
 }  // namespace catalogcore
