@@ -8,7 +8,7 @@
 #include <string>
 #include <system_error>
 
-#include "platform/corefoundation/object.h"
+#include "platform/corefoundation/objects.h"
 #include "platform/corefoundation/string_object.h"
 
 namespace fs = std::filesystem;

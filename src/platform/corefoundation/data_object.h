@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "platform/corefoundation/byte_buffer.h"
-#include "platform/corefoundation/object.h"
+#include "platform/corefoundation/objects.h"
 
 struct __CFData final : catalogcore::cf::Object {
   explicit __CFData(catalogcore::cf::ByteBuffer&& content)

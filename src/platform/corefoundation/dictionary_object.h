@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/corefoundation/object.h"
+#include "platform/corefoundation/objects.h"
 #include "platform/corefoundation/string_object.h"
 
 // Not safe while another thread changes it. Functions that need memory throw std::bad_alloc without it, and change

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/corefoundation/object.h"
+#include "platform/corefoundation/objects.h"
 
 // Grows only until its reader hands it out.
 struct __CFArray final : catalogcore::cf::Object {

@@ -10,7 +10,7 @@
 
 #include "platform/corefoundation/base64.h"
 #include "platform/corefoundation/byte_buffer.h"
-#include "platform/corefoundation/object.h"
+#include "platform/corefoundation/objects.h"
 #include "platform/corefoundation/string_object.h"
 
 struct __CFArray;

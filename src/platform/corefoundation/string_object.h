@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/corefoundation/object.h"
+#include "platform/corefoundation/objects.h"
 
 // Invariant: `utf8` is valid UTF-8 and `utf16Length` is its length in UTF-16 units.
 struct __CFString final : catalogcore::cf::Object {

@@ -14,7 +14,7 @@
 
 #include "platform/corefoundation/byte_buffer.h"
 #include "platform/corefoundation/data_object.h"
-#include "platform/corefoundation/object.h"
+#include "platform/corefoundation/objects.h"
 #include "platform/corefoundation/string_object.h"
 
 // Invariant: `path` is not empty and holds no zero byte; `base` is empty when the path is absolute.

@@ -1,6 +1,6 @@
 // What every object here has: a reference count and a kind.
-#ifndef CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECT_H_
-#define CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECT_H_
+#ifndef CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECTS_H_
+#define CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECTS_H_
 
 #include <CoreFoundation/CFBase.h>
 
@@ -72,4 +72,4 @@ const T* Create(Arguments&&... arguments) noexcept {
 
 }  // namespace catalogcore::cf
 
-#endif  // CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECT_H_
+#endif  // CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECTS_H_

@@ -1,4 +1,4 @@
-#include "platform/corefoundation/object.h"
+#include "platform/corefoundation/objects.h"
 
 #include <bit>
 
