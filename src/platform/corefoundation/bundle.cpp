@@ -9,7 +9,6 @@
 #include <system_error>
 
 #include "platform/corefoundation/objects.h"
-#include "platform/corefoundation/string_object.h"
 
 namespace fs = std::filesystem;
 
@@ -21,7 +20,7 @@ struct __CFBundle final : catalogcore::cf::Object {
 
 namespace {
 
-// From where this very library lies, so that an installation may be moved. Empty if that cannot be told.
+// Relative to the loaded library, so that an installation can be moved. Empty if the path of the library is unknown.
 fs::path FindDataFolder() {
   Dl_info library{};
   if (!dladdr(reinterpret_cast<const void*>(&CFBundleGetBundleWithIdentifier), &library)) return {};
@@ -36,7 +35,7 @@ bool IsFolderName(const std::string& name) {
 
 CFBundleRef FindBundle(const std::string& identifier) {
   static std::mutex mutex;
-  static auto& bundles = *new std::map<std::string, CFBundleRef>;  // lasts as long as what it holds
+  static auto& bundles = *new std::map<std::string, CFBundleRef>;  // never destroyed, like the bundles
   static const fs::path dataFolder = FindDataFolder();             // once: the current folder may change
   const fs::path folder = dataFolder / identifier;
   std::error_code error;
@@ -58,8 +57,6 @@ CFURLRef FindResource(const fs::path& bundle, CFStringRef name, CFStringRef type
 }
 
 }  // namespace
-
-CFTypeID CFBundleGetTypeID() { return static_cast<CFTypeID>(catalogcore::cf::Kind::kBundle); }
 
 CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef identifier) {
   if (!identifier || !IsFolderName(identifier->utf8)) return nullptr;

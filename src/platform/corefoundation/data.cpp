@@ -2,7 +2,7 @@
 #include <new>
 #include <string_view>
 
-#include "platform/corefoundation/data_object.h"
+#include "platform/corefoundation/objects.h"
 
 using catalogcore::cf::ByteBuffer;
 
@@ -43,8 +43,3 @@ CFDataRef CFDataCreateWithBytesNoCopy(CFAllocatorRef, const UInt8* bytes, CFInde
 CFIndex CFDataGetLength(CFDataRef data) { return static_cast<CFIndex>(data->bytes.size()); }
 
 const UInt8* CFDataGetBytePtr(CFDataRef data) { return reinterpret_cast<const UInt8*>(data->bytes.data()); }
-
-void CFDataGetBytes(CFDataRef data, CFRange range, UInt8* buffer) {
-  if (range.length > 0)
-    std::memcpy(buffer, data->bytes.data() + range.location, static_cast<std::size_t>(range.length));
-}

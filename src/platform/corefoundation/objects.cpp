@@ -1,25 +1,5 @@
 #include "platform/corefoundation/objects.h"
 
-#include <bit>
-
-namespace catalogcore::cf {
-
-void Object::Free() const {
-  thread_local const Object* waiting = nullptr;
-  thread_local bool isFreeing = false;
-  references_.store(std::bit_cast<CFIndex>(waiting), std::memory_order_relaxed);
-  waiting = this;
-  if (isFreeing) return;  // called by a destructor that runs below
-  isFreeing = true;
-  while (const Object* object = waiting) {
-    waiting = std::bit_cast<const Object*>(object->references());
-    delete object;
-  }
-  isFreeing = false;
-}
-
-}  // namespace catalogcore::cf
-
 using catalogcore::cf::AsObject;
 
 const CFAllocatorRef kCFAllocatorDefault = nullptr;

@@ -1,20 +1,30 @@
-// What every object here has: a reference count and a kind.
+// Every object of this library: a reference count, a kind, and the content that the kind has.
+//
+// Thread safety: reference counts are atomic. Objects are constant after their creation, except dictionaries, which no
+// other thread may use while one changes them.
 #ifndef CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECTS_H_
 #define CATALOGCORE_PLATFORM_COREFOUNDATION_OBJECTS_H_
 
-#include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CFData.h>
+#include <CoreFoundation/CFDictionary.h>
+#include <CoreFoundation/CFString.h>
 
 #include <atomic>
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
+
+#include "platform/corefoundation/byte_buffer.h"
 
 namespace catalogcore::cf {
 
-enum class Kind : std::uint8_t { kString = 1, kURL, kBundle, kData, kDictionary, kArray, kNumber, kBoolean, kDate };
+enum class Kind : std::uint8_t { kString = 1, kURL, kBundle, kData, kDictionary, kKept };
 
-// Objects that last as long as the process: releases, one too many included, do nothing to them.
+// Releasing an object that lasts for ever does nothing.
 enum class Lifetime : std::uint8_t { kCounted, kForever };
 
 class Object {
@@ -28,17 +38,14 @@ class Object {
   void Retain() const { references_.fetch_add(1, std::memory_order_relaxed); }
   void Release() const {
     if (lifetime_ == Lifetime::kForever) return;
-    if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) Free();
+    if (references_.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
   }
 
  protected:
   explicit Object(Kind kind, Lifetime lifetime = Lifetime::kCounted) : kind_(kind), lifetime_(lifetime) {}
 
  private:
-  // Never recurses, however deeply the object holds others.
-  void Free() const;
-
-  mutable std::atomic<CFIndex> references_{1};  // of an object that waits to be freed: the address of the next
+  mutable std::atomic<CFIndex> references_{1};
   const Kind kind_;
   const Lifetime lifetime_;
 };
@@ -47,7 +54,7 @@ struct Releaser {
   void operator()(const Object* object) const { object->Release(); }
 };
 
-// A reference that is given up with its holder.
+// An owned reference.
 template <typename T>
 using Ref = std::unique_ptr<const T, Releaser>;
 
@@ -60,7 +67,7 @@ Ref<T> Share(const T* object) {
   return Ref<T>(object);
 }
 
-// Makes an object with one reference, or null when there is no memory: no exception leaves this library.
+// Creates an object with one reference. Null on allocation failure: no exception leaves this library.
 template <typename T, typename... Arguments>
 const T* Create(Arguments&&... arguments) noexcept {
   try {
@@ -68,6 +75,52 @@ const T* Create(Arguments&&... arguments) noexcept {
   } catch (const std::bad_alloc&) {
     return nullptr;
   }
+}
+
+// A value of a property list that this library does not interpret: a number, date, boolean or array, or a dictionary
+// within another. `xml` is its element in UTF-8, with the text of numbers and dates unchanged.
+struct KeptValue final : Object {
+  explicit KeptValue(ByteBuffer&& element) : Object(Kind::kKept), xml(std::move(element)) {}
+  const ByteBuffer xml;
+};
+
+}  // namespace catalogcore::cf
+
+// Invariant: `utf8` is valid UTF-8, and `utf16Length` is its length in UTF-16 units.
+struct __CFString final : catalogcore::cf::Object {
+  __CFString(std::string_view text, CFIndex units, catalogcore::cf::Lifetime lifetime)
+      : Object(catalogcore::cf::Kind::kString, lifetime), utf8(text), utf16Length(units) {}
+  const std::string utf8;
+  const CFIndex utf16Length;
+};
+
+struct __CFData final : catalogcore::cf::Object {
+  explicit __CFData(catalogcore::cf::ByteBuffer&& content)
+      : Object(catalogcore::cf::Kind::kData), owned(std::move(content)), bytes(owned.view()) {}
+  explicit __CFData(std::string_view borrowed) : Object(catalogcore::cf::Kind::kData), bytes(borrowed) {}
+  const catalogcore::cf::ByteBuffer owned;  // empty if `bytes` belong to the caller
+  const std::string_view bytes;
+};
+
+// Invariants: keys differ; values are strings, data or kept values, so dictionaries never hold each other.
+struct __CFDictionary final : catalogcore::cf::Object {
+  struct Entry {
+    catalogcore::cf::Ref<__CFString> key;
+    catalogcore::cf::Ref<catalogcore::cf::Object> value;
+  };
+  __CFDictionary() : Object(catalogcore::cf::Kind::kDictionary) {}
+  std::vector<Entry> entries;  // in the order of the file, then of insertion
+};
+
+namespace catalogcore::cf {
+
+// Null if the text is not valid UTF-8, or on allocation failure.
+CFStringRef CreateString(std::string_view utf8, Lifetime lifetime = Lifetime::kCounted);
+
+// Takes the buffer over. Null on allocation failure.
+inline CFDataRef CreateData(ByteBuffer&& bytes) {
+  bytes.Fit();
+  return Create<__CFData>(std::move(bytes));
 }
 
 }  // namespace catalogcore::cf

@@ -1,18 +1,18 @@
 #include "platform/corefoundation/property_list_reader.h"
 
+#include <algorithm>
 #include <iterator>
 #include <new>
-#include <utility>
-
-#include "platform/corefoundation/data_object.h"
-#include "platform/corefoundation/dictionary_object.h"
-#include "platform/corefoundation/kept_values.h"
-#include "platform/corefoundation/property_list.h"
-#include "platform/corefoundation/value_grammar.h"
 
 namespace catalogcore::cf {
 
 namespace {
+
+constexpr std::size_t kMaxLevels = 512;
+
+void Require(bool isValid) {
+  if (!isValid) throw InvalidPropertyList();
+}
 
 template <typename T>
 Ref<T> OrThrow(const T* object) {
@@ -20,119 +20,110 @@ Ref<T> OrThrow(const T* object) {
   return Ref<T>(object);
 }
 
+bool HaveDuplicates(std::vector<Ref<__CFString>>& keys) {
+  std::sort(keys.begin(), keys.end(), [](const auto& a, const auto& b) { return a->utf8 < b->utf8; });
+  const auto isSame = [](const auto& a, const auto& b) { return a->utf8 == b->utf8; };
+  return std::adjacent_find(keys.begin(), keys.end(), isSame) != keys.end();
+}
+
 }  // namespace
 
 PropertyListReader::Element PropertyListReader::ElementOf(std::string_view name) {
   constexpr std::string_view kNames[] = {"plist", "dict",    "array", "key",  "string", "data",
                                          "date",  "integer", "real",  "true", "false"};
-  for (std::size_t i = 0; i < std::size(kNames); ++i) {
-    if (name == kNames[i]) return static_cast<Element>(i);
-  }
-  throw Refusal{"an unknown element"};
+  const auto found = std::find(std::begin(kNames), std::end(kNames), name);
+  Require(found != std::end(kNames));
+  return static_cast<Element>(found - std::begin(kNames));
 }
 
-void PropertyListReader::StartElement(const char* name, const char** attributes) {
+void PropertyListReader::StartElement(std::string_view name, const char** attributes) {
   const Element element = ElementOf(name);
-  if (leaf_) throw Refusal{"an element within text"};
+  Require(!leaf_);
   if (element == Element::kPlist) return StartPlist(attributes);
-  if (!hasPlist_) throw Refusal{"the outermost element is not plist"};
-  if (*attributes) throw Refusal{"an unknown attribute"};
+  Require(hasPlist_ && !*attributes);
   if (element == Element::kKey) {
     ExpectKey();
   } else {
     ExpectValue();
   }
-  if (element == Element::kDict || element == Element::kArray) return StartContainer(element);
+  if (element == Element::kDict || element == Element::kArray) return StartContainer(element, name);
   leaf_ = element;
 }
 
 void PropertyListReader::StartPlist(const char** attributes) {
-  if (hasPlist_) throw Refusal{"plist within plist"};
+  Require(!hasPlist_);
   hasPlist_ = true;
-  for (; *attributes; attributes += 2) {
-    if (std::string_view(*attributes) != "version") throw Refusal{"an unknown attribute"};
-  }
+  for (; *attributes; attributes += 2) Require(std::string_view(*attributes) == "version");
 }
 
 void PropertyListReader::ExpectKey() const {
-  if (levels_.empty() || !levels_.back().dictionary) throw Refusal{"a key outside a dictionary"};
-  if (levels_.back().key) throw Refusal{"a key without a value"};
+  Require(!levels_.empty() && levels_.back().isDictionary && !levels_.back().key);
 }
 
 void PropertyListReader::ExpectValue() const {
-  if (levels_.empty()) {
-    if (result_) throw Refusal{"more than one value in plist"};
-  } else if (levels_.back().dictionary && !levels_.back().key) {
-    throw Refusal{"a value without a key"};
-  }
+  Require(levels_.empty() ? !result_ : !levels_.back().isDictionary || levels_.back().key);
 }
 
-void PropertyListReader::StartContainer(Element element) {
-  if (levels_.size() == kMaxPropertyListLevels) throw Refusal{"too many levels"};
-  if (element == Element::kArray) {
-    auto* const array = new __CFArray;
-    levels_.push_back({array, nullptr, Ref<Object>(array), nullptr});
+void PropertyListReader::StartContainer(Element element, std::string_view name) {
+  Require(levels_.size() < kMaxLevels);
+  const bool isDictionary = element == Element::kDict;
+  if (isDictionary && levels_.empty()) {
+    result_.reset(dictionary_ = new __CFDictionary);
+    kept_.AddLevel();
   } else {
-    auto* const dictionary = new __CFDictionary(mutableDictionaries_);
-    levels_.push_back({nullptr, dictionary, Ref<Object>(dictionary), nullptr});
+    kept_.Open(name);
   }
+  levels_.push_back({isDictionary});
 }
 
-void PropertyListReader::EndElement(const char* name) {
-  if (leaf_) {
-    EndLeaf(*std::exchange(leaf_, std::nullopt));
-  } else if (ElementOf(name) == Element::kPlist) {
-    EndPlist();
-  } else {
-    EndContainer();
-  }
+void PropertyListReader::EndElement(std::string_view name) {
+  if (leaf_) return EndLeaf(*std::exchange(leaf_, std::nullopt), name);
+  if (name != "plist") return EndContainer(name);
+  Require(result_ != nullptr);
 }
 
-void PropertyListReader::EndPlist() const {
-  if (!result_) throw Refusal{"no value in plist"};
-}
-
-void PropertyListReader::EndContainer() {
-  Level level = std::move(levels_.back());
+void PropertyListReader::EndContainer(std::string_view name) {
+  Require(!levels_.back().key && !HaveDuplicates(levels_.back().keys));
   levels_.pop_back();
-  if (level.key) throw Refusal{"a key without a value"};
-  if (level.dictionary && !level.dictionary->Index()) throw Refusal{"a key that its dictionary has twice"};
-  AddValue(std::move(level.object));
+  if (dictionary_ && levels_.empty()) return;
+  kept_.Close(name);
+  EndKeptValue();
 }
 
 void PropertyListReader::Text(std::string_view piece) {
-  if (leaf_ == Element::kData) {
-    if (!decoder_.Decode(piece, content_)) throw Refusal{"bad base64"};
-  } else if (!leaf_ || leaf_ == Element::kTrue || leaf_ == Element::kFalse) {
-    if (!IsSpace(piece)) throw Refusal{"text where none may be"};
-  } else {
-    content_.Append(piece);
-  }
+  constexpr std::string_view kSpace = " \t\r\n";
+  if (leaf_ == Element::kData) return Require(decoder_.Decode(piece, content_));
+  const bool canHoldText = leaf_ && leaf_ != Element::kTrue && leaf_ != Element::kFalse;
+  if (canHoldText) return content_.Append(piece);
+  Require(piece.find_first_not_of(kSpace) == std::string_view::npos);
 }
 
 std::size_t PropertyListReader::Digits(std::string_view text) {
   return leaf_ == Element::kData ? decoder_.DecodeDigits(text, content_) : 0;
 }
 
-void PropertyListReader::EndLeaf(Element element) {
-  const std::string_view text = TrimSpace(element == Element::kData ? std::string_view() : content_.view());
-  switch (element) {
-    case Element::kKey:
-      levels_.back().key = TakeString();
-      return;
-    case Element::kString:
-      return AddValue(TakeString());
-    case Element::kData:
-      return AddValue(TakeData());
-    case Element::kDate:
-      return AddValue(TakeScalar(Kind::kDate, "date", IsDate(text), "a bad date"));
-    case Element::kInteger:
-      return AddValue(TakeScalar(Kind::kNumber, "integer", IsInteger(text), "a bad integer"));
-    case Element::kReal:
-      return AddValue(TakeScalar(Kind::kNumber, "real", IsReal(text), "a bad real"));
-    default:
-      return AddValue(Ref<Object>(BooleanOf(element == Element::kTrue)));
+void PropertyListReader::EndLeaf(Element element, std::string_view name) {
+  if (element == Element::kKey) return EndKey();
+  if (element == Element::kData) {
+    Require(decoder_.IsComplete());
+    decoder_ = {};
+    if (!IsInsideKeptValue()) return AddValue(OrThrow<Object>(CreateData(std::move(content_))));
+    kept_.WriteData(content_.view());
+  } else if (element == Element::kTrue || element == Element::kFalse) {
+    kept_.WriteEmpty(name);
+  } else if (element == Element::kString && !IsInsideKeptValue()) {
+    return AddValue(TakeString());
+  } else {
+    Require(kept_.WriteText(name, content_.view()));
   }
+  content_.Truncate(0);
+  EndKeptValue();
+}
+
+void PropertyListReader::EndKey() {
+  Ref<__CFString> key = TakeString();
+  if (IsInsideKeptValue()) Require(kept_.WriteText("key", key->utf8));
+  levels_.back().key = std::move(key);
 }
 
 Ref<__CFString> PropertyListReader::TakeString() {
@@ -141,27 +132,23 @@ Ref<__CFString> PropertyListReader::TakeString() {
   return string;
 }
 
-Ref<Object> PropertyListReader::TakeScalar(Kind kind, const char* element, bool isValid, const char* reason) {
-  if (!isValid) throw Refusal{reason};
-  Ref<Object> scalar(new Scalar(kind, element, TrimSpace(content_.view())));
-  content_.Truncate(0);
-  return scalar;
+// A value has ended that is a kept value or part of one.
+void PropertyListReader::EndKeptValue() {
+  if (IsInsideKeptValue()) return AddValue(nullptr);
+  ByteBuffer xml = kept_.TakeText();
+  xml.Fit();
+  AddValue(Ref<Object>(new KeptValue(std::move(xml))));
 }
 
-Ref<Object> PropertyListReader::TakeData() {
-  if (!decoder_.IsComplete()) throw Refusal{"base64 that is cut short"};
-  decoder_ = {};
-  return OrThrow<Object>(CreateData(std::move(content_)));
-}
-
+// `value` is null inside a kept value, which has its text already.
 void PropertyListReader::AddValue(Ref<Object> value) {
   if (levels_.empty()) {
     result_ = std::move(value);
-  } else if (Level& level = levels_.back(); level.array) {
-    level.array->values.push_back(std::move(value));
-  } else {
-    level.dictionary->Append({std::move(level.key), std::move(value)});
+    return;
   }
+  Level& level = levels_.back();
+  if (value) dictionary_->entries.push_back({Share(level.key.get()), std::move(value)});
+  if (level.isDictionary) level.keys.push_back(std::move(level.key));
 }
 
 }  // namespace catalogcore::cf

@@ -2,39 +2,34 @@
 #ifndef CATALOGCORE_PLATFORM_COREFOUNDATION_PROPERTY_LIST_READER_H_
 #define CATALOGCORE_PLATFORM_COREFOUNDATION_PROPERTY_LIST_READER_H_
 
-#include <CoreFoundation/CFString.h>
-
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/corefoundation/base64.h"
-#include "platform/corefoundation/byte_buffer.h"
 #include "platform/corefoundation/objects.h"
-#include "platform/corefoundation/string_object.h"
-
-struct __CFArray;
-struct __CFDictionary;
+#include "platform/corefoundation/property_list_writer.h"
 
 namespace catalogcore::cf {
 
-// Thrown for what is no property list; `reason` is a literal.
-struct Refusal {
-  const char* reason;
-};
+// Thrown when the XML is not a property list.
+struct InvalidPropertyList {};
 
-// The functions throw Refusal or std::bad_alloc; afterwards the reader may only be destroyed. REQUIRES: elements nest,
-// and the first one encloses everything, as an XML parser sees to.
+// The root becomes a dictionary, and its strings and data become objects. Every other value is checked and written at once
+// as the text of a KeptValue, so no object holds another of its kind and nothing recurses.
+//
+// The functions throw InvalidPropertyList or std::bad_alloc. After an exception the reader may only be destroyed.
+// REQUIRES: elements nest and one element encloses all others, which an XML parser ensures.
 class PropertyListReader {
  public:
-  explicit PropertyListReader(bool mutableDictionaries) : mutableDictionaries_(mutableDictionaries) {}
-
-  // `attributes` are names and values in turn, ended by null.
-  void StartElement(const char* name, const char** attributes);
-  void EndElement(const char* name);
+  // `attributes` are names and values in turn; a null pointer ends them.
+  void StartElement(std::string_view name, const char** attributes);
+  void EndElement(std::string_view name);
   void Text(std::string_view piece);
 
-  // Takes the base64 that `text` begins with as Text would, if a data element is open, and returns how much that was.
+  // If a data element is open, takes the base64 at the beginning of `text` as Text does. Returns the number of characters
+  // taken.
   std::size_t Digits(std::string_view text);
 
   // The property list, after the last element has ended.
@@ -43,33 +38,33 @@ class PropertyListReader {
  private:
   enum class Element { kPlist, kDict, kArray, kKey, kString, kData, kDate, kInteger, kReal, kTrue, kFalse };
 
-  // An array or a dictionary that is still being filled.
+  // An open array or dictionary.
   struct Level {
-    __CFArray* array;
-    __CFDictionary* dictionary;
-    Ref<Object> object;
-    Ref<__CFString> key;  // one that waits for its value
+    bool isDictionary;
+    Ref<__CFString> key = nullptr;           // a key that has no value yet
+    std::vector<Ref<__CFString>> keys = {};  // those that have one
   };
 
   static Element ElementOf(std::string_view name);
   void StartPlist(const char** attributes);
   void ExpectKey() const;
   void ExpectValue() const;
-  void StartContainer(Element element);
-  void EndContainer();
-  void EndPlist() const;
-  void EndLeaf(Element element);
-  Ref<__CFString> TakeString();
-  Ref<Object> TakeScalar(Kind kind, const char* element, bool isValid, const char* reason);
-  Ref<Object> TakeData();
+  void StartContainer(Element element, std::string_view name);
+  void EndContainer(std::string_view name);
+  void EndLeaf(Element element, std::string_view name);
+  void EndKey();
+  void EndKeptValue();
   void AddValue(Ref<Object> value);
+  Ref<__CFString> TakeString();
+  bool IsInsideKeptValue() const { return levels_.size() > (dictionary_ ? 1 : 0); }
 
-  const bool mutableDictionaries_;
   bool hasPlist_ = false;
   std::vector<Level> levels_;
   std::optional<Element> leaf_;  // the open element that holds text, if one is open
   ByteBuffer content_;           // its text, or the bytes of its base64
   Base64Decoder decoder_;
+  PropertyListWriter kept_;               // the kept value that is being read
+  __CFDictionary* dictionary_ = nullptr;  // the root, if it is a dictionary; `result_` owns it
   Ref<Object> result_;
 };
 

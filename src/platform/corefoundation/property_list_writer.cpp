@@ -1,23 +1,14 @@
+#include "platform/corefoundation/property_list_writer.h"
+
 #include <CoreFoundation/CFPropertyList.h>
 
 #include <algorithm>
 #include <new>
-#include <string_view>
-#include <vector>
 
 #include "platform/corefoundation/base64.h"
-#include "platform/corefoundation/byte_buffer.h"
-#include "platform/corefoundation/data_object.h"
-#include "platform/corefoundation/dictionary_object.h"
-#include "platform/corefoundation/kept_values.h"
-#include "platform/corefoundation/property_list.h"
-#include "platform/corefoundation/string_object.h"
+#include "platform/corefoundation/objects.h"
 
-using catalogcore::cf::AsObject;
-using catalogcore::cf::ByteBuffer;
-using catalogcore::cf::Kind;
-using catalogcore::cf::Object;
-using catalogcore::cf::Scalar;
+namespace catalogcore::cf {
 
 namespace {
 
@@ -27,13 +18,13 @@ constexpr std::string_view kHeader =
     "<plist version=\"1.0\">\n";
 constexpr std::string_view kFooter = "</plist>\n";
 
-// Lines of base64 are 76 columns wide with their tabs of 8. Seven tabs leave room for some digits; deeper levels are
-// indented no further, so that the text of a deep tree stays in proportion to its content.
+// A line of base64 has at most 76 columns, where a tab has 8. At most seven tabs are written, so that the text of deeply
+// nested values stays in proportion to their content.
 constexpr std::string_view kTabs = "\t\t\t\t\t\t\t";
 constexpr std::size_t kLineColumns = 76;
 constexpr std::size_t kTabColumns = 8;
 
-// What must not stand in XML text as it is. A carriage return would be read as a line feed.
+// XML parsers read an unescaped carriage return as a line feed.
 std::string_view EscapeOf(char character) {
   switch (character) {
     case '&':
@@ -57,125 +48,98 @@ bool HasCharacterUnknownToXml(std::string_view utf8) {
          utf8.find("\xEF\xBF\xBF") != std::string_view::npos;
 }
 
-// Functions throw std::bad_alloc; those that return a bool return false for what is no property list.
-class Writer {
- public:
-  bool Write(const Object& propertyList) {
-    text_.Append(kHeader);
-    if (!WriteValue(propertyList)) return false;
-    while (!levels_.empty()) {
-      if (!WriteNext()) return false;
-    }
-    text_.Append(kFooter);
-    return true;
+}  // namespace
+
+std::string_view PropertyListWriter::Indent() const { return kTabs.substr(0, outerLevels_ + contents_.size()); }
+
+void PropertyListWriter::WriteTag(std::string_view opening, std::string_view element, std::string_view closing) {
+  for (const std::string_view part : {Indent(), opening, element, closing}) text_.Append(part);
+}
+
+void PropertyListWriter::WriteClosing(std::string_view element) {
+  for (const std::string_view part : {std::string_view("</"), element, std::string_view(">\n")}) text_.Append(part);
+}
+
+void PropertyListWriter::Open(std::string_view element) {
+  WriteTag("<", element, ">\n");
+  contents_.push_back(text_.size());
+}
+
+void PropertyListWriter::Close(std::string_view element) {
+  const bool isEmpty = contents_.back() == text_.size();
+  contents_.pop_back();
+  if (!isEmpty) return WriteTag("</", element, ">\n");
+  text_.Truncate(text_.size() - std::string_view(">\n").size());
+  text_.Append("/>\n");
+}
+
+void PropertyListWriter::WriteEmpty(std::string_view element) { WriteTag("<", element, "/>\n"); }
+
+void PropertyListWriter::WriteData(std::string_view bytes) {
+  WriteTag("<", "data", ">\n");
+  EncodeBase64(bytes, Indent(), kLineColumns - Indent().size() * kTabColumns, text_);
+  text_.Append(Indent());
+  WriteClosing("data");
+}
+
+bool PropertyListWriter::WriteText(std::string_view element, std::string_view content) {
+  if (HasCharacterUnknownToXml(content)) return false;
+  WriteTag("<", element, ">");
+  for (std::size_t at = 0; at < content.size();) {
+    const std::size_t end = std::min(content.find_first_of("&<>\r", at), content.size());
+    text_.Append(content.substr(at, end - at));
+    if (end < content.size()) text_.Append(EscapeOf(content[end]));
+    at = end + 1;
   }
+  WriteClosing(element);
+  return true;
+}
 
-  ByteBuffer TakeText() { return std::move(text_); }
+namespace {
 
- private:
-  // An array or a dictionary whose end is still to be written. One of the two is null.
-  struct Level {
-    const __CFArray* array;
-    const __CFDictionary* dictionary;
-    std::size_t next = 0;
-  };
-
-  std::string_view Indent() const { return kTabs.substr(0, levels_.size()); }
-
-  // The next entry of the innermost level, or its end.
-  bool WriteNext() {
-    Level& level = levels_.back();
-    const std::size_t at = level.next++;
-    if (level.array) {
-      return at < level.array->values.size() ? WriteValue(*level.array->values[at]) : EndLevel("array");
-    }
-    if (at == level.dictionary->entries().size()) return EndLevel("dict");
-    const auto& [key, value] = level.dictionary->entries()[at];
-    return WriteText("key", key->utf8) && WriteValue(*value);
+bool WriteValue(const Object& value, PropertyListWriter& writer) {
+  switch (value.kind()) {
+    case Kind::kString:
+      return writer.WriteText("string", static_cast<const __CFString&>(value).utf8);
+    case Kind::kData:
+      writer.WriteData(static_cast<const __CFData&>(value).bytes);
+      return true;
+    case Kind::kKept:
+      writer.Append(static_cast<const KeptValue&>(value).xml.view());
+      return true;
+    default:
+      return false;
   }
+}
 
-  bool WriteValue(const Object& value) {
-    switch (value.kind()) {
-      case Kind::kString:
-        return WriteText("string", static_cast<const __CFString&>(value).utf8);
-      case Kind::kData:
-        return WriteData(static_cast<const __CFData&>(value).bytes);
-      case Kind::kArray: {
-        const auto& array = static_cast<const __CFArray&>(value);
-        return StartLevel("array", {&array, nullptr}, array.values.empty());
-      }
-      case Kind::kDictionary: {
-        const auto& dictionary = static_cast<const __CFDictionary&>(value);
-        return StartLevel("dict", {nullptr, &dictionary}, dictionary.entries().empty());
-      }
-      case Kind::kBoolean:
-        return WriteEmpty(static_cast<const Scalar&>(value).element);
-      case Kind::kNumber:
-      case Kind::kDate:
-        return WriteText(static_cast<const Scalar&>(value).element, static_cast<const Scalar&>(value).text);
-      default:
-        return false;
-    }
+bool WriteDictionary(const __CFDictionary& dictionary, PropertyListWriter& writer) {
+  writer.Open("dict");
+  for (const auto& [key, value] : dictionary.entries) {
+    if (!writer.WriteText("key", key->utf8) || !WriteValue(*value, writer)) return false;
   }
+  writer.Close("dict");
+  return true;
+}
 
-  bool StartLevel(std::string_view element, Level level, bool isEmpty) {
-    if (levels_.size() == catalogcore::cf::kMaxPropertyListLevels) return false;
-    if (isEmpty) return WriteEmpty(element);
-    WriteTag("<", element, ">\n");
-    levels_.push_back(level);
-    return true;
-  }
-
-  bool EndLevel(std::string_view element) {
-    levels_.pop_back();
-    WriteTag("</", element, ">\n");
-    return true;
-  }
-
-  bool WriteEmpty(std::string_view element) {
-    WriteTag("<", element, "/>\n");
-    return true;
-  }
-
-  bool WriteText(std::string_view element, std::string_view content) {
-    if (HasCharacterUnknownToXml(content)) return false;
-    WriteTag("<", element, ">");
-    for (std::size_t at = 0; at < content.size();) {
-      const std::size_t end = std::min(content.find_first_of("&<>\r", at), content.size());
-      text_.Append(content.substr(at, end - at));
-      if (end < content.size()) text_.Append(EscapeOf(content[end]));
-      at = end + 1;
-    }
-    WriteClosing(element);
-    return true;
-  }
-
-  bool WriteData(std::string_view bytes) {
-    WriteTag("<", "data", ">\n");
-    catalogcore::cf::EncodeBase64(bytes, Indent(), kLineColumns - Indent().size() * kTabColumns, text_);
-    text_.Append(Indent());
-    WriteClosing("data");
-    return true;
-  }
-
-  void WriteTag(std::string_view opening, std::string_view element, std::string_view closing) {
-    for (const std::string_view part : {Indent(), opening, element, closing}) text_.Append(part);
-  }
-  void WriteClosing(std::string_view element) {
-    for (const std::string_view part : {std::string_view("</"), element, std::string_view(">\n")}) text_.Append(part);
-  }
-
-  std::vector<Level> levels_;
-  ByteBuffer text_;
-};
+// False if the object is not a property list.
+bool WriteRoot(const Object& root, PropertyListWriter& writer) {
+  if (root.kind() != Kind::kDictionary) return WriteValue(root, writer);
+  return WriteDictionary(static_cast<const __CFDictionary&>(root), writer);
+}
 
 }  // namespace
 
+}  // namespace catalogcore::cf
+
 CFDataRef CFPropertyListCreateXMLData(CFAllocatorRef, CFPropertyListRef propertyList) {
+  using namespace catalogcore::cf;
   if (!propertyList) return nullptr;
   try {
-    Writer writer;
-    return writer.Write(*AsObject(propertyList)) ? catalogcore::cf::CreateData(writer.TakeText()) : nullptr;
+    PropertyListWriter writer;
+    writer.Append(kHeader);
+    if (!WriteRoot(*AsObject(propertyList), writer)) return nullptr;
+    writer.Append(kFooter);
+    return CreateData(writer.TakeText());
   } catch (const std::bad_alloc&) {
     return nullptr;
   }

@@ -1,4 +1,4 @@
-// The XML of property lists, as expat parses it.
+// Reads the XML of property lists with expat.
 #include <CoreFoundation/CFPropertyList.h>
 #include <expat.h>
 
@@ -6,22 +6,18 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
-#include <string>
 #include <string_view>
 #include <type_traits>
-#include <vector>
 
-#include "platform/corefoundation/data_object.h"
+#include "platform/corefoundation/objects.h"
 #include "platform/corefoundation/property_list_reader.h"
 
-using catalogcore::cf::Object;
+using catalogcore::cf::InvalidPropertyList;
 using catalogcore::cf::PropertyListReader;
-using catalogcore::cf::Ref;
-using catalogcore::cf::Refusal;
 
 namespace {
 
-// UTF-16 announces itself by a byte-order mark, or by the zero byte in the first character, which is ASCII.
+// UTF-16 begins with a byte-order mark, or with an ASCII character, one byte of which is zero.
 bool IsUtf16(std::string_view xml) {
   if (xml.size() < 2) return false;
   return xml.starts_with("\xFF\xFE") || xml.starts_with("\xFE\xFF") || xml[0] == '\0' || xml[1] == '\0';
@@ -29,11 +25,11 @@ bool IsUtf16(std::string_view xml) {
 
 std::string_view WithoutFinalZero(std::string_view xml) {
   if (!xml.ends_with('\0')) return xml;
-  if (IsUtf16(xml) && xml.size() % 2 == 0) return xml;  // half of the last character
+  if (IsUtf16(xml) && xml.size() % 2 == 0) return xml;  // the zero is half of the last character
   return xml.substr(0, xml.size() - 1);
 }
 
-// expat lets a leading surrogate be followed by anything.
+// expat accepts any unit after a leading surrogate.
 bool HasLoneSurrogate(std::string_view utf16) {
   const std::size_t high = utf16.starts_with("\xFE\xFF") || utf16[0] == '\0' ? 0 : 1;
   bool isOpen = false;  // after a leading surrogate
@@ -45,7 +41,7 @@ bool HasLoneSurrogate(std::string_view utf16) {
   return isOpen;
 }
 
-// Feeds a reader from XML. No exception passes through expat: what the reader throws is kept until expat has returned.
+// Feeds a reader from XML. Exceptions of the reader do not pass through expat: they stop it.
 class Parser {
  public:
   // Throws std::bad_alloc.
@@ -61,45 +57,34 @@ class Parser {
     XML_SetSkippedEntityHandler(expat_.get(), &EntitySkipped);
   }
 
-  // Throws Refusal or std::bad_alloc.
-  void Parse(std::string_view xml) {
-    const bool isUtf16 = IsUtf16(xml);  // then a digit is two bytes, and expat gets them all
+  // False if the XML is not a property list, or on allocation failure. May throw std::bad_alloc.
+  bool Parse(std::string_view xml) {
+    const bool isUtf16 = IsUtf16(xml);  // a digit has two bytes then, and expat gets all digits
     for (std::size_t most = kPiece; !xml.empty();) {
       const std::size_t size = isUtf16 ? std::min(most, xml.size()) : PieceSize(xml, most);
       const XML_Index start = fed_;
-      Feed(xml.substr(0, size), false);
+      if (!Feed(xml.substr(0, size), false)) return false;
       xml.remove_prefix(size);
       most = HasReached(start) ? kPiece : std::min(2 * most, kLargestPiece);
-      if (isUtf16 || tagEnd_ != fed_) continue;
-      const std::string_view digits = xml.substr(0, reader_.Digits(xml.substr(0, xml.find('<'))));
-      passedBy_.push_back(digits);
-      xml.remove_prefix(digits.size());
+      if (!isUtf16 && tagEnd_ == fed_) xml.remove_prefix(reader_.Digits(xml.substr(0, xml.find('<'))));
     }
-    Feed({}, true);
-  }
-
-  std::size_t line() const {
-    auto line = static_cast<std::size_t>(XML_GetCurrentLineNumber(expat_.get()));
-    for (const std::string_view digits : passedBy_) {
-      line += static_cast<std::size_t>(std::count(digits.begin(), digits.end(), '\n'));
-    }
-    return line;
+    return Feed({}, true);
   }
 
  private:
   static constexpr std::size_t kPiece = std::size_t{1} << 16;
-  // A token that does not end in its piece is copied by expat and parsed from its beginning with the next piece. So the
-  // pieces double until it ends: a token of any length is parsed a few times, not once for every 64 KiB of it.
+  // expat copies a token that does not end in its piece, and parses it again from its beginning with the next piece. So
+  // pieces double until the token ends: it is parsed a few times, not once for every 64 KiB.
   static constexpr std::size_t kLargestPiece = std::size_t{1} << 30;  // the size that expat takes is an int
 
-  // Whether expat is done with all tokens that begin ahead of this byte.
+  // Whether expat has parsed all tokens that begin before this byte.
   bool HasReached(XML_Index byte) const { return XML_GetCurrentByteIndex(expat_.get()) >= byte; }
 
   static constexpr std::string_view kDataTag = "<data>";
 
-  // The next piece, of `most` bytes at most, ends with a tag that begins 64 KiB of text without markup, as that of a large
-  // data element does: base64 does not need expat, which goes through it byte by byte. Smaller elements are left in
-  // their piece, because many short pieces would have expat begin again and again with a comment that holds them.
+  // The size of the next piece, at most `most`. A piece ends after a data tag that 64 KiB of text without markup follow:
+  // this library decodes base64 faster than expat passes it on. Smaller data elements stay within their piece, because
+  // expat would parse a long comment that holds them again for every short piece.
   static std::size_t PieceSize(std::string_view xml, std::size_t most) {
     const std::size_t size = std::min(most, xml.size());
     const std::size_t tag = xml.rfind('<', size - 1);
@@ -108,19 +93,15 @@ class Parser {
     const bool isLong = text.size() == kPiece && text.find('<') == std::string_view::npos;
     return isLong ? tag + kDataTag.size() : size;
   }
-  static constexpr int kMaxAttributeDeclarations = 256;  // expat compares each with all before it
+  static constexpr int kMaxAttributeDeclarations = 256;  // expat compares each with all earlier ones
   static constexpr XML_Memory_Handling_Suite kMemory = {std::malloc, std::realloc, std::free};
 
-  void Feed(std::string_view piece, bool isLast) {
+  bool Feed(std::string_view piece, bool isLast) {
     fed_ += static_cast<XML_Index>(piece.size());
-    if (XML_Parse(expat_.get(), piece.data(), static_cast<int>(piece.size()), isLast) == XML_STATUS_OK) return;
-    if (refusal_) throw Refusal{refusal_};
-    const XML_Error error = XML_GetErrorCode(expat_.get());
-    if (error == XML_ERROR_NO_MEMORY || error == XML_ERROR_ABORTED) throw std::bad_alloc();
-    throw Refusal{XML_ErrorString(error)};
+    return XML_Parse(expat_.get(), piece.data(), static_cast<int>(piece.size()), isLast) == XML_STATUS_OK;
   }
 
-  // Runs a step of the reader; after a failure expat is stopped, and what it still reports is ignored.
+  // Runs a step of the reader. A failure stops expat; the calls that expat still makes then do nothing.
   template <typename Step>
   static void Run(void* self, Step step) {
     Parser& parser = *static_cast<Parser*>(self);
@@ -128,13 +109,15 @@ class Parser {
     try {
       step(parser.reader_);
       return;
-    } catch (const Refusal& refusal) {
-      parser.refusal_ = refusal.reason;
+    } catch (const InvalidPropertyList&) {
+      parser.hasFailed_ = true;
     } catch (const std::bad_alloc&) {
-      parser.refusal_ = nullptr;
+      parser.hasFailed_ = true;
     }
-    parser.hasFailed_ = true;
     XML_StopParser(parser.expat_.get(), XML_FALSE);
+  }
+  static void Refuse(void* self) {
+    Run(self, [](PropertyListReader&) { throw InvalidPropertyList(); });
   }
 
   static void StartElement(void* self, const XML_Char* name, const XML_Char** attributes) {
@@ -150,16 +133,13 @@ class Parser {
   }
   static void EntityDeclared(void* self, const XML_Char*, int, const XML_Char*, int, const XML_Char*, const XML_Char*,
                              const XML_Char*, const XML_Char*) {
-    Run(self, [](PropertyListReader&) { throw Refusal{"an entity declaration"}; });
+    Refuse(self);
   }
   static void AttributeDeclared(void* self, const XML_Char*, const XML_Char*, const XML_Char*, const XML_Char*, int) {
     Parser& parser = *static_cast<Parser*>(self);
-    if (++parser.attributeDeclarations_ <= kMaxAttributeDeclarations) return;
-    Run(self, [](PropertyListReader&) { throw Refusal{"too many attribute declarations"}; });
+    if (++parser.attributeDeclarations_ > kMaxAttributeDeclarations) Refuse(self);
   }
-  static void EntitySkipped(void* self, const XML_Char*, int) {
-    Run(self, [](PropertyListReader&) { throw Refusal{"an undefined entity"}; });
-  }
+  static void EntitySkipped(void* self, const XML_Char*, int) { Refuse(self); }
 
   struct Deleter {
     void operator()(XML_Parser parser) const { XML_ParserFree(parser); }
@@ -167,37 +147,22 @@ class Parser {
 
   PropertyListReader& reader_;
   const std::unique_ptr<std::remove_pointer_t<XML_Parser>, Deleter> expat_;
-  XML_Index fed_ = 0;                       // bytes that expat got
-  XML_Index tagEnd_ = -1;                   // of these, those up to the end of the last start tag
-  std::vector<std::string_view> passedBy_;  // what expat did not get
+  XML_Index fed_ = 0;      // bytes that expat got
+  XML_Index tagEnd_ = -1;  // of these, those up to the end of the last start tag
   int attributeDeclarations_ = 0;
   bool hasFailed_ = false;
-  const char* refusal_ = nullptr;  // after a failure: its reason, or null when it was memory
 };
-
-// Sets `*error` after a refusal. Throws std::bad_alloc.
-Ref<Object> ReadXml(std::string_view xml, bool mutableDictionaries, CFStringRef* error) {
-  PropertyListReader reader(mutableDictionaries);
-  Parser parser(reader);
-  try {
-    if (IsUtf16(xml) && HasLoneSurrogate(xml)) throw Refusal{"a surrogate without its pair"};
-    parser.Parse(xml);
-    return reader.TakeResult();
-  } catch (const Refusal& refusal) {
-    const std::string message = "line " + std::to_string(parser.line()) + ": " + refusal.reason;
-    if (error) *error = catalogcore::cf::CreateString(message);
-    return nullptr;
-  }
-}
 
 }  // namespace
 
-CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef, CFDataRef xml, CFOptionFlags mutability,
-                                                  CFStringRef* error) {
+CFPropertyListRef CFPropertyListCreateFromXMLData(CFAllocatorRef, CFDataRef data, CFOptionFlags, CFStringRef* error) {
   if (error) *error = nullptr;
-  if (!xml) return nullptr;
+  if (!data) return nullptr;
   try {
-    return ReadXml(WithoutFinalZero(xml->bytes), mutability != kCFPropertyListImmutable, error).release();
+    const std::string_view xml = WithoutFinalZero(data->bytes);
+    if (IsUtf16(xml) && HasLoneSurrogate(xml)) return nullptr;
+    PropertyListReader reader;
+    return Parser(reader).Parse(xml) ? reader.TakeResult().release() : nullptr;
   } catch (const std::bad_alloc&) {
     return nullptr;
   }

@@ -5,8 +5,7 @@
 #include <mutex>
 #include <new>
 
-#include "platform/corefoundation/data_object.h"
-#include "platform/corefoundation/string_object.h"
+#include "platform/corefoundation/objects.h"
 #include "platform/corefoundation/utf8.h"
 
 namespace catalogcore::cf {
@@ -29,13 +28,13 @@ using catalogcore::cf::Utf16Units;
 
 namespace {
 
-// The byte at which the character that holds UTF-16 unit `unit` begins, and the unit at which it begins.
+// The first byte and the first UTF-16 unit of a character.
 struct Position {
   std::size_t byte = 0;
   CFIndex unit = 0;
 };
 
-// Goes on from `from` by whole characters, as far as `unit` allows and the bytes stay within `byteLimit`.
+// Advances from `from` by whole characters that end at most at `unit` and `byteLimit`.
 Position Advance(std::string_view text, Position from, CFIndex unit, std::size_t byteLimit) {
   while (from.byte < text.size()) {
     const std::size_t bytes = CharacterBytes(text.substr(from.byte));
@@ -48,7 +47,7 @@ Position Advance(std::string_view text, Position from, CFIndex unit, std::size_t
 
 CFStringRef ConstantString(const char* text) {
   static std::mutex mutex;
-  static auto& strings = *new std::map<std::string, CFStringRef>;  // lasts as long as what it holds
+  static auto& strings = *new std::map<std::string, CFStringRef>;  // never destroyed, like the strings
   const std::lock_guard lock(mutex);
   CFStringRef& string = strings[text];
   if (!string) string = catalogcore::cf::CreateString(text, catalogcore::cf::Lifetime::kForever);
@@ -57,18 +56,8 @@ CFStringRef ConstantString(const char* text) {
 
 }  // namespace
 
-CFTypeID CFStringGetTypeID() { return static_cast<CFTypeID>(catalogcore::cf::Kind::kString); }
-
 CFStringRef CFStringCreateWithCString(CFAllocatorRef, const char* text, CFStringEncoding encoding) {
   if (!text || encoding != kCFStringEncodingUTF8) return nullptr;
-  return catalogcore::cf::CreateString(text);
-}
-
-CFStringRef CFStringCreateFromExternalRepresentation(CFAllocatorRef, CFDataRef data, CFStringEncoding encoding) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (!data || encoding != kCFStringEncodingUTF8) return nullptr;
-  std::string_view text = data->bytes;
-  if (text.starts_with(kByteOrderMark)) text.remove_prefix(kByteOrderMark.size());
   return catalogcore::cf::CreateString(text);
 }
 

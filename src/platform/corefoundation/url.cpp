@@ -12,10 +12,7 @@
 #include <system_error>
 #include <utility>
 
-#include "platform/corefoundation/byte_buffer.h"
-#include "platform/corefoundation/data_object.h"
 #include "platform/corefoundation/objects.h"
-#include "platform/corefoundation/string_object.h"
 
 // Invariant: `path` is not empty and holds no zero byte; `base` is empty when the path is absolute.
 struct __CFURL final : catalogcore::cf::Object {
@@ -41,84 +38,58 @@ CFURLRef CreateURL(std::string_view path) {
   return catalogcore::cf::Create<__CFURL>(path);
 }
 
-class FileDescriptor {
- public:
-  explicit FileDescriptor(int number) : number_(number) {}
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  ~FileDescriptor() {
-    if (number_ >= 0) close(number_);
+struct OpenFile {
+  explicit OpenFile(int descriptor) : number(descriptor) {}
+  OpenFile(const OpenFile&) = delete;
+  OpenFile& operator=(const OpenFile&) = delete;
+  ~OpenFile() {
+    if (number >= 0) close(number);
   }
-  int number() const { return number_; }
-
- private:
-  const int number_;
+  const int number;  // negative if the file could not be opened
 };
-
-SInt32 ErrorOfOpen(int systemError) {
-  switch (systemError) {
-    case ENOENT:
-    case ENOTDIR:
-    case ELOOP:
-    case ENAMETOOLONG:
-      return kCFURLResourceNotFoundError;
-    case EACCES:
-    case EPERM:
-      return kCFURLResourceAccessViolationError;
-    default:
-      return kCFURLUnknownError;
-  }
-}
 
 int OpenToRead(const char* path) {
   for (;;) {
-    const int file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // a pipe must not be waited for
+    const int file = open(path, O_RDONLY | O_CLOEXEC | O_NONBLOCK);  // opening a pipe must not block
     if (file >= 0 || errno != EINTR) return file;
   }
 }
 
-// Appends the file, to its end. Returns 0 or a kCFURL error; throws std::bad_alloc.
-SInt32 ReadFile(const std::string& path, catalogcore::cf::ByteBuffer& bytes) {
+// Appends the content of the file. False if it cannot be read or is not a regular file. May throw std::bad_alloc.
+bool ReadFile(const std::string& path, catalogcore::cf::ByteBuffer& bytes) {
   constexpr std::size_t kPiece = std::size_t{1} << 20;
-  const FileDescriptor file(OpenToRead(path.c_str()));
-  if (file.number() < 0) return ErrorOfOpen(errno);
+  const OpenFile file(OpenToRead(path.c_str()));
   struct stat status {};
-  if (fstat(file.number(), &status) != 0) return kCFURLUnknownError;
-  if (!S_ISREG(status.st_mode)) return kCFURLResourceAccessViolationError;
-  // One byte more than the size, so that the end is met without growing; files that grow meanwhile are read on.
+  if (file.number < 0 || fstat(file.number, &status) != 0 || !S_ISREG(status.st_mode)) return false;
+  // One byte more than the size, so that read reports the end without another allocation. The file may grow meanwhile.
   std::size_t wanted = static_cast<std::size_t>(status.st_size) + 1;
   for (;; wanted = kPiece) {
     const std::size_t before = bytes.size();
     UInt8* const to = bytes.Extend(wanted);
     std::size_t filled = 0;
     while (filled < wanted) {
-      const ssize_t count = read(file.number(), to + filled, wanted - filled);
+      const ssize_t count = read(file.number, to + filled, wanted - filled);
       if (count < 0 && errno == EINTR) continue;
-      if (count < 0) return kCFURLUnknownError;
+      if (count < 0) return false;
       if (count == 0) {
         bytes.Truncate(before + filled);
-        return 0;
+        return true;
       }
       filled += static_cast<std::size_t>(count);
     }
   }
 }
 
-SInt32 CreateDataOfFile(CFURLRef url, CFDataRef& data) {
+CFDataRef CreateDataOfFile(CFURLRef url) {
   try {
     catalogcore::cf::ByteBuffer bytes;
-    const SInt32 error = ReadFile(url->base + url->path, bytes);
-    if (error != 0) return error;
-    data = catalogcore::cf::CreateData(std::move(bytes));
-    return data ? 0 : kCFURLUnknownError;
+    return ReadFile(url->base + url->path, bytes) ? catalogcore::cf::CreateData(std::move(bytes)) : nullptr;
   } catch (const std::bad_alloc&) {
-    return kCFURLUnknownError;
+    return nullptr;
   }
 }
 
 }  // namespace
-
-CFTypeID CFURLGetTypeID() { return static_cast<CFTypeID>(catalogcore::cf::Kind::kURL); }
 
 CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef, CFStringRef path, CFURLPathStyle style, Boolean) {
   if (!path || style != kCFURLPOSIXPathStyle) return nullptr;
@@ -148,9 +119,9 @@ Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBas
 
 Boolean CFURLCreateDataAndPropertiesFromResource(CFAllocatorRef, CFURLRef url, CFDataRef* data,
                                                  CFDictionaryRef* properties, CFArrayRef, SInt32* error) {
-  if (data) *data = nullptr;
+  const CFDataRef content = url && data ? CreateDataOfFile(url) : nullptr;
+  if (data) *data = content;
   if (properties) *properties = nullptr;
-  const SInt32 result = url && data ? CreateDataOfFile(url, *data) : SInt32{kCFURLImproperArgumentsError};
-  if (error) *error = result;
-  return result == 0;
+  if (error) *error = content ? SInt32{0} : SInt32{kCFURLUnknownError};
+  return content != nullptr;
 }

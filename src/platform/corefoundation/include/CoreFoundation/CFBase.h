@@ -1,4 +1,4 @@
-/* Types, reference counts and kinds of objects. */
+/* Basic types, and the functions that every object has. */
 #ifndef CATALOGCORE_COREFOUNDATION_CFBASE_H_
 #define CATALOGCORE_COREFOUNDATION_CFBASE_H_
 
@@ -30,8 +30,8 @@ typedef unsigned long CFTypeID;
 typedef unsigned long CFOptionFlags;
 typedef const void* CFTypeRef;
 
-/* Allocators are accepted and ignored: memory comes from the heap. The null allocator says of bytes that are handed in
- * that they are not to be freed. */
+/* Allocators are ignored: memory comes from the heap. The exception is kCFAllocatorNull as a deallocator, which means that
+ * the bytes are not freed. */
 typedef const struct __CFAllocator* CFAllocatorRef;
 CF_EXPORT const CFAllocatorRef kCFAllocatorDefault;
 CF_EXPORT const CFAllocatorRef kCFAllocatorNull;
@@ -48,16 +48,16 @@ static inline CFRange CFRangeMake(CFIndex location, CFIndex length) {
   return range;
 }
 
-/* Adds a reference and returns the object. A null object is returned as it is. */
+/* Adds a reference and returns the object. Returns null for null. */
 CF_EXPORT CFTypeRef CFRetain(CFTypeRef object);
 
-/* Gives a reference up; the last one frees the object. A null object is ignored. */
+/* Removes a reference. The object is freed with its last reference. Does nothing for null. */
 CF_EXPORT void CFRelease(CFTypeRef object);
 
-/* The number of references, for debugging: another thread may change it at any time. */
+/* The number of references, for debugging: other threads may change it at any time. */
 CF_EXPORT CFIndex CFGetRetainCount(CFTypeRef object);
 
-/* The kind of the object, to be compared with CFStringGetTypeID() and its like. */
+/* The type of the object, to be compared with CFDataGetTypeID() or CFDictionaryGetTypeID(). */
 CF_EXPORT CFTypeID CFGetTypeID(CFTypeRef object);
 
 #endif /* CATALOGCORE_COREFOUNDATION_CFBASE_H_ */

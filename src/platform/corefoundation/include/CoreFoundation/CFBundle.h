@@ -1,6 +1,6 @@
 /*
- * Bundles: folders of resources. The bundle of an identifier is the folder of that name in the data folder of the
- * installation that this library was loaded from, or of the build tree.
+ * Bundles: folders of resources. A bundle is the folder of its identifier's name in the data folder of the installation
+ * or build tree from which this library was loaded.
  */
 #ifndef CATALOGCORE_COREFOUNDATION_CFBUNDLE_H_
 #define CATALOGCORE_COREFOUNDATION_CFBUNDLE_H_
@@ -11,14 +11,12 @@
 
 typedef struct __CFBundle* CFBundleRef;
 
-CF_EXPORT CFTypeID CFBundleGetTypeID(void);
-
-/* The bundle, or null if there is no such folder. It is never freed, however often it is released. */
+/* Null if the folder does not exist. A bundle is never freed; releasing it does nothing. */
 CF_EXPORT CFBundleRef CFBundleGetBundleWithIdentifier(CFStringRef identifier);
 
 /*
- * The file "name.type" of the bundle, or "name" with a null or empty type; with `subdirectory` (may be null) below that
- * folder of it. Null if there is no such file.
+ * The file "name.type" of the bundle, or "name" if `type` is null or empty, in the folder `subdirectory` of the bundle
+ * unless that is null. Null if the file does not exist.
  */
 CF_EXPORT CFURLRef CFBundleCopyResourceURL(CFBundleRef bundle, CFStringRef name, CFStringRef type,
                                            CFStringRef subdirectory);

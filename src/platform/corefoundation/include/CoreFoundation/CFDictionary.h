@@ -1,6 +1,7 @@
 /*
- * Dictionaries: objects under keys, which are strings; any other key is never found nor set. Keys keep the order of
- * their first insertion, or that of the file they were read from. A dictionary holds a reference to every key and value.
+ * Dictionaries: values under keys. Keys are strings; values are strings, data, or values read from a property list. Keys
+ * keep the order of the file they were read from, or of their first insertion. A dictionary holds a reference to every
+ * key and value.
  */
 #ifndef CATALOGCORE_COREFOUNDATION_CFDICTIONARY_H_
 #define CATALOGCORE_COREFOUNDATION_CFDICTIONARY_H_
@@ -10,8 +11,8 @@
 typedef const struct __CFDictionary* CFDictionaryRef;
 typedef struct __CFDictionary* CFMutableDictionaryRef;
 
-/* How keys and values are held. There are no others than the ones given here; the two for keys do the same, since
- * strings never change. */
+/* How a dictionary holds keys and values. The constants below are the only valid ones. The two for keys have the same
+ * effect, because strings never change. */
 typedef struct {
   CFIndex version;
 } CFDictionaryKeyCallBacks;
@@ -24,29 +25,18 @@ CF_EXPORT const CFDictionaryValueCallBacks kCFTypeDictionaryValueCallBacks;
 
 CF_EXPORT CFTypeID CFDictionaryGetTypeID(void);
 
-/* An empty dictionary that can be changed. `capacity` is ignored. Null with callbacks of the caller's own, or without
- * memory. */
+/* An empty dictionary. `capacity` is ignored. Null if the callbacks are not the constants above, or on allocation
+ * failure. */
 CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef allocator, CFIndex capacity,
                                                            const CFDictionaryKeyCallBacks* keyCallBacks,
                                                            const CFDictionaryValueCallBacks* valueCallBacks);
 
-/* A dictionary that can be changed, of the same keys and the very same values. Null without memory. */
-CF_EXPORT CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef allocator, CFIndex capacity,
-                                                               CFDictionaryRef dictionary);
-
-CF_EXPORT CFIndex CFDictionaryGetCount(CFDictionaryRef dictionary);
-CF_EXPORT Boolean CFDictionaryContainsKey(CFDictionaryRef dictionary, const void* key);
-
-/* The value under the key, which the dictionary goes on holding; null if there is none. */
+/* The value under the key, owned by the dictionary. Null if the dictionary does not have the key. The time grows with the
+ * number of keys. */
 CF_EXPORT const void* CFDictionaryGetValue(CFDictionaryRef dictionary, const void* key);
 
-/*
- * Puts the value under the key; a key that is there already keeps its place. Nothing changes with a null value, in a
- * dictionary that was not made to be changed, or without memory: CFDictionaryGetValue tells.
- */
+/* Adds the key with the value, or replaces the value of the key. Does nothing if the key or the value has another type
+ * than this page names, or on allocation failure; CFDictionaryGetValue then does not return the value. */
 CF_EXPORT void CFDictionarySetValue(CFMutableDictionaryRef dictionary, const void* key, const void* value);
-
-/* Takes the key and its value out, if they are there. */
-CF_EXPORT void CFDictionaryRemoveValue(CFMutableDictionaryRef dictionary, const void* key);
 
 #endif /* CATALOGCORE_COREFOUNDATION_CFDICTIONARY_H_ */
