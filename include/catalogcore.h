@@ -5,7 +5,7 @@
  * categories, and under the folder of its file. The tree of indexes begins with ten presets. The catalogue is loaded
  * from, and written to, two files below a base directory.
  *
- * Threads: any thread may make any call, and calls wait for each other where they must. There are four exceptions.
+ * Threads: any thread may make any call at any time; the library locks as needed. There are four exceptions.
  * IDXInitialize, IDXUninitialize and IDXSetFilePath must not overlap any other call. IDXCloseFind must not overlap
  * another call on its handle. A find handle and a record belong to one thread at a time. Two calls must not write the
  * same file at once.
@@ -23,10 +23,10 @@
  * levels below its root. A file may bring indexes on up to 64 levels, but the number that is written for an index
  * below the fourth level does not identify it: it may be out of range, or that of another index.
  *
- * Case: paths that differ only in the case of ASCII letters are two paths, but about one such pair in 2000 counts as
- * one: the pairs that share one of the catalogue's 1987 hash buckets. With /p/summer78.jpg in the catalogue,
- * /p/SUMMER78.JPG cannot be added (IDXERR_IMAGEEXISTS), and removing it removes /p/summer78.jpg. The same holds for
- * folders. The path that was added first is the one that walks return.
+ * Case: paths that differ only in the case of ASCII letters are two paths, except about one such pair in 2000. Two such
+ * paths count as one if they fall into the same of the catalogue's 1987 hash buckets. With /p/summer78.jpg in the
+ * catalogue, /p/SUMMER78.JPG can then not be added (IDXERR_IMAGEEXISTS), and removing it removes /p/summer78.jpg. The
+ * same holds for folders. Walks return the path that was added first.
  *
  * Folders: a folder stays in the catalogue after its last image was removed, until IDXInitialize or IDXUninitialize.
  * It takes some 250 bytes and those of its path, and keeps its place in the order of walks.
@@ -89,8 +89,8 @@ enum {
 
 /*
  * Bits of IDXITEM.mask: the fields that the call may read, and those that it writes. A field that is not marked is
- * neither read nor written; IDXChangeImage says of one exception. The other bits are reserved: leave them 0. They are
- * ignored now, and may get a meaning in a later version.
+ * neither read nor written, except an index of -1 in IDXChangeImage. The other bits are reserved: leave them 0. They
+ * are ignored now, and may get a meaning in a later version.
  */
 enum {
   IDXMASK_NAME = 1,     /* IDXITEM.name */
@@ -123,8 +123,8 @@ enum {
   IDXPRESET_PHOTO_FACES = 1010000,    /* photographs that show faces */
   IDXPRESET_PHOTO_OTHER = 1090000,    /* other photographs */
   IDXPRESET_DOCUMENT = 2000000,       /* parent of the presets of documents */
-  IDXPRESET_DOCUMENT_CARD = 2010000,  /* documents of a card's size */
-  IDXPRESET_DOCUMENT_POST = 2020000,  /* of a postcard's, or 4 x 6 inches */
+  IDXPRESET_DOCUMENT_CARD = 2010000,  /* documents of the size of a card */
+  IDXPRESET_DOCUMENT_POST = 2020000,  /* of a postcard or of 4 x 6 inches */
   IDXPRESET_DOCUMENT_PAGE = 2030000,  /* A5, B5, A4, Letter or Legal */
   IDXPRESET_DOCUMENT_FIXED = 2040000, /* documents declared by the application (IDXDSDATA.fixedScene) */
   IDXPRESET_DOCUMENT_OTHER = 2090000, /* documents of any other size */
@@ -148,21 +148,21 @@ typedef struct IDXITEM {
 /*
  * A walk over images or indexes, from a find-first call to IDXCloseFind. Any thread may change the catalogue between
  * two steps of the walk:
- * - A step finds what lies ahead at that time: nothing that was removed, and what was added or moved there. So an
- *   image that is moved ahead is found again.
- * - From an image that was removed or moved, the walk goes on with what stood behind the image then. It passes over
- *   what was added in between since.
- * - The walk ends if the index it stands on was removed: the index found last, or, in a walk over images without a
- *   path, the index of the image found last.
+ * - A step returns the next entry at the time of the step. Removed entries are not returned. Entries that were added or
+ *   moved to a later position are returned, so a walk may return a moved image twice.
+ * - If the image returned last was removed or moved since, the walk continues with the entry that followed the image at
+ *   that time. Entries added between the two afterwards are skipped.
+ * - The walk ends if its current index is removed. In a walk over indexes, that is the index returned last; in a walk
+ *   over images without a path, it is the index of the image returned last.
  *
- * What is removed or moved takes memory until every walk that was open then is closed; without IDXCloseFind, until
- * IDXInitialize or IDXUninitialize.
+ * A removed or moved entry takes memory until all walks that were open at that time are closed, or until IDXInitialize
+ * or IDXUninitialize.
  */
 typedef struct IDXFINDHANDLE* IDXFIND;
 
 /*
- * One picture, and what is known of it. Byte b of the pixel in column x of row y lies at pixels + y * rowBytes + x *
- * (bitsPerPixel / 8) + b; the picture is rowBytes * height bytes.
+ * A picture, and what the application knows of it. Byte b of the pixel in column x of row y is at pixels + y * rowBytes
+ * + x * (bitsPerPixel / 8) + b; the picture is rowBytes * height bytes.
  */
 typedef struct IDXDSDATA {
   const void* pixels;   /* the application's; read, never written or freed; may be null */
@@ -174,8 +174,8 @@ typedef struct IDXDSDATA {
   int32_t fixedScene;   /* 1: a document, whatever it shows; nothing is analysed */
   int32_t typeHint;     /* 1: document; 2: photograph; else: not known */
   uint16_t photoHint;   /* 3: photograph; else: no effect */
-  uint16_t photoKind;   /* 1, 2 or 3: photograph, in which faces are looked for if it is 2; else: no effect */
-  int32_t presetIndex;  /* output: number of the preset index that the picture belongs in, or -1 */
+  uint16_t photoKind;   /* 1, 2 or 3: photograph; only with 2 are faces detected; else: no effect */
+  int32_t presetIndex;  /* output: the number of the preset index for the picture, or -1 */
 } IDXDSDATA;
 
 #if defined(__GNUC__)
@@ -188,22 +188,22 @@ extern "C" {
 /* ---- Beginning and end */
 
 /*
- * Makes an empty catalogue with the ten presets, each named "idx" and its number, and no base directory. What an
- * earlier call made is dropped first. IDX_OK: on allocation failure a root or a preset may be missing; IDXERR_MEMORY:
- * nothing is initialised; IDXERR_DETECTOR: the catalogue works, and so does scene detection where the recognizer is
- * not needed.
+ * Makes an empty catalogue with the ten presets, each named "idx" and its number, and no base directory. An existing
+ * catalogue is dropped first. IDX_OK: the root or a preset is missing if it could not be allocated; IDXERR_MEMORY:
+ * nothing is initialised; IDXERR_DETECTOR: the catalogue works, and scene detection works for pictures that do not
+ * need the recognizer.
  */
 IDXSTATUS IDXInitialize(void);
 
 /*
- * Drops the catalogue. IDX_OK, also if there is none. Open walks are then at their end and must still be closed. The
- * same holds for open walks after IDXInitialize.
+ * Drops the catalogue. Returns IDX_OK, also without a catalogue. IDXInitialize and IDXUninitialize end all open walks;
+ * their handles must still be closed.
  */
 IDXSTATUS IDXUninitialize(void);
 
 /*
- * Sets the directory of the catalogue's files. A "/" is always appended. IDX_OK; IDXERR_PARAM: null; else the status
- * of the invalid string. After IDXERR_MEMORY no directory is set.
+ * Sets the directory of the catalogue's files. A "/" is always appended. IDX_OK; IDXERR_PARAM: null; IDXERR_FAILED or
+ * IDXERR_MEMORY: the string is invalid (see IDXSTR). After IDXERR_MEMORY no directory is set.
  */
 IDXSTATUS IDXSetFilePath(IDXSTR path);
 
@@ -213,18 +213,18 @@ IDXSTATUS IDXSetFilePath(IDXSTR path);
  * Files an image; its file need not exist. Reads name, index, and attribute (0 if not marked). IDX_OK; IDXERR_PARAM:
  * a field is missing, the name holds no "/", the name is beyond the limits, its folder holds "//" or ends in "/", the
  * index is out of range or the root; IDXERR_IMAGEEXISTS; IDXERR_NOINDEX; IDXERR_MEMORY: the image's folder may have
- * been made, or folders above it may have been removed with their images: from the nearest folder that was there
- * upward, each that had no folder left below it and holds no protected image.
+ * been added. Or folders above the image may have been removed with their images: the nearest one that existed, and
+ * then its parents upward, as long as each has no child folder left and no protected image.
  */
 IDXSTATUS IDXAddImage(IDXITEM* item);
 
 /*
- * Moves an image to another index (if marked), then sets its attribute (if marked). A move stays if the second step
- * fails. With the index marked, an image that is not in the catalogue is added as by IDXAddImage. An index of -1,
- * marked or not, removes the image as by IDXRemoveImage. With neither marked the call does nothing. Reads name,
- * index, attribute, state. IDX_OK; IDXERR_PARAM: as for IDXAddImage; IDXERR_PROTECTED; IDXERR_NOINDEX;
- * IDXERR_NOIMAGE: no such image, and only the attribute is marked; IDXERR_IMAGEEXISTS: another thread added the image
- * meanwhile; IDXERR_MEMORY: the image may be gone if it was to be moved. File it again with its attribute marked.
+ * Moves an image to another index (if marked), then sets its attribute (if marked). If setting the attribute fails, the
+ * image stays moved. With the index marked, an image that is not in the catalogue is added as by IDXAddImage. An index
+ * of -1, marked or not, removes the image as by IDXRemoveImage. With neither marked the call does nothing. Reads name,
+ * index, attribute, state. IDX_OK; IDXERR_PARAM: as for IDXAddImage; IDXERR_PROTECTED; IDXERR_NOINDEX; IDXERR_NOIMAGE:
+ * no such image, and only the attribute is marked; IDXERR_IMAGEEXISTS: another thread added the image meanwhile;
+ * IDXERR_MEMORY: an image that was to be moved may have been removed. Add it again with its attribute marked.
  */
 IDXSTATUS IDXChangeImage(IDXITEM* item);
 
@@ -235,56 +235,56 @@ IDXSTATUS IDXRemoveImage(IDXITEM* item);
 IDXSTATUS IDXSearchImage(IDXITEM* item);
 
 /*
- * Begins a walk over images: without IDXOP_CONDITION over all. Under IDXOP_CONDITION it reads index and path. A
- * marked index restricts the walk to the images of that index and of those below it. IDX_ROOT restricts nothing, so
- * mark index with IDX_ROOT to walk all indexes and have the index of each image written. A marked path restricts the
- * walk to the images in that folder and the folders below it; "." restricts nothing, and one "/" at the end of a path
- * is ignored. "/" alone walks all folders but those whose path begins with /Volumes, in this case of letters: also
- * /Volumes2. To walk such a folder, name it.
+ * Begins a walk over all images, or, with IDXOP_CONDITION, over those that match index and path. A marked index
+ * restricts the walk to the images of that index and of the indexes below it. IDX_ROOT restricts nothing: mark index
+ * with IDX_ROOT to walk all indexes and have the index of each image written. A marked path restricts the walk to the
+ * images in that folder and in the folders below it. One "/" at the end of the path is ignored, and "." restricts
+ * nothing. The path "/" means all folders except those whose path begins with "/Volumes" in exactly these letters, such
+ * as "/Volumes2". To walk one of these folders, give its path.
  *
- * Under IDXOP_GETINFO it writes name, index and attribute of the first image. Returns the handle, to be closed with
- * IDXCloseFind, and IDX_OK in `*status` (which may be null). Else returns null and IDXERR_NOIMAGE, IDXERR_MEMORY, or
- * the status of a field that is invalid.
+ * With IDXOP_GETINFO it writes name, index and attribute of the first image. Returns the handle, to be closed with
+ * IDXCloseFind, and stores IDX_OK in `*status`. On failure returns null and stores IDXERR_NOIMAGE, IDXERR_MEMORY, or
+ * the status of the invalid field. `status` may be null.
  */
 IDXFIND IDXFindFirstImage(IDXITEM* item, IDXSTATUS* status);
 
 /*
- * Finds the next image, and writes it as IDXFindFirstImage does. IDX_OK; IDXERR_NOIMAGE: the end; IDXERR_PARAM: a
- * null handle. REQUIRES: the handle is one of IDXFindFirstImage.
+ * Finds the next image and writes it as IDXFindFirstImage does. IDX_OK; IDXERR_NOIMAGE: the end; IDXERR_PARAM: a null
+ * handle. REQUIRES: IDXFindFirstImage returned the handle.
  */
 IDXSTATUS IDXFindNextImage(IDXFIND find, IDXITEM* item);
 
-/* Ends a walk of either kind and frees its handle, also after IDXUninitialize; null is allowed. IDX_OK. */
+/* Ends a walk over images or indexes and frees its handle, also after IDXUninitialize. Null is allowed. IDX_OK. */
 IDXSTATUS IDXCloseFind(IDXFIND find);
 
 /* ---- Indexes */
 
 /*
- * Adds an index of this name under the parent that `index` names, at the lowest position from 10 to 29 that is free
- * there. Reads index, name, and attribute (0 if not marked). Under IDXOP_GETINFO writes the new number to index, also
- * on IDXERR_MEMORY. IDX_OK; IDXERR_PARAM: a field is missing, the parent is out of range or on the fourth level;
- * IDXERR_NOINDEX: no parent; IDXERR_INDEXEXISTS: the parent has a child of this name, byte for byte, whose number is
- * written under IDXOP_GETINFO; IDXERR_INDEXFULL; IDXERR_MEMORY: a parent without children may have been removed with
- * its images, if neither it nor an image is protected, and so on upward.
+ * Adds an index with this name under the parent that `index` names, at the lowest free position from 10 to 29. Reads
+ * index, name, and attribute (0 if not marked). With IDXOP_GETINFO writes the new number to index, also on
+ * IDXERR_MEMORY. IDX_OK; IDXERR_PARAM: a field is missing, the parent is out of range or on the fourth level;
+ * IDXERR_NOINDEX: no such parent; IDXERR_INDEXEXISTS: the parent has a child whose name has the same bytes, and its
+ * number is written with IDXOP_GETINFO; IDXERR_INDEXFULL; IDXERR_MEMORY: a parent without children may have been
+ * removed with its images if neither the parent nor an image is protected, and likewise the indexes above it.
  */
 IDXSTATUS IDXAddIndex(IDXITEM* item);
 
 /*
- * Changes the display name (if marked), then the attribute (if marked). Reads index, name, attribute, state. The
- * status of the second step replaces that of the first: with both marked, the call returns IDX_OK for an index that
- * may not be renamed, and changes only its attribute. To learn whether the name was changed, mark name alone. A name
- * that cannot be read ends the call. With neither marked the call returns IDX_OK, also for an index that does not
- * exist. IDX_OK; IDXERR_PARAM: no index, or a marked name without a variable; IDXERR_NOINDEX; IDXERR_PROTECTED;
- * IDXERR_MEMORY; the status of an invalid name.
+ * Changes the display name (if marked), then the attribute (if marked). Reads index, name, attribute, state. The status
+ * of the second step replaces that of the first: with both marked, the call returns IDX_OK for an index that may not be
+ * renamed, and changes only its attribute. To learn whether the name was changed, mark name alone. If the name cannot
+ * be read, nothing is changed. With neither marked the call returns IDX_OK, also for an index that does not exist.
+ * IDX_OK; IDXERR_PARAM: no index, or a marked name without a variable; IDXERR_NOINDEX; IDXERR_PROTECTED; IDXERR_MEMORY;
+ * the status of an invalid name.
  */
 IDXSTATUS IDXChangeIndex(IDXITEM* item);
 
 /*
- * Removes an index and takes its images out of the catalogue. Reads index and state. IDX_OK; IDXERR_PARAM: no index;
- * IDXERR_NOINDEX; IDXERR_NOTEMPTY: it has child indexes; IDXERR_PROTECTED: the index is protected, or one of its
- * images, and the images before that one are gone then. IDX_ROOT is never removed: IDXERR_NOTEMPTY while there is any
- * index, as there is unless the presets were removed; then IDXERR_PROTECTED, and IDXERR_PARAM with IDXSTATE_FORCE or
- * when the root's protection was taken away.
+ * Removes an index, and its images from the catalogue. Reads index and state. IDX_OK; IDXERR_PARAM: no index;
+ * IDXERR_NOINDEX; IDXERR_NOTEMPTY: the index has child indexes; IDXERR_PROTECTED: the index or one of its images is
+ * protected, and the images before the protected one have been removed. IDX_ROOT is never removed. The call then
+ * returns IDXERR_NOTEMPTY while any index exists, presets included; otherwise IDXERR_PROTECTED, or IDXERR_PARAM with
+ * IDXSTATE_FORCE or if the root is no longer protected.
  */
 IDXSTATUS IDXRemoveIndex(IDXITEM* item);
 
@@ -292,56 +292,56 @@ IDXSTATUS IDXRemoveIndex(IDXITEM* item);
 IDXSTATUS IDXSearchIndex(IDXITEM* item);
 
 /*
- * Begins a walk over all indexes but the root, parents before children. Under IDXOP_CONDITION it reads index, and
- * walks that index and all below it. Under IDXOP_GETINFO it writes name, index and attribute of the first. Returns as
- * IDXFindFirstImage does, with IDXERR_NOINDEX if there is none.
+ * Begins a walk over all indexes except the root, parents before children. With IDXOP_CONDITION it reads index, and
+ * walks that index and all indexes below it. With IDXOP_GETINFO it writes name, index and attribute of the first index.
+ * Returns as IDXFindFirstImage does, with IDXERR_NOINDEX if nothing is found.
  */
 IDXFIND IDXFindFirstIndex(IDXITEM* item, IDXSTATUS* status);
 
 /*
- * Finds the next index, and writes it as IDXFindFirstIndex does. IDX_OK; IDXERR_NOINDEX: the end; IDXERR_PARAM: a
- * null handle. REQUIRES: the handle is one of IDXFindFirstIndex.
+ * Finds the next index and writes it as IDXFindFirstIndex does. IDX_OK; IDXERR_NOINDEX: the end; IDXERR_PARAM: a null
+ * handle. REQUIRES: IDXFindFirstIndex returned the handle.
  */
 IDXSTATUS IDXFindNextIndex(IDXFIND find, IDXITEM* item);
 
 /*
- * Renames `count` indexes, protected or not: names[i] becomes the display name of numbers[i]. A name may be empty. In
- * place of a name that cannot be converted, or a number out of range, that of the entry before is used; in the first
- * entry the empty name, or the root. IDX_OK; IDXERR_PARAM: an array is null, or an index does not exist; the others
- * are renamed.
+ * Renames `count` indexes, protected or not: names[i] becomes the display name of numbers[i]. A name may be empty. A
+ * name that cannot be converted is replaced by that of the previous entry, in the first entry by the empty name. A
+ * number out of range is replaced by that of the previous entry, in the first entry by the root. IDX_OK; IDXERR_PARAM:
+ * an array is null, or an index does not exist; the other indexes are renamed.
  */
 IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int32_t count);
 
 /*
  * ---- Files
  *
- * Each call takes the name of a file in the base directory: an XML property list that holds the indexes, the images,
- * or both, each as a text of one record a line, and any other entries of an application. A name that is empty or
- * cannot be converted names the directory itself, which is not such a file.
+ * Each call takes the name of a file in the base directory. The file is an XML property list with the indexes, the
+ * images, or both, each as a text with one record a line, and with any other entries of applications. A name that is
+ * empty or cannot be converted names the directory itself, which cannot be read or written as a file.
  */
 
 /*
- * Adds the indexes of the file to the catalogue; those that are there already are left as they are. To be called
- * before IDXLoadImageFile. IDX_OK; IDXERR_FAILED: the file cannot be read, or is not a catalogue file; IDXERR_PARAM:
+ * Adds the indexes of the file to the catalogue. Indexes that exist already do not change. Call it before
+ * IDXLoadImageFile. IDX_OK; IDXERR_FAILED: the file cannot be read, or is not a catalogue file; IDXERR_PARAM:
  * null; IDXERR_NODATA: no such file, or it holds no indexes; IDXERR_EMPTY; IDXERR_VERSION; IDXERR_MEMORY: a part may
  * have been added. After a failure other than IDXERR_NODATA the file holds more than the catalogue: do not overwrite
- * it. An entry that the catalogue refuses, or that cannot be allocated, is skipped, with IDX_OK.
+ * it. A record that is invalid or cannot be allocated is skipped; the status is still IDX_OK.
  */
 IDXSTATUS IDXLoadIndexFile(IDXSTR name);
 
 /*
- * Adds the images of the file to the catalogue. Skips images whose own file does not exist, whose index is not in the
- * catalogue, or which are there already. Statuses as IDXLoadIndexFile, but IDXERR_VERSION in place of IDXERR_EMPTY.
+ * Adds the images of the file to the catalogue. Skips images whose file or index does not exist, and images that are in
+ * the catalogue already. Statuses as for IDXLoadIndexFile, with IDXERR_VERSION in place of IDXERR_EMPTY.
  */
 IDXSTATUS IDXLoadImageFile(IDXSTR name);
 
 /*
- * Writes the indexes to the file, which is created or replaced; other entries of the file are kept. After any failure
- * the old file is whole, unless the folder takes no new file: then the file is written in place. Indexes with all
- * three protections, such as the presets, are left out; if a child of such an index is written, a load makes the
- * index with the child's name and attribute. An empty name, or one with a line feed, is not loaded again and spoils
- * the record behind it. IDX_OK; IDXERR_FAILED: the file exists and is not a catalogue file, or cannot be written;
- * IDXERR_PARAM: null; IDXERR_MEMORY.
+ * Writes the indexes to the file, which is created or replaced. Other entries of the file are kept. After any failure
+ * the old file is intact, unless its folder does not allow new files: then the file is overwritten in place. Indexes
+ * with all three protections, such as the presets, are not written. If a child of such an index is written and the
+ * index does not exist, loading creates the index with the name and attribute of the child. An index whose name is
+ * empty or has a line feed is not loaded again, and the record after it is damaged. IDX_OK; IDXERR_FAILED: the file
+ * exists and is not a catalogue file, or cannot be written; IDXERR_PARAM: null; IDXERR_MEMORY.
  */
 IDXSTATUS IDXWriteIndexFile(IDXSTR name);
 
@@ -351,16 +351,17 @@ IDXSTATUS IDXWriteImageFile(IDXSTR name);
 /* ---- Scenes */
 
 /*
- * Decides what the picture shows and writes the number of the preset index that it belongs in to `presetIndex`, -1 on
- * failure. A picture without pixels is decided by its hints and sizes alone, or stays undecided (-1, IDX_OK).
- *   IDX_OK             decided, or nothing to decide by
+ * Decides what the picture shows and writes the number of the preset index for it to `presetIndex`, or -1 on failure. A
+ * picture without pixels is decided by its hints and sizes alone, or stays undecided (-1 with IDX_OK).
+ *   IDX_OK             decided, or undecided (-1)
  *   IDXERR_FAILED      the library is not initialised
  *   IDXERR_PARAM       `data` is null; nothing is written
- *   IDXERR_MEMORY      a copy of the pixels could not be allocated
+ *   IDXERR_MEMORY      a copy of the pixels could not be allocated, or rowBytes * height is negative or does not fit in
+ *                      32 bits
  *   IDXERR_DETECTOR    the recognizer is needed and its parameter resource is missing
  *   IDXERR_IMAGESIZE   width or height is above 4096 pixels, and neither below 50
  *   IDXERR_RECOGNIZER + 1 to 255, IDXERR_FACES + 1 to 255: failures of the two engines
- * Any thread may call it; one detection runs at a time, beside the other calls.
+ * Detections run one at a time. Other calls do not wait for them.
  */
 IDXSTATUS IDXDetectScene(IDXDSDATA* data);
 

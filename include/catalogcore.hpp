@@ -1,18 +1,18 @@
 /// @file
 /// CatalogCore for C++20: the calls of catalogcore.h with owners, ranges, enumerations and std::string in place of
-/// handles, bits and CoreFoundation strings. Header only; link what a C program links.
+/// handles, bits and CoreFoundation strings. It consists of headers only; link it like a C program.
 ///
-/// catalogcore.h says what each call does; here stands what C++ adds to it. Text is UTF-8: std::string_view in,
-/// std::string out. Text handed in that is no valid UTF-8, or holds a zero byte, gives Status::kFailed; empty text
-/// gives Status::kMemory, as the calls do, but as a file's name Status::kFailed.
+/// catalogcore.h documents each call; this header documents what C++ adds. Text is UTF-8: std::string_view in,
+/// std::string out. Input text that is not valid UTF-8 or has a zero byte gives Status::kFailed. Empty text gives
+/// Status::kMemory; as a file name it gives Status::kFailed.
 ///
-/// Failures are values: every call that can fail returns a Result. Where the program is built with exceptions,
-/// Result::value() throws Error in place of a failure, so `catalog.AddImage(path, index).value()` is the throwing twin
-/// of `catalog.AddImage(path, index)`: one set of calls to learn, and the choice is made at each. Nothing else throws,
-/// but for std::bad_alloc where a std::string finds no memory. With -fno-exceptions all but value() and Error is there.
+/// Every call that can fail returns a Result. In programs built with exceptions, Result::value() throws Error for a
+/// failure: `catalog.AddImage(path, index)` returns a status, `catalog.AddImage(path, index).value()` throws. Nothing
+/// else throws, except std::bad_alloc if a std::string cannot be allocated. With -fno-exceptions, value() and Error do
+/// not exist.
 ///
-/// Threads: as in catalogcore.h. Any thread may make any call on an open Catalog; opening, moving, clearing and closing
-/// it, and SetDirectory, must not overlap other calls; a walk belongs to one thread at a time.
+/// Threads: any thread may make any call on an open Catalog. Opening, moving, clearing and closing it, and
+/// SetDirectory, must not overlap other calls. A walk belongs to one thread at a time.
 #ifndef CATALOGCORE_HPP_
 #define CATALOGCORE_HPP_
 
@@ -39,22 +39,23 @@ namespace catalogcore {
 
 namespace detail {
 
-/// Whether an owner of this program has the process's catalogue.
+/// Whether a Catalog owns the catalogue of the process.
 inline std::atomic<bool> isOwned{false};
 
 }  // namespace detail
 
-/// The process's catalogue, owned: made by Open, dropped when its owner goes. It can be moved, not copied. A catalogue
-/// that was moved from owns nothing: its calls give Status::kFailed, and a later Open may be assigned to it.
+/// The owner of the process's catalogue: Open creates the catalogue and the destructor drops it. A Catalog can be moved
+/// but not copied. After a move, the old object owns nothing: its calls give Status::kFailed, and the result of another
+/// Open may be assigned to it.
 class Catalog {
  public:
-  /// Makes the process's catalogue, with the ten presets and no directory. There is one catalogue a process, and a
-  /// second IDXInitialize would drop what the first one's user holds; so while there is one, whoever made it, this
-  /// gives Status::kAlreadyOpen and changes nothing. Or Status::kMemory. Without the recognizer's parameters the
-  /// catalogue opens too: see HasRecognizer.
+  /// Creates the process's catalogue, with the ten presets and no directory. A process has one catalogue, which a
+  /// second IDXInitialize would drop. So if a catalogue exists already, from this class or from IDXInitialize, the call
+  /// gives Status::kAlreadyOpen and changes nothing. Status::kMemory. The call succeeds without the recognizer's
+  /// parameters: see HasRecognizer.
   static Result<Catalog> Open() {
     if (detail::isOwned.exchange(true)) return Status::kAlreadyOpen;
-    Catalog catalog;  // from here on gives its claim back when it goes
+    Catalog catalog;  // its destructor resets isOwned
     if (IDXSearchIndex(&detail::Record().Number(kRoot)) != IDXERR_FAILED) {
       catalog.isOpen_ = false;
       detail::isOwned = false;
@@ -65,11 +66,11 @@ class Catalog {
     return catalog;
   }
 
-  /// Takes the catalogue over from the other.
+  /// Takes over the catalogue of `other`.
   Catalog(Catalog&& other) noexcept
       : isOpen_(std::exchange(other.isOpen_, false)), hasRecognizer_(other.hasRecognizer_) {}
 
-  /// Drops its own catalogue, if it has one, and takes the other's over.
+  /// Drops the own catalogue, if any, and takes over that of `other`.
   Catalog& operator=(Catalog&& other) noexcept {
     if (this == &other) return *this;
     Close();
@@ -78,18 +79,18 @@ class Catalog {
     return *this;
   }
 
-  /// Drops the catalogue, if it has it. Walks that are open are at their end then.
+  /// Drops the catalogue, if any. This ends all open walks.
   ~Catalog() { Close(); }
 
-  /// Whether it owns the process's catalogue: true until it is moved from.
+  /// Whether the object owns the catalogue: true until it is moved from.
   bool IsOpen() const noexcept { return isOpen_; }
 
-  /// Whether the recognizer's parameters were found. Without them Classify gives Status::kDetector for what hints and
-  /// sizes do not decide; all else works.
+  /// Whether the recognizer's parameters were found. Without them, Classify gives Status::kDetector for pictures that
+  /// need the recognizer; everything else works.
   bool HasRecognizer() const noexcept { return hasRecognizer_; }
 
-  /// Empties the catalogue: it is as Open made it, without a directory. Status::kMemory, and then all calls give
-  /// Status::kFailed until a Clear that succeeds.
+  /// Empties the catalogue, which is then as after Open, without a directory. After Status::kMemory all calls give
+  /// Status::kFailed until Clear succeeds.
   Result<void> Clear() {
     if (!isOpen_) return Status::kFailed;
     const IDXSTATUS status = IDXInitialize();
@@ -99,16 +100,17 @@ class Catalog {
 
   // ---- Images
 
-  /// Files an image, which need not exist, under an index other than the root. Status::kParam: the path holds no "/",
-  /// the index is out of range; kImageExists; kNoIndex; kMemory; kFailed.
+  /// Files an image under an index other than the root. The file need not exist. Status::kParam: the path has no "/",
+  /// or the index is out of range; kImageExists; kNoIndex; kMemory; kFailed.
   Result<void> AddImage(std::string_view path, IndexNumber index, Attributes attributes = Attributes::kNone) {
     detail::InputText name(path);
     return Call(IDXAddImage, detail::Record().Name(name).Number(index).Protection(attributes));
   }
 
-  /// Moves an image, or adds one that is not there, then sets its attributes; what is not set in `change` stays. A move
-  /// stays when the second step fails. Status::kProtected; kNoIndex; kNoImage: only attributes were to be set; kParam;
-  /// kMemory: the image is gone if it was to be moved; kFailed.
+  /// Moves an image, or adds it if it is not in the catalogue, then sets its attributes. What is not set in `change`
+  /// does not change. If setting the attributes fails, the image stays moved. Status::kProtected; kNoIndex; kNoImage:
+  /// no such image, and `change` has no index; kParam; kMemory: an image that was to be moved may have been removed;
+  /// kFailed.
   Result<void> ChangeImage(std::string_view path, const ImageChange& change, Options options = Options::kNone) {
     detail::InputText name(path);
     detail::Record record;
@@ -118,13 +120,13 @@ class Catalog {
     return Call(IDXChangeImage, record);
   }
 
-  /// Takes an image out of the catalogue. Status::kNoImage; kProtected; kFailed; kMemory.
+  /// Removes an image from the catalogue. Status::kNoImage; kProtected; kFailed; kMemory.
   Result<void> RemoveImage(std::string_view path, Options options = Options::kNone) {
     detail::InputText name(path);
     return Call(IDXRemoveImage, detail::Record().Name(name).State(options));
   }
 
-  /// Where an image is filed. Status::kNoImage; kFailed; kMemory.
+  /// The index and the attributes of an image. Status::kNoImage; kFailed; kMemory.
   Result<Filing> FindImage(std::string_view path) const {
     detail::InputText name(path);
     detail::Record record;
@@ -134,8 +136,8 @@ class Catalog {
     return Filing{record.index, record.Protections()};
   }
 
-  /// Begins a walk over images, those of the query or all; one that finds none is at its end. Status::kParam: the index
-  /// is out of range; kFailed; kMemory.
+  /// Begins a walk over the images that match the query; by default over all images. A walk without images is at its
+  /// end. Status::kParam: the index is out of range; kFailed; kMemory.
   Result<ImageWalk> Images(const ImageQuery& query = {}) const {
     if (!isOpen_) return Status::kFailed;
     detail::Record record;
@@ -148,9 +150,10 @@ class Catalog {
 
   // ---- Indexes
 
-  /// Adds an index below `parent`, kRoot for the top, and gives its number, the lowest from 10 to 29 that is free
-  /// there. Status::kIndexExists: the parent has a child of this name, byte for byte (EnsureIndex gives its number);
-  /// kIndexFull; kNoIndex: no parent; kParam: the parent is out of range or on the fourth level; kMemory; kFailed.
+  /// Adds an index below `parent` (kRoot: at the top) and gives its number. The index gets the lowest free position
+  /// from 10 to 29. Status::kIndexExists: the parent has a child whose name has the same bytes (EnsureIndex gives its
+  /// number); kIndexFull; kNoIndex: no such parent; kParam: the parent is out of range or on the fourth level; kMemory;
+  /// kFailed.
   Result<IndexNumber> AddIndex(IndexNumber parent, std::string_view name, Attributes attributes = Attributes::kNone) {
     IndexNumber number = 0;
     const Result<void> added = AddIndexTo(parent, name, attributes, number);
@@ -158,8 +161,8 @@ class Catalog {
     return number;
   }
 
-  /// The number of the parent's child of this name, which is added as by AddIndex if it is not there; one that is there
-  /// keeps its attributes. Failures as of AddIndex, but for Status::kIndexExists.
+  /// Gives the number of the parent's child with this name. If there is no such child, adds it as AddIndex does; the
+  /// attributes of an existing child do not change. Fails as AddIndex does, but never with Status::kIndexExists.
   Result<IndexNumber> EnsureIndex(IndexNumber parent, std::string_view name,
                                   Attributes attributes = Attributes::kNone) {
     IndexNumber number = 0;
@@ -168,8 +171,9 @@ class Catalog {
     return number;
   }
 
-  /// Changes the name, then the attributes; what is not set in `change` stays. The second step's failure or success
-  /// counts, but a name that is no text ends the call. Status::kNoIndex; kProtected; kParam; kMemory; kFailed.
+  /// Changes the name, then the attributes. What is not set in `change` does not change. If both are set, the status is
+  /// that of the attributes, even if the name was not changed. If the name is not valid text, nothing is changed.
+  /// Status::kNoIndex; kProtected; kParam; kMemory; kFailed.
   Result<void> ChangeIndex(IndexNumber number, const IndexChange& change, Options options = Options::kNone) {
     detail::InputText name(change.name.value_or(std::string_view()));
     detail::Record record;
@@ -179,8 +183,9 @@ class Catalog {
     return Call(IDXChangeIndex, record);
   }
 
-  /// Removes an index and takes its images out of the catalogue. Status::kNoIndex; kNotEmpty: it has child indexes;
-  /// kProtected: it, or one of its images, of which those before that one are gone; kParam; kFailed.
+  /// Removes an index, and its images from the catalogue. Status::kNoIndex; kNotEmpty: the index has child indexes;
+  /// kProtected: the index or one of its images is protected, and the images before the protected one have been
+  /// removed; kParam; kFailed.
   Result<void> RemoveIndex(IndexNumber number, Options options = Options::kNone) {
     return Call(IDXRemoveIndex, detail::Record().Number(number).State(options));
   }
@@ -197,8 +202,8 @@ class Catalog {
     return index;
   }
 
-  /// Begins a walk over the index `top` and all below it, or over all but the root; one that finds none is at its end.
-  /// Status::kParam: out of range; kFailed; kMemory.
+  /// Begins a walk over the index `top` and all indexes below it, or over all indexes except the root. A walk without
+  /// indexes is at its end. Status::kParam: `top` is out of range; kFailed; kMemory.
   Result<IndexWalk> Indexes(IndexNumber top = kRoot) const {
     if (!isOpen_) return Status::kFailed;
     detail::Record record;
@@ -206,12 +211,13 @@ class Catalog {
     return IndexWalk::Begin(record);
   }
 
-  /// Gives an index, protected or not, a display name, which may be empty. Status::kParam: no such index; kFailed.
+  /// Sets the display name of an index, also of a protected one. The name may be empty. Status::kParam: no such index;
+  /// kFailed.
   Result<void> SetPresetName(IndexNumber number, std::string_view name) {
     detail::InputText text(name);
     const IDXSTR variable = text.Variable();
     if (!isOpen_ || !text.IsValid()) return Status::kFailed;
-    // The call would take a number that is none for the root.
+    // The call would rename the root for a number out of range.
     constexpr IndexNumber kFirst = 1000000;
     constexpr IndexNumber kLast = 99999999;
     if (number != kRoot && (number < kFirst || number > kLast)) return Status::kParam;
@@ -220,34 +226,37 @@ class Catalog {
 
   // ---- Files
 
-  /// Sets the directory of the catalogue's files, with or without a "/" at its end. It is not made. Status::kFailed;
-  /// kMemory, and then no directory is set.
+  /// Sets the directory of the catalogue's files, with or without a final "/". The directory is not created.
+  /// Status::kFailed; kMemory: no directory is set.
   Result<void> SetDirectory(std::string_view directory) { return Call(IDXSetFilePath, directory); }
 
-  /// Adds the indexes of a file in the directory to the catalogue; to be called before LoadImages. Status::kNoData: no
-  /// such file, or it holds no indexes; kEmpty; kVersion; kFailed: cannot be read, or is none of this kind; kMemory. Do
-  /// not save after a load that failed in another way than kNoData: the file holds more than the catalogue.
+  /// Adds the indexes of a file in the directory to the catalogue. Call it before LoadImages. Status::kNoData: the file
+  /// is missing or holds no indexes; kEmpty; kVersion; kFailed: the file cannot be read, or is not a catalogue file;
+  /// kMemory. After a failure other than kNoData the file holds more than the catalogue: do not overwrite it.
   Result<void> LoadIndexes(std::string_view file) { return Call(IDXLoadIndexFile, file); }
 
-  /// Adds the images of a file in the directory, but for those whose file or index is not there. Status::kNoData;
+  /// Adds the images of a file in the directory, except images whose own file or index does not exist. Status::kNoData;
   /// kVersion; kFailed; kMemory.
   Result<void> LoadImages(std::string_view file) { return Call(IDXLoadImageFile, file); }
 
-  /// Writes the indexes to a file in the directory, which is the old or the new one, whole, whatever fails, but where
-  /// its folder takes no new file. Indexes
-  /// with all three protections are left out, as the presets are. Status::kFailed: cannot be written; kMemory. Two
-  /// saves must not be made to one file at once.
+  /// Writes the indexes to a file in the directory. After any failure the old file is intact, unless its folder does
+  /// not allow new files: then the file is overwritten in place. Indexes with all three protections, such as the
+  /// presets, are not written. Two calls must not write the same file at once. Status::kFailed: the file cannot be
+  /// written; kMemory.
   Result<void> SaveIndexes(std::string_view file) const { return Call(IDXWriteIndexFile, file); }
 
-  /// Writes the images to a file in the directory, as SaveIndexes; the file may be the same.
+  /// Writes the images to a file in the directory as SaveIndexes does. Both may use the same file.
   Result<void> SaveImages(std::string_view file) const { return Call(IDXWriteImageFile, file); }
 
   // ---- Scenes
 
-  /// Decides what a picture shows. Pixels are read, never written or kept. Status::kParam: the numbers do not describe
-  /// the bytes (a depth that is none of the four, rows shorter than their pixels, less than rowBytes * height bytes,
-  /// more than 2^31 - 1); kImageSize; kDetector; kRecognizer or kFaces plus a code; kMemory; kFailed. Any thread; one
-  /// detection runs at a time, beside the other calls.
+  /// Decides what a picture shows. The pixels are only read, and not kept. Detections run one at a time; other calls do
+  /// not wait for them. Status::kParam: the numbers do not match the pixels, which means one of
+  /// - the depth is not 8, 16, 24 or 48 bits,
+  /// - a row is shorter than its pixels,
+  /// - rowBytes * height is larger than the number of bytes, or than 2^31 - 1;
+  ///
+  /// kImageSize; kDetector; kRecognizer or kFaces plus a code; kMemory; kFailed.
   Result<Scene> Classify(const PixelBuffer& picture) const {
     if (!isOpen_) return Status::kFailed;
     IDXDSDATA data{};
@@ -272,7 +281,7 @@ class Catalog {
  private:
   Catalog() = default;
 
-  // Bytes from one row to the next; 0 if the numbers do not describe the bytes.
+  // Bytes from one row to the next; 0 if the numbers do not match the pixels.
   static std::int64_t RowBytes(const PixelBuffer& picture) {
     const std::int32_t bits = picture.bitsPerPixel;
     if ((bits != 8 && bits != 16 && bits != 24 && bits != 48) || picture.width <= 0 || picture.height <= 0) return 0;
@@ -291,7 +300,7 @@ class Catalog {
     return isOpen_ && input.IsValid() ? static_cast<Status>(call(input.Variable())) : Status::kFailed;
   }
 
-  // Writes the number of the new child, or of the one that has the name.
+  // `number` gets the number of the new child, or of the existing child with the name.
   Result<void> AddIndexTo(IndexNumber parent, std::string_view name, Attributes attributes, IndexNumber& number) {
     detail::InputText text(name);
     detail::Record record;

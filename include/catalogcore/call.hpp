@@ -1,5 +1,5 @@
 /// @file
-/// The strings and records that calls are made with. Applications need none of it.
+/// The strings and records that the layer passes to the C calls. Not for applications.
 #ifndef CATALOGCORE_CALL_HPP_
 #define CATALOGCORE_CALL_HPP_
 
@@ -15,10 +15,10 @@
 
 namespace catalogcore {
 
-/// How the calls are made; not for applications.
+/// Not for applications.
 namespace detail {
 
-/// Text on its way in: owns the CoreFoundation string, none if the text is not valid.
+/// Input text: owns the CoreFoundation string, which is null if the text is invalid.
 class InputText {
  public:
   /// Converts the text.
@@ -38,7 +38,7 @@ class InputText {
   IDXSTR Variable() { return &string_; }
 
  private:
-  static constexpr std::size_t kShort = 1024;  // bytes of a text that is terminated on the stack
+  static constexpr std::size_t kShort = 1024;  // bytes; shorter text is terminated on the stack
 
   static CFStringRef Make(std::string_view text) {
     if (text.find('\0') != std::string_view::npos) return nullptr;
@@ -55,10 +55,10 @@ class InputText {
   CFStringRef string_;
 };
 
-/// Text on its way out: owns the CoreFoundation string that a call stored, if it did.
+/// Output text: owns the CoreFoundation string that a call stored, if any.
 class OutputText {
  public:
-  /// No string yet.
+  /// Holds no string.
   OutputText() = default;
   OutputText(const OutputText&) = delete;             ///< owns its string alone
   OutputText& operator=(const OutputText&) = delete;  ///< owns its string alone
@@ -71,7 +71,7 @@ class OutputText {
   /// The variable that a call writes; never null.
   IDXSTR Variable() { return &string_; }
 
-  /// Writes the text to `out`, whose memory is used again. False, and empty, if none was stored.
+  /// Writes the text to `out`. Returns false, with `out` empty, if no string was stored.
   bool CopyTo(std::string& out) const {
     out.clear();
     if (!string_) return false;
@@ -96,25 +96,25 @@ class OutputText {
   CFStringRef string_ = nullptr;
 };
 
-/// A record whose fields are marked as they are set.
+/// A record. Setting a field also marks the field.
 struct Record : IDXITEM {
   /// Nothing is marked.
   Record() : IDXITEM() {}
 
-  /// The text, in or out, of an image or an index.
+  /// The name of an image or index, for input or output.
   template <typename Text>
   Record& Name(Text& text) {
     name = text.Variable();
     return Mark(IDXMASK_NAME);
   }
 
-  /// The folder.
+  /// The path of a folder.
   Record& Path(InputText& text) {
     path = text.Variable();
     return Mark(IDXMASK_PATH);
   }
 
-  /// The index.
+  /// The index number.
   Record& Number(IndexNumber number) {
     index = number;
     return Mark(IDXMASK_INDEX);
@@ -126,20 +126,20 @@ struct Record : IDXITEM {
     return Mark(IDXMASK_ATTRIBUTE);
   }
 
-  /// How the change is made.
+  /// The state bits.
   Record& State(Options options) {
     state = static_cast<std::uint8_t>(options);
     return *this;
   }
 
-  /// The fields that a step of a walk is to write.
+  /// The fields that a find call writes.
   Record& Wanted(OutputText& text, std::uint32_t fields) {
     operation |= IDXOP_GETINFO;
     name = text.Variable();
     return Mark(fields);
   }
 
-  /// What the call is to do besides.
+  /// The operation bits.
   Record& Operation(int bits) {
     operation = static_cast<std::uint8_t>(bits);
     return *this;
@@ -157,7 +157,7 @@ struct Record : IDXITEM {
 
 }  // namespace detail
 
-/// Whether a text is valid UTF-8 without a zero byte; also false without memory. Any thread.
+/// Whether a text is valid UTF-8 without a zero byte. Also false on allocation failure.
 inline bool IsText(std::string_view text) { return detail::InputText(text).IsValid(); }
 
 }  // namespace catalogcore

@@ -1,6 +1,5 @@
 /// @file
-/// Images and indexes as calls of catalogcore.hpp show them, and what is asked for and changed: numbers, bits and
-/// records.
+/// Images and indexes, queries and changes.
 #ifndef CATALOGCORE_ENTRIES_HPP_
 #define CATALOGCORE_ENTRIES_HPP_
 
@@ -20,22 +19,22 @@ using IndexNumber = std::int32_t;
 /// The root of the tree, which holds no image.
 inline constexpr IndexNumber kRoot = IDX_ROOT;
 
-/// The indexes that every catalogue has.
+/// The numbers of the preset indexes.
 namespace preset {
-inline constexpr IndexNumber kPhoto = IDXPRESET_PHOTO;                   ///< parent of those of photographs
+inline constexpr IndexNumber kPhoto = IDXPRESET_PHOTO;                   ///< parent of the presets of photographs
 inline constexpr IndexNumber kPhotoFaces = IDXPRESET_PHOTO_FACES;        ///< photographs that show faces
 inline constexpr IndexNumber kPhotoOther = IDXPRESET_PHOTO_OTHER;        ///< other photographs
-inline constexpr IndexNumber kDocument = IDXPRESET_DOCUMENT;             ///< parent of those of documents
-inline constexpr IndexNumber kDocumentCard = IDXPRESET_DOCUMENT_CARD;    ///< documents of a card's size
-inline constexpr IndexNumber kDocumentPost = IDXPRESET_DOCUMENT_POST;    ///< of a postcard's, or 4 x 6 inches
+inline constexpr IndexNumber kDocument = IDXPRESET_DOCUMENT;             ///< parent of the presets of documents
+inline constexpr IndexNumber kDocumentCard = IDXPRESET_DOCUMENT_CARD;    ///< documents of the size of a card
+inline constexpr IndexNumber kDocumentPost = IDXPRESET_DOCUMENT_POST;    ///< of a postcard or of 4 x 6 inches
 inline constexpr IndexNumber kDocumentPage = IDXPRESET_DOCUMENT_PAGE;    ///< A5, B5, A4, Letter or Legal
-inline constexpr IndexNumber kDocumentFixed = IDXPRESET_DOCUMENT_FIXED;  ///< documents by Hint::kFixedDocument
+inline constexpr IndexNumber kDocumentFixed = IDXPRESET_DOCUMENT_FIXED;  ///< documents declared by Hint::kFixedDocument
 inline constexpr IndexNumber kDocumentOther = IDXPRESET_DOCUMENT_OTHER;  ///< documents of any other size
 inline constexpr IndexNumber kOther = IDXPRESET_OTHER;                   ///< never chosen by Classify
 }  // namespace preset
 
-/// What may not be done to an image or an index: a set of bits. The other five bits are an application's own, made with
-/// a cast, and are kept.
+/// The protections of an image or index: a set of bits. The other five bits are free for the application, which makes
+/// them with a cast; the catalogue keeps them.
 enum class Attributes : std::uint8_t {
   kNone = 0,                     ///< no bit
   kNoMove = IDXATTR_NOMOVE,      ///< not moved to another index
@@ -43,35 +42,35 @@ enum class Attributes : std::uint8_t {
   kNoRename = IDXATTR_NORENAME,  ///< not renamed (indexes)
 };
 
-/// How a change is made: a set of bits.
+/// Options of a change: a set of bits.
 enum class Options : std::uint8_t {
-  kNone = 0,                ///< as the attributes allow
-  kForce = IDXSTATE_FORCE,  ///< move, remove or rename also what its attributes protect
+  kNone = 0,                ///< respect the attributes
+  kForce = IDXSTATE_FORCE,  ///< override the protection of the attributes
 };
 
-/// The enumerations that are sets of bits.
+/// An enumeration that is a set of bits.
 template <typename E>
 concept BitSet = std::is_same_v<E, Attributes> || std::is_same_v<E, Options>;
 
-/// The bits of either set.
+/// The union of two sets.
 template <BitSet E>
 constexpr E operator|(E a, E b) {
   return static_cast<E>(static_cast<std::uint8_t>(a) | static_cast<std::uint8_t>(b));
 }
 
-/// The bits of both sets.
+/// The intersection of two sets.
 template <BitSet E>
 constexpr E operator&(E a, E b) {
   return static_cast<E>(static_cast<std::uint8_t>(a) & static_cast<std::uint8_t>(b));
 }
 
-/// The bits of one set alone.
+/// The bits that are in exactly one of the sets.
 template <BitSet E>
 constexpr E operator^(E a, E b) {
   return static_cast<E>(static_cast<std::uint8_t>(a) ^ static_cast<std::uint8_t>(b));
 }
 
-/// The bits that are not in the set, all eight counted.
+/// The complement among all eight bits.
 template <BitSet E>
 constexpr E operator~(E a) {
   return static_cast<E>(static_cast<std::uint8_t>(~static_cast<std::uint8_t>(a)));
@@ -83,63 +82,63 @@ constexpr E& operator|=(E& a, E b) {
   return a = a | b;
 }
 
-/// Keeps only these bits.
+/// Removes all other bits.
 template <BitSet E>
 constexpr E& operator&=(E& a, E b) {
   return a = a & b;
 }
 
-/// Turns bits over.
+/// Inverts bits.
 template <BitSet E>
 constexpr E& operator^=(E& a, E b) {
   return a = a ^ b;
 }
 
-/// Whether the set holds one of these bits at least.
+/// Whether the set has at least one of the bits.
 template <BitSet E>
 constexpr bool HasAny(E set, E bits) {
   return (set & bits) != E::kNone;
 }
 
-/// Where an image is filed.
+/// The index and the attributes of an image.
 struct Filing {
-  IndexNumber index = 0;                      ///< the index that it is filed under
+  IndexNumber index = 0;                      ///< the index that the image is filed under
   Attributes attributes = Attributes::kNone;  ///< its protections
 };
 
-/// One image of the catalogue, as a walk shows it.
+/// An image of the catalogue.
 struct Image {
   std::string path;                           ///< full path of its file
-  IndexNumber index = 0;                      ///< the index that it is filed under
+  IndexNumber index = 0;                      ///< the index that the image is filed under
   Attributes attributes = Attributes::kNone;  ///< its protections
-  bool isText = true;  ///< false: no valid UTF-8 (a file brought it), or no memory for it; `path` is empty
+  bool isText = true;  ///< false: not valid UTF-8 (loaded from a file), or not allocated; `path` is empty
 };
 
-/// One index of the catalogue.
+/// An index of the catalogue.
 struct Index {
-  std::string name;                           ///< what it is called; may be empty
+  std::string name;                           ///< the display name; may be empty
   IndexNumber number = 0;                     ///< its number
   Attributes attributes = Attributes::kNone;  ///< its protections
-  bool isText = true;  ///< false: no valid UTF-8 (a file brought it), or no memory for it; `name` is empty
+  bool isText = true;  ///< false: not valid UTF-8 (loaded from a file), or not allocated; `name` is empty
 };
 
 /// What Catalog::ChangeImage changes.
 struct ImageChange {
-  std::optional<IndexNumber> index = std::nullopt;      ///< the index to move it to; kRoot: remove it
-  std::optional<Attributes> attributes = std::nullopt;  ///< in place of those that it has
+  std::optional<IndexNumber> index = std::nullopt;      ///< the new index; kRoot removes the image
+  std::optional<Attributes> attributes = std::nullopt;  ///< the new attributes
 };
 
 /// What Catalog::ChangeIndex changes.
 struct IndexChange {
-  std::optional<std::string_view> name = std::nullopt;  ///< in place of its name
-  std::optional<Attributes> attributes = std::nullopt;  ///< in place of those that it has
+  std::optional<std::string_view> name = std::nullopt;  ///< the new name
+  std::optional<Attributes> attributes = std::nullopt;  ///< the new attributes
 };
 
-/// Which images Catalog::Images walks: those that fit both fields. There is no way to leave out what lies below.
+/// The images that Catalog::Images walks: those that match index and folder. Lower levels are always included.
 struct ImageQuery {
-  IndexNumber index = kRoot;     ///< filed under it or an index below it; kRoot: under any
-  std::string_view folder = {};  ///< full path of the folder in or below which the files lie; empty: in any
-  bool withPaths = true;         ///< false: each `path` stays empty, which saves most of the time of a count
+  IndexNumber index = kRoot;     ///< images of this index and of the indexes below it; kRoot: of any index
+  std::string_view folder = {};  ///< full path: images in this folder and in the folders below it; empty: in any
+  bool withPaths = true;         ///< false: `path` stays empty, which makes counting several times faster
 };
 
 }  // namespace catalogcore

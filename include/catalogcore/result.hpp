@@ -1,5 +1,5 @@
 /// @file
-/// What calls of catalogcore.hpp give: a status, and a value or the status of a failure.
+/// The results of calls: a status, and either a value or the status of a failure.
 #ifndef CATALOGCORE_RESULT_HPP_
 #define CATALOGCORE_RESULT_HPP_
 
@@ -13,73 +13,74 @@
 
 namespace catalogcore {
 
-/// Why a call failed: the IDXERR_... value of the C header, and one of this header's own. Casts both ways are allowed;
-/// kRecognizer and kFaces come with a code of 1 to 255 added.
+/// Why a call failed: the IDXERR_... values of the C header, and kAlreadyOpen. Casts from and to IDXSTATUS are allowed.
+/// kRecognizer and kFaces have a code of 1 to 255 added.
 enum class Status : IDXSTATUS {
   kOk = IDX_OK,                       ///< success
-  kFailed = IDXERR_FAILED,            ///< no catalogue is open; text is no UTF-8; a file cannot be read or written
-  kParam = IDXERR_PARAM,              ///< an argument is missing, or is none that can be
+  kFailed = IDXERR_FAILED,            ///< no catalogue is open; invalid text; a file cannot be read or written
+  kParam = IDXERR_PARAM,              ///< an argument is missing or invalid
   kNoData = IDXERR_NODATA,            ///< the file is missing or holds nothing of the kind
-  kEmpty = IDXERR_EMPTY,              ///< the file's text has no line
-  kVersion = IDXERR_VERSION,          ///< the file's text is of another version
+  kEmpty = IDXERR_EMPTY,              ///< the text in the file has no line
+  kVersion = IDXERR_VERSION,          ///< the text in the file has another version
   kNoImage = IDXERR_NOIMAGE,          ///< no such image
   kNoIndex = IDXERR_NOINDEX,          ///< no such index
   kImageExists = IDXERR_IMAGEEXISTS,  ///< the image is in the catalogue already
   kIndexExists = IDXERR_INDEXEXISTS,  ///< the parent has a child of this name already
   kIndexFull = IDXERR_INDEXFULL,      ///< the parent has no number left for another child
-  kMemory = IDXERR_MEMORY,            ///< no memory; also an empty text handed in
+  kMemory = IDXERR_MEMORY,            ///< memory could not be allocated; also empty input text
   kNotEmpty = IDXERR_NOTEMPTY,        ///< the index still has child indexes
   kProtected = IDXERR_PROTECTED,      ///< an attribute forbids it, and Options::kForce was not given
-  kDetector = IDXERR_DETECTOR,        ///< the recognizer is needed and its parameter resource is not there
+  kDetector = IDXERR_DETECTOR,        ///< the recognizer is needed and its parameter resource is missing
   kImageSize = IDXERR_IMAGESIZE,      ///< width or height is above 4096 pixels, and neither below 50
   kRecognizer = IDXERR_RECOGNIZER,    ///< plus the recognizer's own code: see RecognizerCode
   kFaces = IDXERR_FACES,              ///< plus the face detector's own code: see FacesCode
-  kAlreadyOpen = 0x10000,             ///< of this header: Catalog::Open while the process has a catalogue
+  kAlreadyOpen = 0x10000,             ///< Catalog::Open, if the process has a catalogue already
 };
 
-/// The recognizer's own code, 1 to 255; 0 if the status is none of its failures.
+/// The recognizer's own code, 1 to 255; 0 for any other status.
 constexpr IDXSTATUS RecognizerCode(Status status) {
   const auto value = static_cast<IDXSTATUS>(status);
   return value > IDXERR_RECOGNIZER && value < IDXERR_FACES ? value - IDXERR_RECOGNIZER : 0;
 }
 
-/// The face detector's own code, 1 to 255; 0 if the status is none of its failures.
+/// The face detector's own code, 1 to 255; 0 for any other status.
 constexpr IDXSTATUS FacesCode(Status status) {
   const auto value = static_cast<IDXSTATUS>(status);
   return value > IDXERR_FACES && value < IDXERR_FACES + 256 ? value - IDXERR_FACES : 0;
 }
 
-/// The status in words, for a line such as "cannot file a.jpg: already in the catalogue": lower case, no full stop.
+/// A message for the status, for a line such as "cannot file a.jpg: already in the catalogue": lower case, no full
+/// stop.
 inline std::string Message(Status status) {
   constexpr std::pair<Status, const char*> kMessages[] = {
       {Status::kOk, "ok"},
-      {Status::kFailed, "no catalogue is open, or a text or a file cannot be read or written"},
-      {Status::kParam, "the catalogue cannot hold that"},
-      {Status::kNoData, "no such file, or nothing of the kind in it"},
+      {Status::kFailed, "no catalogue is open, a text is invalid, or a file cannot be read or written"},
+      {Status::kParam, "invalid argument"},
+      {Status::kNoData, "the file is missing or has no such entries"},
       {Status::kEmpty, "the file's text is empty"},
-      {Status::kVersion, "the file is of another version"},
+      {Status::kVersion, "the file has another version"},
       {Status::kNoImage, "not in the catalogue"},
       {Status::kNoIndex, "no such index"},
       {Status::kImageExists, "already in the catalogue"},
-      {Status::kIndexExists, "there is an index of that name already"},
-      {Status::kIndexFull, "no number is left: an index takes 20 others, numbered 10 to 29"},
+      {Status::kIndexExists, "an index of that name exists already"},
+      {Status::kIndexFull, "no number is left: an index has at most 20 added child indexes"},
       {Status::kMemory, "out of memory"},
-      {Status::kNotEmpty, "it still holds other indexes"},
+      {Status::kNotEmpty, "the index has child indexes"},
       {Status::kProtected, "protected"},
-      {Status::kDetector, "the recognizer's parameters (brennparam.dat) are not where the library looks for them"},
+      {Status::kDetector, "the recognizer's parameters (brennparam.dat) are missing"},
       {Status::kImageSize, "the picture is too large"},
       {Status::kAlreadyOpen, "this process has a catalogue already"},
   };
   for (const auto& [known, message] : kMessages) {
     if (known == status) return message;
   }
-  if (FacesCode(status) != 0) return "the face detector fails with code " + std::to_string(FacesCode(status));
-  if (RecognizerCode(status) != 0) return "the recognizer fails with code " + std::to_string(RecognizerCode(status));
-  return "the library fails with status " + std::to_string(static_cast<IDXSTATUS>(status));
+  if (FacesCode(status) != 0) return "the face detector failed with code " + std::to_string(FacesCode(status));
+  if (RecognizerCode(status) != 0) return "the recognizer failed with code " + std::to_string(RecognizerCode(status));
+  return "the library failed with status " + std::to_string(static_cast<IDXSTATUS>(status));
 }
 
 #if defined(__cpp_exceptions)
-/// What Result::value() throws; what() is the status in words.
+/// Thrown by Result::value(). what() is the message for the status.
 class Error : public std::runtime_error {
  public:
   /// The failure of a call.
@@ -93,8 +94,7 @@ class Error : public std::runtime_error {
 };
 #endif
 
-/// What a call gives: a value, or the status of its failure. Its members are named as those of std::expected, which
-/// C++20 does not have yet.
+/// A value, or the status of a failure. The members have the names of std::expected, which C++20 does not have.
 template <typename T>
 class [[nodiscard]] Result {
  public:
@@ -116,13 +116,13 @@ class [[nodiscard]] Result {
   /// Why there is no value; Status::kOk if there is one.
   Status error() const noexcept { return error_; }
 
-  /// The value, which the result keeps. REQUIRES: has_value().
+  /// A reference to the value. REQUIRES: has_value().
   T& operator*() & { return *value_; }
 
-  /// The value, which the result keeps. REQUIRES: has_value().
+  /// A reference to the value. REQUIRES: has_value().
   const T& operator*() const& { return *value_; }
 
-  /// The value of a temporary, moved out, so that no reference outlives it. REQUIRES: has_value().
+  /// The value of a temporary, moved out. REQUIRES: has_value().
   T operator*() && { return *std::move(value_); }
 
   /// A member of the value. REQUIRES: has_value().
@@ -134,7 +134,7 @@ class [[nodiscard]] Result {
   /// The value, or `other` if there is none.
   T value_or(T other) && { return has_value() ? *std::move(value_) : std::move(other); }
 
-  /// What `next(value)`, which returns a Result, gives; without a value its failure.
+  /// Returns the Result of `next(value)`, or the failure if there is no value.
   template <typename Next>
   auto and_then(Next&& next) && -> std::invoke_result_t<Next, T> {
     if (!has_value()) return error_;
@@ -142,13 +142,14 @@ class [[nodiscard]] Result {
   }
 
 #if defined(__cpp_exceptions)
-  /// The value, which the result keeps. Throws Error without one.
+  /// A reference to the value. Throws Error without a value.
   T& value() & { return Checked(), *value_; }
 
-  /// The value, which the result keeps. Throws Error without one.
+  /// A reference to the value. Throws Error without a value.
   const T& value() const& { return Checked(), *value_; }
 
-  /// The value of a temporary, moved out, as in `for (const Image& image : catalog.Images().value())`. Throws Error.
+  /// The value of a temporary, moved out. Throws Error without a value. It lives long enough in
+  /// `for (const Image& image : catalog.Images().value())`.
   T value() && { return Checked(), *std::move(value_); }
 #endif
 
@@ -163,7 +164,7 @@ class [[nodiscard]] Result {
   Status error_;
 };
 
-/// The same for a call that gives nothing but whether it succeeded.
+/// Success, or the status of a failure.
 template <>
 class [[nodiscard]] Result<void> {
  public:
@@ -173,7 +174,7 @@ class [[nodiscard]] Result<void> {
   /// A success.
   Result() = default;
 
-  /// A success with Status::kOk, else a failure.
+  /// A success for Status::kOk, otherwise a failure.
   Result(Status status) : error_(status) {}
 
   /// Whether the call succeeded.
@@ -185,7 +186,7 @@ class [[nodiscard]] Result<void> {
   /// Why the call failed; Status::kOk if it did not.
   Status error() const noexcept { return error_; }
 
-  /// What `next()`, which returns a Result, gives; after a failure that failure.
+  /// Returns the Result of `next()`, or the failure if there is one.
   template <typename Next>
   auto and_then(Next&& next) const -> std::invoke_result_t<Next> {
     if (!has_value()) return error_;

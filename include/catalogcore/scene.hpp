@@ -1,5 +1,5 @@
 /// @file
-/// Pictures in memory, and what they are found to be.
+/// Pictures in memory, and the results of their classification.
 #ifndef CATALOGCORE_SCENE_HPP_
 #define CATALOGCORE_SCENE_HPP_
 
@@ -17,13 +17,13 @@ namespace catalogcore {
 /// What the application knows of a picture.
 enum class Hint {
   kNone,             ///< nothing
-  kFixedDocument,    ///< it is to be filed as a declared document, whatever it shows; nothing is analysed
+  kFixedDocument,    ///< a document, whatever it shows; nothing is analysed
   kDocument,         ///< a document
-  kPhotograph,       ///< a photograph, in which faces are looked for
-  kPhotographAlone,  ///< a photograph, in which no faces are looked for
+  kPhotograph,       ///< a photograph; faces are detected
+  kPhotographAlone,  ///< a photograph; faces are not detected
 };
 
-/// One picture in memory. Byte b of the pixel in column x of row y is
+/// A picture in memory. Byte b of the pixel in column x of row y is
 /// pixels[y * rowBytes + x * (bitsPerPixel / 8) + b].
 struct PixelBuffer {
   std::span<const std::byte> pixels = {};  ///< at least rowBytes * height bytes; empty: decided by hint and sizes alone
@@ -32,31 +32,31 @@ struct PixelBuffer {
   std::int32_t bitsPerPixel = 0;           ///< 8 or 16: one sample a pixel; 24 or 48: three
   std::int32_t rowBytes = 0;               ///< bytes from one row to the next; 0: rows without padding
   std::int32_t resolution = 0;             ///< dots per inch; 0 or less: unknown
-  Hint hint = Hint::kNone;                 ///< what is known of it
+  Hint hint = Hint::kNone;                 ///< what the application knows of the picture
 };
 
-/// What a picture is.
+/// The kind of a picture.
 enum class SceneKind {
-  kUndecided,   ///< there was nothing to decide by
+  kUndecided,   ///< the pixels and the hint do not suffice
   kDocument,    ///< a document
   kPhotograph,  ///< a photograph
 };
 
 /// The size of a document.
 enum class Paper {
-  kCard,      ///< a card's
-  kPostcard,  ///< a postcard's, or 4 x 6 inches
+  kCard,      ///< a card
+  kPostcard,  ///< a postcard, or 4 x 6 inches
   kPage,      ///< A5, B5, A4, Letter or Legal
-  kOther,     ///< any other
+  kOther,     ///< any other size
 };
 
-/// What Catalog::Classify found.
+/// The result of Catalog::Classify.
 class Scene {
  public:
-  /// What belongs in that preset index, or is undecided for kRoot.
+  /// The result for a preset index; kRoot: undecided.
   constexpr explicit Scene(IndexNumber number) : preset_(number) {}
 
-  /// The number of the preset index that the picture belongs in; kRoot if undecided.
+  /// The number of the preset index for the picture; kRoot if undecided.
   constexpr IndexNumber Preset() const { return preset_; }
 
   /// Document, photograph or undecided.
@@ -66,7 +66,7 @@ class Scene {
     return PaperSize() || preset_ == preset::kDocumentFixed ? SceneKind::kDocument : SceneKind::kUndecided;
   }
 
-  /// The size of a document; none for a declared one, a photograph, or an undecided picture.
+  /// The size of a document. No value for a declared document, a photograph or an undecided picture.
   constexpr std::optional<Paper> PaperSize() const {
     if (preset_ == preset::kDocumentCard) return Paper::kCard;
     if (preset_ == preset::kDocumentPost) return Paper::kPostcard;
@@ -75,7 +75,7 @@ class Scene {
     return std::nullopt;
   }
 
-  /// Whether it is a photograph in which faces were found.
+  /// Whether the picture is a photograph that shows faces.
   constexpr bool HasFaces() const { return preset_ == preset::kPhotoFaces; }
 
  private:

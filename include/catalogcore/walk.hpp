@@ -20,11 +20,11 @@ namespace detail {
 
 /// The calls of a walk over images.
 struct ImageCalls {
-  static constexpr auto kFirst = IDXFindFirstImage;  ///< begins it
-  static constexpr auto kNext = IDXFindNextImage;    ///< goes on
-  static constexpr Status kEnd = Status::kNoImage;   ///< ends it
+  static constexpr auto kFirst = IDXFindFirstImage;  ///< the find-first call
+  static constexpr auto kNext = IDXFindNextImage;    ///< the find-next call
+  static constexpr Status kEnd = Status::kNoImage;   ///< the status at the end
 
-  /// Writes what the call found.
+  /// Copies the entry that the call found.
   static void Read(Image& image, const OutputText& text, const Record& record) {
     if ((record.mask & IDXMASK_NAME) != 0) image.isText = text.CopyTo(image.path);
     image.index = record.index;
@@ -34,11 +34,11 @@ struct ImageCalls {
 
 /// The calls of a walk over indexes.
 struct IndexCalls {
-  static constexpr auto kFirst = IDXFindFirstIndex;  ///< begins it
-  static constexpr auto kNext = IDXFindNextIndex;    ///< goes on
-  static constexpr Status kEnd = Status::kNoIndex;   ///< ends it
+  static constexpr auto kFirst = IDXFindFirstIndex;  ///< the find-first call
+  static constexpr auto kNext = IDXFindNextIndex;    ///< the find-next call
+  static constexpr Status kEnd = Status::kNoIndex;   ///< the status at the end
 
-  /// Writes what the call found.
+  /// Copies the entry that the call found.
   static void Read(Index& index, const OutputText& text, const Record& record) {
     index.isText = text.CopyTo(index.name);
     index.number = record.index;
@@ -48,37 +48,37 @@ struct IndexCalls {
 
 }  // namespace detail
 
-/// A walk over images or indexes: an input range, passed once, that owns its find handle and closes it at its end or
-/// when it goes, whichever is first; so a loop may be left at any time. It stands on its first entry when it is made.
-/// What is added, moved or removed meanwhile shows as catalogcore.h says of IDXFIND. After the catalogue was cleared or
-/// closed it is at its end. One thread at a time.
+/// A walk over images or indexes: an input range that can be iterated once. It owns a find handle, which it closes at
+/// its end or in its destructor, so a loop may be left at any time. A new walk stands on its first entry. catalogcore.h
+/// documents at IDXFIND how a walk sees concurrent changes. Clearing or closing the catalogue ends the walk. A walk
+/// belongs to one thread at a time.
 template <typename Entry, typename Calls>
 class Walk : public std::ranges::view_base {
  public:
-  /// A place in the walk, of which there is one: all iterators of a walk move together. Valid until the walk is moved
-  /// or goes.
+  /// The position of the walk. All iterators of a walk share one position. They are valid until the walk is moved or
+  /// destroyed.
   class Iterator {
    public:
     using value_type = Entry;                          ///< Image or Index
-    using difference_type = std::ptrdiff_t;            ///< asked for by std::input_iterator
-    using iterator_concept = std::input_iterator_tag;  ///< passed once
+    using difference_type = std::ptrdiff_t;            ///< required by std::input_iterator
+    using iterator_concept = std::input_iterator_tag;  ///< can be iterated once
 
-    /// No place; only to be assigned to.
+    /// An iterator without a walk, which can only be assigned to.
     Iterator() = default;
 
-    /// The entry, until the next step. REQUIRES: not at the end.
+    /// The entry, valid until the next step. REQUIRES: not at the end.
     const Entry& operator*() const { return walk_->entry_; }
 
     /// A member of the entry. REQUIRES: not at the end.
     const Entry* operator->() const { return &walk_->entry_; }
 
-    /// Goes on to the next entry. REQUIRES: not at the end.
+    /// Moves to the next entry. REQUIRES: not at the end.
     Iterator& operator++() {
       walk_->Step();
       return *this;
     }
 
-    /// Goes on to the next entry. REQUIRES: not at the end.
+    /// Moves to the next entry. REQUIRES: not at the end.
     void operator++(int) { ++*this; }
 
     /// Whether the walk is at its end.
@@ -94,14 +94,14 @@ class Walk : public std::ranges::view_base {
   /// A walk that is at its end.
   Walk() = default;
 
-  /// Takes the other's place; the other is at its end.
+  /// Takes over the position of `other`, which is then at its end.
   Walk(Walk&& other) noexcept
       : find_(std::exchange(other.find_, nullptr)),
         fields_(other.fields_),
         entry_(std::move(other.entry_)),
         status_(other.status_) {}
 
-  /// Ends this walk and takes the other's place; the other is at its end.
+  /// Ends this walk and takes over the position of `other`, which is then at its end.
   Walk& operator=(Walk&& other) noexcept {
     if (this == &other) return *this;
     Close();
@@ -115,13 +115,13 @@ class Walk : public std::ranges::view_base {
   /// Ends the walk.
   ~Walk() { Close(); }
 
-  /// Where the walk stands, which is its first entry only before the first step.
+  /// The current position: the first entry only before the first step.
   Iterator begin() { return Iterator(this); }
 
   /// The end.
   static std::default_sentinel_t end() { return {}; }
 
-  /// Status::kOk; after a step that failed for another reason than the end, such as no memory, its status.
+  /// Status::kOk, or the status of a step that failed, such as Status::kMemory. The end is not a failure.
   Status status() const noexcept { return status_; }
 
  private:
@@ -129,7 +129,7 @@ class Walk : public std::ranges::view_base {
 
   static constexpr std::uint32_t kAllFields = IDXMASK_NAME | IDXMASK_INDEX | IDXMASK_ATTRIBUTE;
 
-  // Begins the walk that the record asks for; one that finds nothing is at its end.
+  // Begins the walk of the record. A walk without entries is at its end.
   static Result<Walk> Begin(detail::Record& record, std::uint32_t fields = kAllFields) {
     Walk walk;
     walk.fields_ = fields;

@@ -164,7 +164,7 @@ TEST(CFPropertyList, ReadsDataWhereverItsTagEnds) {
     }
   };
   check([](const std::string& ascii) { return ascii; }, 1);
-  check([](const std::string& ascii) { return Utf16(ascii, true); }, 2);
+  check([](const std::string& ascii) { return Utf16(ascii, false); }, 2);
 }
 
 TEST(CFPropertyList, NestsTo512Levels) {
