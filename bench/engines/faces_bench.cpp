@@ -14,7 +14,6 @@
 #include "bench/engines/engines_bench.h"
 #include "bench/support/ratios.h"
 #include "engines/faces/grey_copy.h"
-#include "engines/faces/source_picture.h"
 #include "scene/orlo.h"
 
 namespace catalogcore {
@@ -78,10 +77,10 @@ void FindFaces(const Photograph& photograph) {
 }
 
 dlib::array2d<unsigned char> ReadyCopy(const Photograph& photograph) {
-  catalogcore::faces::SourcePicture source;
-  catalogcore::faces::DescribeSource(24, kWidth, kHeight, -kStride, photograph.Pixels(), source);
+  faces::FaceSource source;
+  faces::DescribeSource(24, kWidth, kHeight, -kStride, photograph.Pixels(), source);
   dlib::array2d<unsigned char> grey(960, 1280);
-  catalogcore::faces::MakeGreyCopy(source, {1280, 960}, &grey[0][0]);
+  faces::MakeGreyCopy(source, MutablePixelView(&grey[0][0], 960, 1280));
   return grey;
 }
 

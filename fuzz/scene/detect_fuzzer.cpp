@@ -11,13 +11,13 @@
 namespace catalogcore {
 
 // In place of the search itself, which takes half a second for a thumbnail: looks at every pixel that it is handed.
-void catalogcore::faces::PrepareFaceSearch() {}
-std::vector<OrloFace> catalogcore::faces::FindFaces(const GreyView& picture) {
+void faces::PrepareFaceSearch() {}
+std::vector<OrloFace> faces::FindFaces(const PixelView& picture) {
   std::size_t sum = 0;
-  for (std::int32_t y = 0; y < picture.size.height; ++y) {
+  for (std::int32_t y = 0; y < picture.Rows(); ++y) {
     for (const std::uint8_t tone : picture.Row(y)) sum += tone;
   }
-  return std::vector<OrloFace>(sum % 3, {0, 0, picture.size.width, picture.size.height});
+  return std::vector<OrloFace>(sum % 3, {0, 0, picture.Stride(), picture.Rows()});
 }
 
 namespace {

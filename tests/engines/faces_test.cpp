@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "engines/faces/face.h"
-#include "engines/faces/result_codes.h"
 #include "scene/orlo.h"
 #include "tests/engines/painted.h"
 #include "tests/support/failing_allocator.h"
@@ -17,10 +16,10 @@ namespace catalogcore {
 
 namespace {
 
-using catalogcore::faces::Result;
+using catalogcore::faces::FaceResult;
 using catalogcore::tools::SourcePicture;
 
-constexpr std::int32_t Code(Result result) { return static_cast<std::int32_t>(result); }
+constexpr std::int32_t Code(FaceResult result) { return static_cast<std::int32_t>(result); }
 
 struct Ellipse {
   double tone, centreX, centreY, radiusX, radiusY;
@@ -103,30 +102,30 @@ TEST(Orlo, SaysWhatIsWrongWithAPicture) {
   const struct {
     std::int32_t bits, width, height, negatedStride;
     const void* pixels;
-    Result result;
+    FaceResult result;
   } cases[] = {
-      {24, 60, 60, -180, nullptr, Result::kNoPixels},
-      {0, 60, 60, -180, pixels.data(), Result::kBadDepth},
-      {32, 60, 60, -240, pixels.data(), Result::kBadDepth},
-      {24, 49, 60, -180, pixels.data(), Result::kBadSize},
-      {24, lowest, lowest, -180, pixels.data(), Result::kBadSize},
-      {24, 60, 60, -179, pixels.data(), Result::kBadStride},
-      {24, 60, 60, lowest, pixels.data(), Result::kBadStride},  // more bytes than a picture can have
-      {24, 60, 60, -180, pixels.data(), Result::kSuccess},
+      {24, 60, 60, -180, nullptr, FaceResult::kNoPixels},
+      {0, 60, 60, -180, pixels.data(), FaceResult::kBadDepth},
+      {32, 60, 60, -240, pixels.data(), FaceResult::kBadDepth},
+      {24, 49, 60, -180, pixels.data(), FaceResult::kBadSize},
+      {24, lowest, lowest, -180, pixels.data(), FaceResult::kBadSize},
+      {24, 60, 60, -179, pixels.data(), FaceResult::kBadStride},
+      {24, 60, 60, lowest, pixels.data(), FaceResult::kBadStride},  // more bytes than a picture can have
+      {24, 60, 60, -180, pixels.data(), FaceResult::kSuccess},
   };
   OrloContext context{};
   OrloFaceList list{};
   for (const auto& c : cases) {
     EXPECT_EQ(Orlo_SetBitmap(&context, c.bits, c.width, c.height, c.negatedStride, c.pixels), Code(c.result));
-    EXPECT_EQ(context.memory != nullptr, c.result == Result::kSuccess);
+    EXPECT_EQ(context.memory != nullptr, c.result == FaceResult::kSuccess);
     EXPECT_EQ(Orlo_DetectFacePosition(&context, &list),
-              Code(c.result == Result::kSuccess ? Result::kSuccess : Result::kNoPicture));
+              Code(c.result == FaceResult::kSuccess ? FaceResult::kSuccess : FaceResult::kNoPicture));
   }
-  EXPECT_EQ(Orlo_DetectFacePosition(&context, nullptr), Code(Result::kNoFaceList));
-  EXPECT_EQ(Orlo_DetectFacePosition(nullptr, &list), Code(Result::kNoContext));
-  EXPECT_EQ(Orlo_SetBitmap(nullptr, 24, 60, 60, -180, pixels.data()), Code(Result::kNoContext));
+  EXPECT_EQ(Orlo_DetectFacePosition(&context, nullptr), Code(FaceResult::kNoFaceList));
+  EXPECT_EQ(Orlo_DetectFacePosition(nullptr, &list), Code(FaceResult::kNoContext));
+  EXPECT_EQ(Orlo_SetBitmap(nullptr, 24, 60, 60, -180, pixels.data()), Code(FaceResult::kNoContext));
   // What a refused picture replaces is gone: no face of an older picture is ever reported for it.
-  EXPECT_EQ(Orlo_SetBitmap(&context, 7, 60, 60, -180, pixels.data()), Code(Result::kBadDepth));
+  EXPECT_EQ(Orlo_SetBitmap(&context, 7, 60, 60, -180, pixels.data()), Code(FaceResult::kBadDepth));
   EXPECT_EQ(context.memory, nullptr);
 }
 
@@ -136,13 +135,13 @@ TEST(Orlo, ReportsMemoryThatCannotBeHad) {
   OrloFaceList list{};
   {
     const FailingAllocation fails(0);
-    EXPECT_EQ(Set(context, face), Code(Result::kOutOfMemory));
+    EXPECT_EQ(Set(context, face), Code(FaceResult::kOutOfMemory));
   }
   EXPECT_EQ(context.memory, nullptr);
   EXPECT_EQ(Set(context, face), 0);
   {
     const FailingAllocation fails(0);
-    EXPECT_EQ(Orlo_DetectFacePosition(&context, &list), Code(Result::kOutOfMemory));
+    EXPECT_EQ(Orlo_DetectFacePosition(&context, &list), Code(FaceResult::kOutOfMemory));
   }
   EXPECT_EQ(list.faces, nullptr);
   // The leak checker of the sanitized build watches what is set and listed twice here.

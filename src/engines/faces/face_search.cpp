@@ -1,6 +1,6 @@
-// The search has two steps. A survey runs the detector over the whole picture and keeps even weak answers. A second
-// look shows each candidate that is not beyond doubt to the detector again, from slightly different sides: a face
-// answers to most of them, a chance pattern to few.
+// The search has two steps. A survey runs the detector over the whole picture and keeps weak answers too. Then the detector
+// looks again at each candidate of low confidence in slightly changed copies: it finds a face in most of them, a chance
+// pattern in few.
 #include "engines/faces/face_search.h"
 
 #include <dlib/array2d.h>
@@ -10,7 +10,6 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <functional>
 #include <numeric>
 #include <utility>
@@ -24,20 +23,20 @@ using Detector = dlib::frontal_face_detector;
 using Scanner = Detector::image_scanner_type;
 using GreyImage = dlib::array2d<unsigned char>;
 
-// Confidences are distances from the detector's own threshold: a plain detection has 0 or more. The values were
-// chosen on photographs labelled by eye.
-constexpr double kSurveyFloor = -0.8;      // weaker answers are no candidates
-constexpr double kBeyondDoubt = 0.5;       // stronger answers need no second look
-constexpr double kLookFloor = -1.0;        // what a look counts for that shows nothing
-constexpr double kFaceThreshold = -0.15;   // of a candidate's score
-constexpr double kSmallFacePenalty = 0.2;  // the finest size has a third of all windows: it must be surer
+// A confidence is the distance from the detector's own threshold; a plain detection has 0 or more. The values were chosen on
+// photographs labelled by eye.
+constexpr double kSurveyFloor = -0.8;      // of a candidate's confidence
+constexpr double kBeyondDoubt = 0.5;       // confidence from which a candidate needs no second look
+constexpr double kLookFloor = -1.0;        // the value of a look without an answer
+constexpr double kFaceThreshold = -0.15;   // of a face's score
+constexpr double kSmallFacePenalty = 0.2;  // the smallest size has a third of all windows
 constexpr std::size_t kMaxCandidates = 256;
-constexpr std::size_t kMaxSecondLooks = 8;  // candidates; bounds the time that they take
+constexpr std::size_t kMaxSecondLooks = 8;  // candidates; bounds the time of a search
 
 constexpr double kWindowSide = 80;                // pixels of the detector's window
-constexpr double kSmallFace = 1.1 * kWindowSide;  // of the sizes of the survey, a sixth apart, the finest alone
+constexpr double kSmallFace = 1.1 * kWindowSide;  // separates the smallest size of the survey from the next
 constexpr std::int32_t kPatchSide = 112;
-constexpr double kMaxShift = 0.25;  // of the face's side: how far off the middle of a patch an answer may lie
+constexpr double kMaxShift = 0.25;  // of an answer from the middle of a patch, in sides of the face
 constexpr std::size_t kBestLooks = 4;
 
 struct Candidate {
@@ -45,21 +44,21 @@ struct Candidate {
   dlib::rectangle box;
 };
 
-bool IsSurer(const Candidate& a, const Candidate& b) { return a.confidence > b.confidence; }
+bool IsMoreConfident(const Candidate& a, const Candidate& b) { return a.confidence > b.confidence; }
 
-// Never changes once it is made, so that searches can share it.
+// Never changes after its creation, so all searches share it.
 const Detector& TheDetector() {
   static const Detector detector = dlib::get_frontal_face_detector();
   return detector;
 }
 
-GreyImage ToImage(const GreyView& picture) {
-  GreyImage image(picture.size.height, picture.size.width);
-  std::memcpy(dlib::image_data(image), picture.pixels, picture.size.Area());
+GreyImage ToImage(const PixelView& picture) {
+  GreyImage image(picture.Rows(), picture.Stride());
+  for (std::int32_t y = 0; y < picture.Rows(); ++y) std::ranges::copy(picture.Row(y), &image[y][0]);
   return image;
 }
 
-// What all the detector's filters find in the picture that the scanner holds.
+// The answers of all filters of the detector in the scanner's picture.
 std::vector<Candidate> Answers(const Scanner& scanner, double floor) {
   const Detector& detector = TheDetector();
   std::vector<Candidate> answers;
@@ -72,9 +71,9 @@ std::vector<Candidate> Answers(const Scanner& scanner, double floor) {
   return answers;
 }
 
-// Of answers that overlap the surest stays.
+// Keeps the answer with the highest confidence of those that overlap.
 std::vector<Candidate> WithoutOverlaps(std::vector<Candidate> answers) {
-  std::sort(answers.begin(), answers.end(), IsSurer);
+  std::sort(answers.begin(), answers.end(), IsMoreConfident);
   const dlib::test_box_overlap overlap = TheDetector().get_overlap_tester();
   std::vector<Candidate> kept;
   for (const Candidate& answer : answers) {
@@ -85,7 +84,7 @@ std::vector<Candidate> WithoutOverlaps(std::vector<Candidate> answers) {
   return kept;
 }
 
-std::vector<Candidate> Survey(const GreyView& picture) {
+std::vector<Candidate> Survey(const PixelView& picture) {
   Scanner scanner;
   scanner.copy_configuration(TheDetector().get_scanner());
   scanner.load(ToImage(picture));
@@ -94,15 +93,15 @@ std::vector<Candidate> Survey(const GreyView& picture) {
 
 class SecondLook {
  public:
-  explicit SecondLook(const GreyView& picture) : sampler_(picture) {
+  explicit SecondLook(const PixelView& picture) : sampler_(picture) {
     scanner_.copy_configuration(TheDetector().get_scanner());
     scanner_.set_max_pyramid_levels(1);
     patch_.size = {kPatchSide, kPatchSide};
     patch_.pixels.resize(patch_.size.Area());
   }
 
-  // The mean of the candidate's confidence and the best looks at it. Of the best alone, because most poses fit a given
-  // face badly.
+  // The mean of the candidate's confidence and its best looks. Only the best count, because most poses fit a given face
+  // badly.
   double Score(const Candidate& candidate) {
     std::array<double, kPoseCount> looks;
     std::size_t look = 0;
@@ -117,7 +116,7 @@ class SecondLook {
   }
 
  private:
-  // About the window's side, because the survey tells a face's size to a sixth only.
+  // Close to the window's side, because the survey's sizes are a sixth apart.
   static constexpr std::array<double, 3> kSides = {0.9 * kWindowSide, kWindowSide, 1.1 * kWindowSide};
   static constexpr std::array<double, 3> kTurns = {-8, 0, 8};
   static constexpr std::size_t kPoseCount = kSides.size() * kTurns.size() * 2;
@@ -158,7 +157,7 @@ OrloFace ToFace(const dlib::rectangle& box) {
 
 void PrepareFaceSearch() { TheDetector(); }
 
-std::vector<OrloFace> FindFaces(const GreyView& picture) {
+std::vector<OrloFace> FindFaces(const PixelView& picture) {
   SecondLook secondLook(picture);
   std::size_t looksLeft = kMaxSecondLooks;
   std::vector<OrloFace> faces;

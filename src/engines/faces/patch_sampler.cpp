@@ -8,8 +8,8 @@
 namespace catalogcore::faces {
 namespace {
 
-// Positions are fixed-point, in 1/65536 pixel. Pictures have some ten thousand pixels on a side at most, and
-// squares lie about them by less than that: 32 bits hold every position.
+// Positions are fixed-point, in 1/65536 pixel. A picture has about ten thousand pixels on a side at most, and a square lies
+// less than that outside it, so 32 bits hold every position.
 constexpr int kPositionBits = 16;
 constexpr int kWeightBits = 8;
 constexpr std::int32_t kOne = 1 << kPositionBits;
@@ -17,7 +17,8 @@ constexpr std::int32_t kWeightOne = 1 << kWeightBits;
 
 std::int32_t ToFixed(double position) { return static_cast<std::int32_t>(std::lround(position * kOne)); }
 
-// Where a position lies on an axis: between two neighbours, `weight` of kWeightOne of the way to the second.
+// The two pixels beside a position on an axis. The position is `weight` / kWeightOne of the way from the first to the
+// second.
 struct Neighbours {
   Neighbours(std::int32_t position, std::int32_t length) {
     const std::int32_t last = (length - 1) * kOne;
@@ -36,9 +37,9 @@ std::int32_t Mix(std::int32_t first, std::int32_t second, std::int32_t weight) {
   return first * (kWeightOne - weight) + second * weight;
 }
 
-std::uint8_t Interpolate(const GreyView& picture, std::int32_t x, std::int32_t y) {
-  const Neighbours column(x, picture.size.width);
-  const Neighbours row(y, picture.size.height);
+std::uint8_t Interpolate(const PixelView& picture, std::int32_t x, std::int32_t y) {
+  const Neighbours column(x, picture.Stride());
+  const Neighbours row(y, picture.Rows());
   const auto upper = picture.Row(row.first);
   const auto lower = picture.Row(row.second);
   const auto left = static_cast<std::size_t>(column.first);
@@ -48,13 +49,29 @@ std::uint8_t Interpolate(const GreyView& picture, std::int32_t x, std::int32_t y
   return static_cast<std::uint8_t>((sum + kWeightOne * kWeightOne / 2) >> (2 * kWeightBits));
 }
 
+// The picture at half its size, each pixel the mean of four. Drops a last odd row or column. REQUIRES: both sides are at
+// least 2.
+GreyPicture Halve(const PixelView& picture) {
+  GreyPicture half;
+  half.size = {picture.Stride() / 2, picture.Rows() / 2};
+  half.pixels.reserve(half.size.Area());
+  for (std::int32_t y = 0; y < half.size.height; ++y) {
+    const auto upper = picture.Row(2 * y);
+    const auto lower = picture.Row(2 * y + 1);
+    for (std::size_t x = 0; x < static_cast<std::size_t>(half.size.width); ++x) {
+      const int sum = upper[2 * x] + upper[2 * x + 1] + lower[2 * x] + lower[2 * x + 1];
+      half.pixels.push_back(static_cast<std::uint8_t>((sum + 2) / 4));
+    }
+  }
+  return half;
+}
+
 }  // namespace
 
-// Sampling at every second pixel or coarser would skip what lies between, so larger squares start from a
-// halved copy.
+// Sampling every second pixel or fewer would skip pixels, so larger squares start from a halved copy.
 std::size_t PatchSampler::HalvingsFor(double step) const {
   std::size_t halvings = 0;
-  PictureSize size = picture_.size;
+  PictureSize size = {picture_.Stride(), picture_.Rows()};
   for (; step >= 2 && std::min(size.width, size.height) >= 2; step /= 2) {
     ++halvings;
     size = {size.width / 2, size.height / 2};
@@ -62,7 +79,7 @@ std::size_t PatchSampler::HalvingsFor(double step) const {
   return halvings;
 }
 
-GreyView PatchSampler::Halved(std::size_t halvings) {
+PixelView PatchSampler::Halved(std::size_t halvings) {
   while (halves_.size() < halvings) {
     halves_.push_back(Halve(halves_.empty() ? picture_ : halves_.back().View()));
   }
@@ -71,7 +88,7 @@ GreyView PatchSampler::Halved(std::size_t halvings) {
 
 void PatchSampler::Sample(const Square& square, const Pose& pose, GreyPicture& patch) {
   const std::size_t halvings = HalvingsFor(square.side / pose.side);
-  const GreyView level = Halved(halvings);
+  const PixelView level = Halved(halvings);
   const double levelScale = std::ldexp(1.0, -static_cast<int>(halvings));
   const double step = square.side * levelScale / pose.side;
   const double across = pose.isMirrored ? -step : step;
@@ -79,18 +96,18 @@ void PatchSampler::Sample(const Square& square, const Pose& pose, GreyPicture& p
   const double cosine = std::cos(angle);
   const double sine = std::sin(angle);
 
-  const double centreX = square.centreX * levelScale - 0.5;  // the first pixel's centre is its origin
+  const double centreX = square.centreX * levelScale - 0.5;  // the origin is the centre of the first pixel
   const double centreY = square.centreY * levelScale - 0.5;
   const std::int32_t columnStepX = ToFixed(across * cosine);
   const std::int32_t columnStepY = ToFixed(across * sine);
   const double left = 0.5 - patch.size.width / 2.0;
-  for (std::int32_t row = 0; row < patch.size.height; ++row) {
+  const MutablePixelView target(patch.pixels.data(), patch.size.height, patch.size.width);
+  for (std::int32_t row = 0; row < target.Rows(); ++row) {
     const double down = row + 0.5 - patch.size.height / 2.0;
     std::int32_t x = ToFixed(centreX + left * across * cosine - down * step * sine);
     std::int32_t y = ToFixed(centreY + left * across * sine + down * step * cosine);
-    std::uint8_t* target = patch.pixels.data() + static_cast<std::ptrdiff_t>(row) * patch.size.width;
-    for (std::int32_t column = 0; column < patch.size.width; ++column) {
-      *target++ = Interpolate(level, x, y);
+    for (std::uint8_t& pixel : target.Row(row)) {
+      pixel = Interpolate(level, x, y);
       x += columnStepX;
       y += columnStepY;
     }

@@ -3,11 +3,21 @@
 #define CATALOGCORE_ENGINES_FACES_PATCH_SAMPLER_H_
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
-#include "engines/faces/grey_picture.h"
+#include "base/pixel_view.h"
+#include "engines/faces/grey_copy.h"
 
 namespace catalogcore::faces {
+
+// A picture of one 8-bit grey sample a pixel, rows without padding.
+struct GreyPicture {
+  PictureSize size;
+  std::vector<std::uint8_t> pixels;
+
+  PixelView View() const { return {pixels.data(), size.height, size.width}; }
+};
 
 // A square of the picture, in pixels; the centre may lie anywhere.
 struct Square {
@@ -24,20 +34,19 @@ struct Pose {
   bool isMirrored = false;
 };
 
-// REQUIRES: the picture outlives the sampler. Half-size copies are made when a square first needs them.
+// REQUIRES: the picture outlives the sampler and has no padding. Makes half-size copies when a square first needs them.
 class PatchSampler {
  public:
-  explicit PatchSampler(const GreyView& picture) : picture_(picture) {}
+  explicit PatchSampler(const PixelView& picture) : picture_(picture) {}
 
-  // Fills `patch`, whose size is set, by linear interpolation; what lies outside the picture repeats its
-  // border.
+  // Fills `patch`, whose size is set, by linear interpolation. Places outside the picture repeat its border.
   void Sample(const Square& square, const Pose& pose, GreyPicture& patch);
 
  private:
   std::size_t HalvingsFor(double step) const;
-  GreyView Halved(std::size_t halvings);
+  PixelView Halved(std::size_t halvings);
 
-  GreyView picture_;
+  PixelView picture_;
   std::vector<GreyPicture> halves_;
 };
 
