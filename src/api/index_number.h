@@ -5,6 +5,8 @@
 #ifndef CATALOGCORE_API_INDEX_NUMBER_H_
 #define CATALOGCORE_API_INDEX_NUMBER_H_
 
+#include <string>
+
 #include "base/idx_string.h"
 
 namespace catalogcore {
@@ -17,6 +19,12 @@ inline constexpr int kEndIndexNumber = 100000000;
 
 // Whether a number stands for an index other than the root.
 constexpr bool IsIndexNumber(int number) { return number >= kFirstIndexNumber && number < kEndIndexNumber; }
+
+// The path of an index number, "." for the root. Empty when the number is out of range.
+std::string IndexPath(int number);
+
+// The number whose path is exactly `path`, -1 for ".". 0 when no number stands for the path.
+int IndexNumber(const std::string& path);
 
 // The path of a number; a group of 0 ends it, whatever follows. Negative when the number is out of range (`path` is
 // then unchanged) or there is no memory.

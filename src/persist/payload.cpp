@@ -60,6 +60,7 @@ bool PayloadReader::NextRecord(PayloadRecord& record) {
   record.first = Token(',');
   const std::string_view attribute = Token(',');
   record.last = Token('\n');
+  isCut_ = !record.first.empty() && record.last.empty();
   if (record.last.empty()) return false;
   // Where a last field follows, a comma ends the number.
   record.attribute = static_cast<std::uint8_t>(DecimalValue(attribute.data()) & 0xFF);

@@ -38,13 +38,17 @@ class PayloadReader {
   // The first line; empty if there is none. To be called first, and once.
   std::string_view VersionLine() { return Token('\n'); }
 
-  // The next record; false when there is no whole one left.
+  // The next record. False at the end of the payload, and for an incomplete last record.
   bool NextRecord(PayloadRecord& record);
+
+  // Whether the payload ended within a record. Valid once NextRecord has returned false.
+  bool IsCut() const { return isCut_; }
 
  private:
   std::string_view Token(char separator);
 
   std::string_view rest_;
+  bool isCut_ = false;
 };
 
 }  // namespace catalogcore
