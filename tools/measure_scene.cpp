@@ -15,7 +15,8 @@
 #include <utility>
 #include <vector>
 
-#include "engines/document_type/model.h"
+#include "api/catalogue.h"
+#include "engines/document_type/parameter_block.h"
 #include "scene/detect_scene.h"
 #include "tools/model_training.h"
 #include "tools/picture_variants.h"

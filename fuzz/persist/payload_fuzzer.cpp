@@ -3,7 +3,7 @@
 #include <sys/stat.h>
 
 #include "fuzz/support/fuzzer.h"
-#include "persist/catalogue_file.h"
+#include "persist/catalogue_records.h"
 #include "persist/payload.h"
 #include "tests/support/compared_calls.h"
 

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <vector>
 
-#include "api/preset_index.h"
+#include "api/index_calls.h"
 #include "engines/faces/face_search.h"
 #include "fuzz/support/fuzzer.h"
 

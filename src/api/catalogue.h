@@ -9,8 +9,13 @@
 
 namespace catalogcore {
 
+class CDetectScene;
+
 // The catalogue; null unless the library is initialised.
 extern CIndexData* idData;
+
+// The scene detector; null unless the library is initialised.
+extern CDetectScene* dsScene;
 
 // Holds the region of the catalogue, which must be there, for as long as it lives.
 class CatalogueGuard {

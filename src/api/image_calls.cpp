@@ -2,9 +2,9 @@
 #include <cstring>
 
 #include "api/catalogue.h"
-#include "api/file_path.h"
 #include "api/idx_item.h"
 #include "api/store_status.h"
+#include "base/file_path.h"
 
 using namespace catalogcore;
 

@@ -1,10 +1,9 @@
-#include "api/preset_index.h"
-
 #include <algorithm>
 #include <iterator>
 #include <string>
 
 #include "api/catalogue.h"
+#include "api/index_calls.h"
 #include "api/index_number.h"
 #include "api/store_status.h"
 #include "base/string_conversion.h"

@@ -1,10 +1,9 @@
-#include "persist/catalogue_file.h"
-
 #include <cstdlib>
 #include <cstring>
 
 #include "api/catalogue.h"
 #include "base/string_conversion.h"
+#include "persist/catalogue_records.h"
 #include "persist/property_file.h"
 #include "persist/property_value.h"
 

@@ -1,6 +1,6 @@
 // The file of the indexes: key, attribute and name of each.
 #include "api/catalogue.h"
-#include "persist/catalogue_file.h"
+#include "persist/catalogue_records.h"
 #include "persist/payload.h"
 
 namespace catalogcore {

@@ -66,12 +66,6 @@ class CDetectScene {
   MPCriticalRegionID region = nullptr;
 };
 
-// The number of the preset index for a scene; -1 for an undetermined scene.
-std::int32_t ConvertScenetoIndex(std::int32_t sceneClass, std::int32_t sceneValue);
-
-// The detector between IDXInitialize and IDXUninitialize, otherwise null.
-extern CDetectScene* dsScene;
-
 }  // namespace catalogcore
 
 #endif  // CATALOGCORE_SCENE_DETECT_SCENE_H_

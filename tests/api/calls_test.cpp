@@ -5,10 +5,10 @@
 #include <thread>
 
 #include "api/catalogue.h"
-#include "api/file_path.h"
 #include "api/index_number.h"
 #include "api/internal_calls.h"
 #include "api/store_status.h"
+#include "base/file_path.h"
 #include "tests/api/item.h"
 #include "tests/support/store_inspector.h"
 

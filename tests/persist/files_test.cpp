@@ -26,7 +26,7 @@
 
 #include "api/catalogue.h"
 #include "base/file_existence.h"
-#include "persist/catalogue_file.h"
+#include "persist/catalogue_records.h"
 #include "persist/existing_files.h"
 #include "persist/payload.h"
 #include "persist/property_file.h"

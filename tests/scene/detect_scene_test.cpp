@@ -13,6 +13,7 @@
 #include <thread>
 #include <vector>
 
+#include "api/catalogue.h"
 #include "base/critical_region.h"
 #include "scene/brenn.h"
 #include "scene/parameter_resource.h"

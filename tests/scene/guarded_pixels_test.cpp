@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "api/catalogue.h"
 #include "scene/detect_scene.h"
 
 namespace catalogcore {

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "api/catalogue.h"
+#include "api/index_calls.h"
 #include "api/index_number.h"
-#include "api/preset_index.h"
 #include "api/store_status.h"
 #include "base/file_existence.h"
 #include "tests/api/item.h"

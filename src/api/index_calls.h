@@ -1,6 +1,6 @@
 // The ten indexes that the catalogue begins with.
-#ifndef CATALOGCORE_API_PRESET_INDEX_H_
-#define CATALOGCORE_API_PRESET_INDEX_H_
+#ifndef CATALOGCORE_API_INDEX_CALLS_H_
+#define CATALOGCORE_API_INDEX_CALLS_H_
 
 #include <cstdint>
 
@@ -22,4 +22,4 @@ int MakePresetIndex();
 
 }  // namespace catalogcore
 
-#endif  // CATALOGCORE_API_PRESET_INDEX_H_
+#endif  // CATALOGCORE_API_INDEX_CALLS_H_

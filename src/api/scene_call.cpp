@@ -1,11 +1,6 @@
+#include "api/catalogue.h"
 #include "base/critical_region.h"
 #include "scene/detect_scene.h"
-
-namespace catalogcore {
-
-CDetectScene* dsScene = nullptr;
-
-}  // namespace catalogcore
 
 using namespace catalogcore;
 

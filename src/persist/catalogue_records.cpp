@@ -1,12 +1,13 @@
 // The file of the images: index key, attribute and path of each.
+#include "persist/catalogue_records.h"
+
 #include <limits.h>
 
 #include <string>
 #include <vector>
 
 #include "api/catalogue.h"
-#include "api/file_path.h"
-#include "persist/catalogue_file.h"
+#include "base/file_path.h"
 #include "persist/existing_files.h"
 #include "persist/payload.h"
 

@@ -1,4 +1,4 @@
-#include "api/file_path.h"
+#include "base/file_path.h"
 
 #include <cstring>
 

@@ -1,6 +1,6 @@
 // What loading and writing have in common, whichever of the two catalogue files it is.
-#ifndef CATALOGCORE_PERSIST_CATALOGUE_FILE_H_
-#define CATALOGCORE_PERSIST_CATALOGUE_FILE_H_
+#ifndef CATALOGCORE_PERSIST_CATALOGUE_RECORDS_H_
+#define CATALOGCORE_PERSIST_CATALOGUE_RECORDS_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -41,4 +41,4 @@ IDXSTATUS GetImageData(CIDXBuffer& payload);
 
 }  // namespace catalogcore
 
-#endif  // CATALOGCORE_PERSIST_CATALOGUE_FILE_H_
+#endif  // CATALOGCORE_PERSIST_CATALOGUE_RECORDS_H_

@@ -1,7 +1,8 @@
+#include "api/catalogue.h"
+
 #include <new>
 
-#include "api/catalogue.h"
-#include "api/preset_index.h"
+#include "api/index_calls.h"
 #include "api/store_status.h"
 #include "base/string_conversion.h"
 #include "scene/detect_scene.h"
@@ -9,6 +10,7 @@
 namespace catalogcore {
 
 CIndexData* idData = nullptr;
+CDetectScene* dsScene = nullptr;
 CIDXString g_strFilePath;
 
 namespace {

@@ -1,6 +1,6 @@
 // The keys that an image's path leads to.
-#ifndef CATALOGCORE_API_FILE_PATH_H_
-#define CATALOGCORE_API_FILE_PATH_H_
+#ifndef CATALOGCORE_BASE_FILE_PATH_H_
+#define CATALOGCORE_BASE_FILE_PATH_H_
 
 #include "base/idx_string.h"
 
@@ -15,4 +15,4 @@ int NormFilePathKey(CIDXString& key);
 
 }  // namespace catalogcore
 
-#endif  // CATALOGCORE_API_FILE_PATH_H_
+#endif  // CATALOGCORE_BASE_FILE_PATH_H_
