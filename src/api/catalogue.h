@@ -1,36 +1,44 @@
-// The library's state, and the frame around every call that an application makes.
+// The state of the library, and the frame of every exported call.
+//
+// Threads: every call takes the catalogue's lock (CatalogueGuard) for as long as it reads or changes the catalogue, and
+// fills its record before it leaves the lock. A call that holds the lock enters no other call. IDXInitialize,
+// IDXUninitialize, IDXSetFilePath and IDXCloseFind take no lock.
 #ifndef CATALOGCORE_API_CATALOGUE_H_
 #define CATALOGCORE_API_CATALOGUE_H_
+
+#include <cstdint>
 
 #include "base/critical_region.h"
 #include "base/idx_string.h"
 #include "catalogcore.h"
+#include "store/catalogue_guard.h"
 #include "store/index_data.h"
 
 namespace catalogcore {
 
 class CDetectScene;
 
-// The catalogue; null unless the library is initialised.
+// Both are null unless the library is initialised.
 extern CIndexData* idData;
-
-// The scene detector; null unless the library is initialised.
 extern CDetectScene* dsScene;
 
-// Holds the region of the catalogue, which must be there, for as long as it lives.
-class CatalogueGuard {
- public:
-  CatalogueGuard() : region_(idData->CriticalRegion()) { idData->Finds().Sweep(); }
-
- private:
-  const RegionGuard region_;
-};
-
-// The base directory of the catalogue's files, with a "/" at its end; empty until it is set.
+// The base directory of the catalogue files, with a "/" at its end; empty until it is set.
 extern CIDXString g_strFilePath;
 
-// Runs `call` for a record (or a handle, or any other argument that must be there): IDXERR_PARAM without it,
-// IDXERR_FAILED before IDXInitialize, and no exception comes out.
+// Sets `path` to the base directory followed by `name`, which is not null. A name that cannot be converted leaves the
+// directory alone, which names no catalogue file. IDX_OK or IDXERR_MEMORY.
+IDXSTATUS GetCatalogueFilePath(IDXSTR name, CIDXString& path);
+
+inline constexpr int kStoreCodeBase = 0x1000;
+
+// IDX_OK for 0. With kStoreCodeBase the status of the store's result code, or IDXERR_FAILED for an unknown code. With any
+// other base the sum of both.
+IDXSTATUS ConvertErrorCode(int code, int base);
+
+inline IDXSTATUS StoreStatus(std::uint32_t code) { return ConvertErrorCode(static_cast<int>(code), kStoreCodeBase); }
+
+// Runs `call`. IDXERR_PARAM when `required` (a record, a handle or another argument) is null; IDXERR_FAILED before
+// IDXInitialize. Exceptions become statuses.
 template <typename Call>
 IDXSTATUS CatalogueCall(const void* required, Call call) noexcept {
   if (!required) return IDXERR_PARAM;

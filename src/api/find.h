@@ -1,14 +1,13 @@
-// The frame of every find: one handle from find-first to close, open all that time.
+// The frame of every find. A handle is open from the find-first call that returns it until IDXCloseFind.
 #ifndef CATALOGCORE_API_FIND_H_
 #define CATALOGCORE_API_FIND_H_
 
-#include <cstdlib>
 #include <memory>
 
 #include "api/catalogue.h"
 #include "store/walks.h"
 
-// What the application's handle points to: the store's record under a name that no application has.
+// The application's handle points to the store's own record.
 struct IDXFINDHANDLE : catalogcore::SearchHandle {};
 
 namespace catalogcore {
@@ -19,20 +18,16 @@ struct CloseHandle {
 
 using OwnedHandle = std::unique_ptr<IDXFINDHANDLE, CloseHandle>;
 
-// The handle of an open find, zeros otherwise; null without memory. The caller holds the store's region.
-inline OwnedHandle NewHandle() {
-  OwnedHandle handle(static_cast<IDXFINDHANDLE*>(std::calloc(1, sizeof(IDXFINDHANDLE))));
-  if (handle && !idData->Finds().Open(*handle)) handle.reset();
-  return handle;
-}
+// Allocates the zero-filled handle of an open find; null without memory. REQUIRES: the catalogue's lock.
+OwnedHandle NewHandle();
 
-// Makes a handle and lets `start` place it and fill the record, all while the store's region is held. Returns the
-// handle when `start` gives IDX_OK, else null. `*status` (if not null) gets the status.
+// Allocates a handle, and calls `start` to position it and fill the record, all under the catalogue's lock. Returns the
+// handle when `start` returns IDX_OK, else null. `*status` (if not null) gets the status.
 template <typename Start>
 IDXFIND FindFirst(IDXITEM* item, IDXSTATUS* status, Start start) {
   OwnedHandle handle;
   const IDXSTATUS result = CatalogueCall(item, [&]() -> IDXSTATUS {
-    const CatalogueGuard guard;
+    const CatalogueGuard guard(*idData);
     handle = NewHandle();
     return handle ? start(*handle, *item) : static_cast<IDXSTATUS>(IDXERR_MEMORY);
   });
@@ -40,14 +35,14 @@ IDXFIND FindFirst(IDXITEM* item, IDXSTATUS* status, Start start) {
   return result == IDX_OK ? handle.release() : nullptr;
 }
 
-// Lets `advance` move the handle and fill the record while the store's region is held. IDXERR_PARAM without either;
-// `end` when the catalogue that the find was opened in is gone.
+// Calls `advance` to move the handle and fill the record under the catalogue's lock. IDXERR_PARAM when either is null;
+// `end` when the handle belongs to an earlier catalogue.
 template <typename Advance>
 IDXSTATUS FindNext(IDXFIND find, IDXITEM* item, IDXSTATUS end, Advance advance) {
   if (!find || !item) return IDXERR_PARAM;
   if (!idData || !idData->Finds().IsOpen(*find)) return end;
   return CatalogueCall(item, [&]() -> IDXSTATUS {
-    const CatalogueGuard guard;
+    const CatalogueGuard guard(*idData);
     return advance(*find, *item);
   });
 }

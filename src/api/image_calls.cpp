@@ -1,10 +1,38 @@
-// Adding, changing, removing and looking up images.
+// Adding, changing, removing and finding images.
 #include <cstring>
 
 #include "api/catalogue.h"
+#include "api/find.h"
 #include "api/idx_item.h"
-#include "api/store_status.h"
 #include "base/file_path.h"
+
+namespace catalogcore {
+
+namespace {
+
+IDXSTATUS Found(const CIDXNode* node, IDXITEM& item) {
+  if (!node) return IDXERR_NOIMAGE;
+  if (GetIDXOperation(&item, IDXOP_GETINFO)) {
+    SetIDXName(&item, node->info->key);
+    SetIDXIndex(&item, node->cell[kIndexTree]->info->key);
+    SetIDXAttribute(&item, node->info->attribute);
+  }
+  return IDX_OK;
+}
+
+// The keys that restrict the find; "." for a field that is not marked.
+IDXSTATUS ReadCondition(const IDXITEM& item, CIDXString& folder, CIDXString& index) {
+  const auto read = [&item](std::uint32_t field, CIDXString& key, auto get) -> IDXSTATUS {
+    if ((item.mask & field) != 0) return get(&item, key);
+    return key.CopyString(".") < 0 ? IDXERR_MEMORY : IDX_OK;
+  };
+  const IDXSTATUS status = read(IDXMASK_PATH, folder, GetIDXPath);
+  return status == IDX_OK ? read(IDXMASK_INDEX, index, GetIDXIndex) : status;
+}
+
+}  // namespace
+
+}  // namespace catalogcore
 
 using namespace catalogcore;
 
@@ -20,7 +48,7 @@ IDXSTATUS IDXAddImage(IDXITEM* item) {
     if (status != IDX_OK) return status;
     unsigned char attribute = 0;
     GetIDXAttribute(item, &attribute);
-    const CatalogueGuard guard;
+    const CatalogueGuard guard(*idData);
     return StoreStatus(idData->AddNode(name, index, folder, attribute));
   });
 }
@@ -30,15 +58,14 @@ IDXSTATUS IDXChangeImage(IDXITEM* item) {
     CIDXString name;
     IDXSTATUS status = GetIDXName(item, name);
     if (status != IDX_OK) return status;
-    if (item->index == IDX_ROOT)
-      return IDXRemoveImage(item);  // whether or not the mask marks it: applications rely on it
+    if (item->index == IDX_ROOT) return IDXRemoveImage(item);  // also when the mask does not mark the index, on purpose
     if ((item->mask & IDXMASK_INDEX) != 0) {
       CIDXString index;
       status = GetIDXIndex(item, index);
       if (status != IDX_OK) return status;
       std::uint32_t moved = StoreOk;
       {
-        const CatalogueGuard guard;
+        const CatalogueGuard guard(*idData);
         moved = idData->MoveNode(kIndexTree, name, index, GetIDXState(item, IDXSTATE_FORCE));
       }
       if (moved == StoreImageNotFound) return IDXAddImage(item);
@@ -46,7 +73,7 @@ IDXSTATUS IDXChangeImage(IDXITEM* item) {
     }
     unsigned char attribute = 0;
     if (GetIDXAttribute(item, &attribute) != IDX_OK) return IDX_OK;
-    const CatalogueGuard guard;
+    const CatalogueGuard guard(*idData);
     return StoreStatus(idData->ChangeAttributeNode(name, attribute));
   });
 }
@@ -56,7 +83,7 @@ IDXSTATUS IDXRemoveImage(IDXITEM* item) {
     CIDXString name;
     const IDXSTATUS status = GetIDXName(item, name);
     if (status != IDX_OK) return status;
-    const CatalogueGuard guard;
+    const CatalogueGuard guard(*idData);
     return StoreStatus(idData->RemoveNode(name, GetIDXState(item, IDXSTATE_FORCE)));
   });
 }
@@ -66,11 +93,28 @@ IDXSTATUS IDXSearchImage(IDXITEM* item) {
     CIDXString name;
     const IDXSTATUS status = GetIDXName(item, name);
     if (status != IDX_OK) return status;
-    const CatalogueGuard guard;
+    const CatalogueGuard guard(*idData);
     const CIDXNode* const node = idData->SearchNode(name);
     if (!node) return IDXERR_NOIMAGE;
     SetIDXIndex(item, node->cell[kIndexTree]->info->key);
     SetIDXAttribute(item, node->info->attribute);
     return IDX_OK;
   });
+}
+
+IDXFIND IDXFindFirstImage(IDXITEM* item, IDXSTATUS* status) {
+  return FindFirst(item, status, [](SearchHandle& handle, IDXITEM& record) -> IDXSTATUS {
+    CIDXString folder;
+    CIDXString index;
+    if (GetIDXOperation(&record, IDXOP_CONDITION)) {
+      const IDXSTATUS read = ReadCondition(record, folder, index);
+      if (read != IDX_OK) return read;
+    }
+    return Found(idData->GetFirstNode(&handle, index, folder, 1), record);
+  });
+}
+
+IDXSTATUS IDXFindNextImage(IDXFIND find, IDXITEM* item) {
+  return FindNext(find, item, IDXERR_NOIMAGE,
+                  [](SearchHandle& handle, IDXITEM& record) { return Found(idData->GetNextNode(&handle, 1), record); });
 }

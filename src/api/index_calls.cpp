@@ -1,28 +1,32 @@
-// Adding, changing, removing and looking up indexes.
+// Adding, changing, removing and finding indexes, and the preset indexes.
+#include "api/index_calls.h"
+
+#include <algorithm>
 #include <bitset>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include "api/catalogue.h"
+#include "api/find.h"
 #include "api/idx_item.h"
 #include "api/index_number.h"
-#include "api/store_status.h"
+#include "base/string_conversion.h"
 
 namespace catalogcore {
 
 namespace {
 
-// The groups that added indexes get; smaller ones are the presets'.
+// The groups of added indexes. Presets have smaller ones.
 constexpr int kFirstAddedGroup = 10;
 constexpr int kLastAddedGroup = 29;
 
-// What the children of an index leave to choose from.
 struct Siblings {
   std::bitset<kLastAddedGroup + 1> usedGroups;
-  const CIDXCell* sameName = nullptr;  // the first child of this very name
+  const CIDXCell* sameName = nullptr;  // the first child with the new name, by bytes
 };
 
-Siblings LookAtChildren(const CIDXCell* parent, const CIDXString& name) {
+Siblings ScanChildren(const CIDXCell* parent, const CIDXString& name) {
   Siblings siblings;
   for (const CIDXCell* child = parent->firstChild; child && !siblings.sameName; child = child->nextSibling) {
     const int group = GetLastIndexTag(child->info->key.Text());
@@ -36,7 +40,7 @@ IDXSTATUS AddUnder(IDXITEM* item, const CIDXString& parentKey, const CIDXString&
   const CIDXCell* const parent = idData->SearchCell(kIndexTree, parentKey);
   if (!parent) return IDXERR_NOINDEX;
   const bool wantsNumber = GetIDXOperation(item, IDXOP_GETINFO) != 0;
-  const Siblings siblings = LookAtChildren(parent, name);
+  const Siblings siblings = ScanChildren(parent, name);
   if (siblings.sameName) {
     if (wantsNumber) SetIDXIndex(item, siblings.sameName->info->key);
     return IDXERR_INDEXEXISTS;
@@ -51,14 +55,40 @@ IDXSTATUS AddUnder(IDXITEM* item, const CIDXString& parentKey, const CIDXString&
   if (key.CopyString(path.c_str()) < 0) return IDXERR_MEMORY;
   int number = 0;
   ConvertPathtoINT(number, key, kIndexLevels, kIndexDigits);
-  // Below the fourth level numbers leave the range, or wrap into it again.
+  // Below the fourth level numbers are out of range, or wrap into it again.
   if (key.Count('/') >= kIndexLevels || !IsIndexNumber(number)) return IDXERR_PARAM;
   const std::uint32_t result = idData->AddCell(kIndexTree, key, name, attribute);
   if (wantsNumber) SetIDXIndex(item, key);
   return StoreStatus(result);
 }
 
+IDXSTATUS Found(const CIDXCell* cell, IDXITEM& item) {
+  if (!cell) return IDXERR_NOINDEX;
+  if (GetIDXOperation(&item, IDXOP_GETINFO)) {
+    SetIDXName(&item, cell->info->name);
+    SetIDXIndex(&item, cell->info->key);
+    SetIDXAttribute(&item, cell->info->attribute);
+  }
+  return IDX_OK;
+}
+
 }  // namespace
+
+IDXSTATUS CreatePresetIndex(int number) {
+  CIDXString path;
+  CIDXString name;
+  if (ConvertINTtoPath(path, number, kIndexDigits) < 0) return IDXERR_PARAM;
+  if (name.CopyString(("idx" + std::to_string(number)).c_str()) < 0) return IDXERR_MEMORY;
+  const CatalogueGuard guard(*idData);
+  return StoreStatus(idData->AddCell(kIndexTree, path, name, IDXATTR_NOMOVE | IDXATTR_NOREMOVE | IDXATTR_NORENAME));
+}
+
+int MakePresetIndex() {
+  return std::all_of(std::begin(kaPresetIndex), std::end(kaPresetIndex),
+                     [](std::int32_t number) { return CreatePresetIndex(number) == IDX_OK; })
+             ? 1
+             : 0;
+}
 
 }  // namespace catalogcore
 
@@ -74,8 +104,8 @@ IDXSTATUS IDXAddIndex(IDXITEM* item) {
     if (status != IDX_OK) return status;
     unsigned char attribute = 0;
     GetIDXAttribute(item, &attribute);
-    // To the end: no other call may take the group that is chosen.
-    const CatalogueGuard guard;
+    // Held to the end, so that no other call takes the chosen group.
+    const CatalogueGuard guard(*idData);
     return AddUnder(item, parentKey, name, attribute);
   });
 }
@@ -90,13 +120,13 @@ IDXSTATUS IDXChangeIndex(IDXITEM* item) {
       CIDXString name;
       status = GetIDXName(item, name);
       if (status != IDX_OK) return status;
-      const CatalogueGuard guard;
+      const CatalogueGuard guard(*idData);
       result = idData->RenameCell(kIndexTree, key, name, GetIDXState(item, IDXSTATE_FORCE));
     }
     unsigned char attribute = 0;
     if (GetIDXAttribute(item, &attribute) == IDX_OK) {
-      // Its result takes the place of the renaming's on purpose.
-      const CatalogueGuard guard;
+      // This result replaces that of the rename, on purpose.
+      const CatalogueGuard guard(*idData);
       result = idData->ChangeAttributeCell(kIndexTree, key, attribute);
     }
     return StoreStatus(result);
@@ -108,7 +138,7 @@ IDXSTATUS IDXRemoveIndex(IDXITEM* item) {
     CIDXString key;
     const IDXSTATUS status = GetIDXIndex(item, key);
     if (status != IDX_OK) return status;
-    const CatalogueGuard guard;
+    const CatalogueGuard guard(*idData);
     return StoreStatus(idData->RemoveCell(kIndexTree, key, GetIDXState(item, IDXSTATE_FORCE)));
   });
 }
@@ -118,11 +148,48 @@ IDXSTATUS IDXSearchIndex(IDXITEM* item) {
     CIDXString key;
     const IDXSTATUS status = GetIDXIndex(item, key);
     if (status != IDX_OK) return status;
-    const CatalogueGuard guard;
+    const CatalogueGuard guard(*idData);
     const CIDXCell* const cell = idData->SearchCell(kIndexTree, key);
     if (!cell) return IDXERR_NOINDEX;
     SetIDXName(item, cell->info->name);
     SetIDXAttribute(item, cell->info->attribute);
     return IDX_OK;
+  });
+}
+
+IDXFIND IDXFindFirstIndex(IDXITEM* item, IDXSTATUS* status) {
+  return FindFirst(item, status, [](SearchHandle& handle, IDXITEM& record) -> IDXSTATUS {
+    CIDXString key;
+    if (GetIDXOperation(&record, IDXOP_CONDITION)) {
+      const IDXSTATUS read = GetIDXIndex(&record, key);
+      if (read != IDX_OK) return read;
+    }
+    const CIDXCell* cell = idData->GetFirstCell(&handle, kIndexTree, key, 1);
+    // Without a condition the walk begins at the root, which is not a result.
+    if (key.Length() == 0) cell = idData->GetNextCell(&handle, 1);
+    return Found(cell, record);
+  });
+}
+
+IDXSTATUS IDXFindNextIndex(IDXFIND find, IDXITEM* item) {
+  return FindNext(find, item, IDXERR_NOINDEX,
+                  [](SearchHandle& handle, IDXITEM& record) { return Found(idData->GetNextCell(&handle, 1), record); });
+}
+
+IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int32_t count) {
+  if (count > 0 && (!names || !numbers)) return IDXERR_PARAM;
+  return CatalogueCall(&count, [&]() -> IDXSTATUS {
+    IDXSTATUS status = IDX_OK;
+    // An invalid number or name leaves the path or name of the entry before in use, on purpose. In the first entry an
+    // invalid number leaves the empty path, which names the root.
+    CIDXString path;
+    CIDXString name;
+    for (std::int32_t i = 0; i < count; ++i) {
+      ConvertINTtoPath(path, numbers[i], kIndexDigits);
+      CopyIDXSTRtoCIDXString(name, names[i]);
+      const CatalogueGuard guard(*idData);
+      if (idData->RenameCell(kIndexTree, path, name, 1) != StoreOk) status = IDXERR_PARAM;
+    }
+    return status;
   });
 }

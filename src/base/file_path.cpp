@@ -11,12 +11,4 @@ int ExtractFilePath(CIDXString& folder, const CIDXString& file) {
   return folder.CopyString(path, static_cast<int>(slash - path)) < 0 ? 0 : 1;
 }
 
-int NormFilePathKey(CIDXString& key) {
-  if (key.Length() >= 2 && key[0] == '/' && key[1] == '/') {
-    key[0] = 's';
-    key[1] = ':';
-  }
-  return 1;
-}
-
 }  // namespace catalogcore

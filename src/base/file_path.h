@@ -1,4 +1,4 @@
-// The keys that an image's path leads to.
+// The folder part of an image's path.
 #ifndef CATALOGCORE_BASE_FILE_PATH_H_
 #define CATALOGCORE_BASE_FILE_PATH_H_
 
@@ -6,12 +6,9 @@
 
 namespace catalogcore {
 
-// Sets `folder` to what lies before the last "/" of `file` and returns 1; returns 0, with `folder` unchanged, when
-// there is no "/" or no memory.
+// Sets `folder` to the part of `file` before the last "/" and returns 1. Returns 0, with `folder` unchanged, when `file`
+// has no "/", or without memory.
 int ExtractFilePath(CIDXString& folder, const CIDXString& file);
-
-// Writes "s:" over the first two characters of a key that begins with "//". Always 1. The calls do without it.
-int NormFilePathKey(CIDXString& key);
 
 }  // namespace catalogcore
 

@@ -1,4 +1,3 @@
-// The file of the images: index key, attribute and path of each.
 #include "persist/catalogue_records.h"
 
 #include <limits.h>
@@ -6,18 +5,40 @@
 #include <string>
 #include <vector>
 
-#include "api/catalogue.h"
 #include "base/file_path.h"
 #include "persist/existing_files.h"
 #include "persist/payload.h"
+#include "persist/property_file.h"
+#include "store/catalogue_guard.h"
 
 namespace catalogcore {
 
 namespace {
 
-// Whether the file of each record exists, in the order of the records, a bit each. A disk may take its time to answer,
-// so this is asked before the catalogue's lock is taken. Throws std::bad_alloc.
-std::vector<bool> AskForFiles(PayloadReader reader) {
+// Roots and presets have it. Every start makes them again, so that an index with all three protections is not saved.
+constexpr std::uint8_t kAllProtections = IDXATTR_NOMOVE | IDXATTR_NOREMOVE | IDXATTR_NORENAME;
+
+constexpr int kPayloadBlockSize = 1024;
+
+// Null when the path is not UTF-8, or without memory.
+CFReference<CFURLRef> UrlOf(const char* path) {
+  const CFReference<CFStringRef> text(CFStringCreateWithCString(nullptr, path, kCFStringEncodingUTF8));
+  if (!text) return nullptr;
+  return CFReference<CFURLRef>(CFURLCreateWithFileSystemPath(nullptr, text.get(), kCFURLPOSIXPathStyle, false));
+}
+
+IDXSTATUS WriteRecords(CIndexData& data, const char* path, CFStringRef key,
+                       IDXSTATUS (*fill)(CIndexData&, CIDXBuffer&)) {
+  const CFReference<CFURLRef> url = UrlOf(path);
+  if (!url) return IDXERR_FAILED;
+  CIDXBuffer payload(kPayloadBlockSize);
+  const IDXSTATUS status = fill(data, payload);
+  if (status != IDX_OK) return status;
+  return _WriteKeyData(url.get(), key, payload) == 1 ? IDX_OK : IDXERR_FAILED;
+}
+
+// For each record in order, whether the image's file exists. Throws std::bad_alloc.
+std::vector<bool> FindImageFiles(PayloadReader reader) {
   std::vector<bool> exist;
   ExistingFiles files;
   std::string path;
@@ -30,49 +51,86 @@ std::vector<bool> AskForFiles(PayloadReader reader) {
 
 }  // namespace
 
-IDXSTATUS GetImageData(CIDXBuffer& payload) {
-  if (!idData) return IDXERR_FAILED;
+IDXSTATUS LoadPayload(const char* path, CFStringRef key, CFReference<CFDataRef>& payload) {
+  const CFReference<CFURLRef> url = UrlOf(path);
+  if (!url || !ReadPropertyValue(url.get(), key, payload)) return IDXERR_FAILED;
+  return payload && CFDataGetLength(payload.get()) > 0 ? IDX_OK : IDXERR_NODATA;
+}
+
+IDXSTATUS LoadIndexRecords(CIndexData& data, const char* path) {
+  CFReference<CFDataRef> payload;
+  const IDXSTATUS status = LoadPayload(path, CATALOGCORE_INDEX_KEY, payload);
+  if (status != IDX_OK) return status;
+  PayloadReader reader(TextOf(payload.get()));
+  const std::string_view version = reader.VersionLine();
+  if (version.empty()) return IDXERR_EMPTY;
+  if (!IsValidVersion(version)) return IDXERR_VERSION;
+  const CatalogueGuard guard(data);
+  CIDXString key;
+  CIDXString name;
+  for (PayloadRecord record{}; reader.NextRecord(record);) {
+    if (!CopyField(key, record.first) || !CopyField(name, record.last)) return IDXERR_MEMORY;
+    data.AddCell(kIndexTree, key, name, record.attribute);
+  }
+  return IDX_OK;
+}
+
+IDXSTATUS LoadImageRecords(CIndexData& data, const char* path) {
+  CFReference<CFDataRef> payload;
+  const IDXSTATUS status = LoadPayload(path, CATALOGCORE_IMAGE_KEY, payload);
+  if (status != IDX_OK) return status;
+  PayloadReader reader(TextOf(payload.get()));
+  if (!IsValidVersion(reader.VersionLine())) return IDXERR_VERSION;
+  const std::vector<bool> exist = FindImageFiles(reader);  // before the lock: a disk may be slow to answer
+  const CatalogueGuard guard(data);
+  CIDXString indexKey;
+  CIDXString imageKey;
+  CIDXString folderKey;
+  PayloadRecord record{};
+  for (const bool exists : exist) {
+    reader.NextRecord(record);
+    if (!exists) continue;
+    if (!CopyField(indexKey, record.first) || !CopyField(imageKey, record.last)) return IDXERR_MEMORY;
+    if (!ExtractFilePath(folderKey, imageKey)) continue;
+    data.AddNode(imageKey, indexKey, folderKey, record.attribute);
+  }
+  return IDX_OK;
+}
+
+IDXSTATUS GetIndexData(CIndexData& data, CIDXBuffer& payload) {
   if (!SetVersion(payload)) return IDXERR_MEMORY;
-  const CatalogueGuard guard;
+  const CatalogueGuard guard(data);
+  SearchHandle handle{};
+  CIDXString everything;
+  if (!data.GetFirstCell(&handle, kIndexTree, everything, 1)) return IDX_OK;
+  while (const CIDXCell* const cell = data.GetNextCell(&handle, 1)) {
+    const CIDXCellInfo& info = *cell->info;
+    if (info.attribute == kAllProtections) continue;
+    if (!AppendRecord(payload, info.key.Text(), info.attribute, info.name.Text())) return IDXERR_MEMORY;
+  }
+  return IDX_OK;
+}
+
+IDXSTATUS GetImageData(CIndexData& data, CIDXBuffer& payload) {
+  if (!SetVersion(payload)) return IDXERR_MEMORY;
+  const CatalogueGuard guard(data);
   SearchHandle handle{};
   CIDXString everyIndex;
   CIDXString everyFolder;
-  for (const CIDXNode* node = idData->GetFirstNode(&handle, everyIndex, everyFolder, 1); node;
-       node = idData->GetNextNode(&handle, 1)) {
+  for (const CIDXNode* node = data.GetFirstNode(&handle, everyIndex, everyFolder, 1); node;
+       node = data.GetNextNode(&handle, 1)) {
     const char* const indexKey = node->cell[kIndexTree]->info->key.Text();
     if (!AppendRecord(payload, indexKey, node->info->attribute, node->info->key.Text())) return IDXERR_MEMORY;
   }
   return IDX_OK;
 }
 
+IDXSTATUS WriteIndexRecords(CIndexData& data, const char* path) {
+  return WriteRecords(data, path, CATALOGCORE_INDEX_KEY, GetIndexData);
+}
+
+IDXSTATUS WriteImageRecords(CIndexData& data, const char* path) {
+  return WriteRecords(data, path, CATALOGCORE_IMAGE_KEY, GetImageData);
+}
+
 }  // namespace catalogcore
-
-using namespace catalogcore;
-
-IDXSTATUS IDXLoadImageFile(IDXSTR name) {
-  return CatalogueCall(name, [name]() -> IDXSTATUS {
-    CFReference<CFDataRef> payload;
-    const IDXSTATUS status = LoadPayload(name, CATALOGCORE_IMAGE_KEY, payload);
-    if (status != IDX_OK) return status;
-    PayloadReader reader(TextOf(payload.get()));
-    if (!IsValidVersion(reader.VersionLine())) return IDXERR_VERSION;
-    const std::vector<bool> exist = AskForFiles(reader);
-    const CatalogueGuard guard;
-    CIDXString indexKey;
-    CIDXString imageKey;
-    CIDXString folderKey;
-    PayloadRecord record{};
-    for (const bool exists : exist) {
-      reader.NextRecord(record);
-      if (!exists) continue;
-      if (!CopyField(indexKey, record.first) || !CopyField(imageKey, record.last)) return IDXERR_MEMORY;
-      if (!ExtractFilePath(folderKey, imageKey)) continue;
-      idData->AddNode(imageKey, indexKey, folderKey, record.attribute);  // what the store refuses is skipped
-    }
-    return IDX_OK;
-  });
-}
-
-IDXSTATUS IDXWriteImageFile(IDXSTR name) {
-  return CatalogueCall(name, [name] { return WriteCatalogueFile(name, CATALOGCORE_IMAGE_KEY, GetImageData); });
-}

@@ -1,14 +1,18 @@
-// What loading and writing have in common, whichever of the two catalogue files it is.
+// Loads the records of a catalogue file into a catalogue, and writes the records of a catalogue to its file.
+//
+// A catalogue file is an XML property list (property_file.h). The data item under the file's key is the payload
+// (payload.h): one record for each index, or for each image. Every path is the whole path of a file. The catalogue is
+// locked while records are added to it or read from it, and never while a file is read, written or looked for.
 #ifndef CATALOGCORE_PERSIST_CATALOGUE_RECORDS_H_
 #define CATALOGCORE_PERSIST_CATALOGUE_RECORDS_H_
 
 #include <cstddef>
-#include <cstdint>
 #include <string_view>
 
 #include "base/idx_string.h"
 #include "base/owners.h"
 #include "catalogcore.h"
+#include "store/index_data.h"
 
 namespace catalogcore {
 
@@ -16,28 +20,30 @@ namespace catalogcore {
 #define CATALOGCORE_INDEX_KEY CFSTR("IDXIndex")
 #define CATALOGCORE_IMAGE_KEY CFSTR("IDXImage")
 
-// Sets `payload` to that of the file of that name in the base directory, as the file holds it. IDXERR_PARAM without a
-// name; IDXERR_FAILED when the name makes no path or the file cannot be read; IDXERR_NODATA when the file, its payload
-// or the payload's text is not there; IDXERR_MEMORY.
-IDXSTATUS LoadPayload(IDXSTR name, CFStringRef key, CFReference<CFDataRef>& payload);
+// Add the records of the file to the catalogue. Records that the store refuses are skipped, and so are images whose file
+// does not exist. IDXERR_FAILED, IDXERR_NODATA and IDXERR_MEMORY as LoadPayload; IDXERR_EMPTY when an index file has no
+// line; IDXERR_VERSION when the first line is not the version tag.
+IDXSTATUS LoadIndexRecords(CIndexData& data, const char* path);
+IDXSTATUS LoadImageRecords(CIndexData& data, const char* path);
 
-// A payload's text, which may go on behind its terminator.
-inline std::string_view TextOf(CFDataRef payload) {
-  return {reinterpret_cast<const char*>(CFDataGetBytePtr(payload)), static_cast<std::size_t>(CFDataGetLength(payload))};
+// Replace the payload in the file, or create the file. IDXERR_MEMORY when the payload cannot be allocated; IDXERR_FAILED
+// when the path is invalid, or the file cannot be read or written. On failure the file is unchanged (replace_file.h names
+// the exception).
+IDXSTATUS WriteIndexRecords(CIndexData& data, const char* path);
+IDXSTATUS WriteImageRecords(CIndexData& data, const char* path);
+
+// Set `payload` to the data item under `key`. IDXERR_FAILED when the path is invalid or the file cannot be read;
+// IDXERR_NODATA when the file or the item is missing, or the item is empty; IDXERR_MEMORY.
+IDXSTATUS LoadPayload(const char* path, CFStringRef key, CFReference<CFDataRef>& payload);
+
+// Fill the buffer with the payload. IDX_OK or IDXERR_MEMORY.
+IDXSTATUS GetIndexData(CIndexData& data, CIDXBuffer& payload);
+IDXSTATUS GetImageData(CIndexData& data, CIDXBuffer& payload);
+
+// The bytes of a data object.
+inline std::string_view TextOf(CFDataRef data) {
+  return {reinterpret_cast<const char*>(CFDataGetBytePtr(data)), static_cast<std::size_t>(CFDataGetLength(data))};
 }
-
-// A zero-terminated copy of the payload, to be released with free(). Null, with its status in `*status` (if not null), where
-// LoadPayload fails or there is no memory for the copy.
-char* LoadIndexBuffer(IDXSTR name, std::int32_t* status);
-char* LoadImageBuffer(IDXSTR name, std::int32_t* status);
-
-// Puts the payload that `fill` makes into the file of that name. IDXERR_PARAM without a name; IDXERR_FAILED when the
-// name makes no path or the file cannot be read or written; else the status of `fill`.
-IDXSTATUS WriteCatalogueFile(IDXSTR name, CFStringRef key, IDXSTATUS (*fill)(CIDXBuffer&));
-
-// Fill the buffer with the payload. IDX_OK, IDXERR_FAILED before IDXInitialize, IDXERR_MEMORY.
-IDXSTATUS GetIndexData(CIDXBuffer& payload);
-IDXSTATUS GetImageData(CIDXBuffer& payload);
 
 }  // namespace catalogcore
 

@@ -3,13 +3,9 @@
 #include <limits.h>
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <string_view>
 
-#include "base/owners.h"
-#include "persist/property_value.h"
 #include "persist/replace_file.h"
 
 namespace catalogcore {
@@ -18,7 +14,7 @@ namespace {
 
 using Dictionary = CFReference<CFMutableDictionaryRef>;
 
-// The path for system calls; false when it is longer than any path.
+// False when the path is longer than PATH_MAX.
 bool PathOf(CFURLRef url, char (&path)[PATH_MAX]) {
   return CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(path), sizeof path);
 }
@@ -27,15 +23,14 @@ constexpr std::string_view kFinalZero("", 1);
 
 enum class ReadResult { kRead, kMissing, kFailed };
 
-// Whether there is no such file. A folder or a disk that does not answer leaves that open, and then a catalogue must
-// neither begin empty nor take the file's place.
+// Any other failure of stat() may hide an existing file. The file then counts as unreadable, so that no empty catalogue
+// replaces it.
 bool IsMissing(const char* path) {
   struct stat status {};
   return stat(path, &status) != 0 && (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
 }
 
-// The dictionary at the file's top, for changing. kMissing when the URL names nothing; kFailed when it names nothing that
-// this library can read.
+// Sets `dictionary` to the mutable dictionary at the file's top.
 ReadResult ReadDictionary(CFURLRef url, Dictionary& dictionary) {
   char path[PATH_MAX];
   if (!PathOf(url, path) || IsMissing(path)) return ReadResult::kMissing;
@@ -55,7 +50,7 @@ ReadResult ReadDictionary(CFURLRef url, Dictionary& dictionary) {
 }  // namespace
 
 bool ReadPropertyValue(CFURLRef url, CFStringRef key, CFReference<CFDataRef>& value) {
-  if (!key) return false;  // a constant for which there was no memory: nothing is known of the file
+  if (!key) return false;  // CFSTR without memory
   Dictionary dictionary;
   const ReadResult result = ReadDictionary(url, dictionary);
   if (result != ReadResult::kRead) return result == ReadResult::kMissing;
@@ -64,22 +59,6 @@ bool ReadPropertyValue(CFURLRef url, CFStringRef key, CFReference<CFDataRef>& va
   if (CFGetTypeID(found) != CFDataGetTypeID()) return false;
   value.reset(static_cast<CFDataRef>(CFRetain(found)));
   return true;
-}
-
-int _ReadKeyData(CFURLRef url, CFStringRef key, void* block, std::int32_t* size) {
-  if (!size) return 0;
-  const std::int32_t room = *size;
-  *size = 0;
-  CFReference<CFDataRef> value;
-  if (!ReadPropertyValue(url, key, value)) return 0;
-  if (!value) return 1;
-  CFIndex count = std::min<CFIndex>(CFDataGetLength(value.get()), INT_MAX);
-  if (block) {
-    count = std::min<CFIndex>(count, std::max(room, 0));
-    if (count > 0) std::memcpy(block, CFDataGetBytePtr(value.get()), static_cast<std::size_t>(count));
-  }
-  *size = static_cast<std::int32_t>(count);
-  return 1;
 }
 
 int _WriteKeyData(CFURLRef url, CFStringRef key, const CIDXBuffer& buffer) {
@@ -93,7 +72,7 @@ int _WriteKeyData(CFURLRef url, CFStringRef key, const CIDXBuffer& buffer) {
     dictionary.reset(
         CFDictionaryCreateMutable(nullptr, 0, &kCFCopyStringDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
   }
-  // The terminator belongs to the item. The dictionary, which alone shares the item, ends before the buffer does.
+  // The terminator belongs to the item. No copy: the dictionary is released before the buffer.
   const CFReference<CFDataRef> value(CFDataCreateWithBytesNoCopy(nullptr, reinterpret_cast<const UInt8*>(buffer.Text()),
                                                                  CFIndex{buffer.Length()} + 1, kCFAllocatorNull));
   if (!dictionary || !value) return 0;

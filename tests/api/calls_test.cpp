@@ -7,7 +7,6 @@
 #include "api/catalogue.h"
 #include "api/index_number.h"
 #include "api/internal_calls.h"
-#include "api/store_status.h"
 #include "base/file_path.h"
 #include "tests/api/item.h"
 #include "tests/support/store_inspector.h"

@@ -14,7 +14,6 @@
 #include "api/catalogue.h"
 #include "api/index_calls.h"
 #include "api/index_number.h"
-#include "api/store_status.h"
 #include "base/file_existence.h"
 #include "tests/api/item.h"
 #include "tests/support/catalogue_model.h"
