@@ -6,8 +6,8 @@ set(MODULES
   "src/scene: base platform/large_block.h CoreFoundation catalogcore.h"
   "src/api: base scene store CoreFoundation catalogcore.h"
   "src/persist: api base store platform/large_block.h CoreFoundation catalogcore.h"
-  "src/engines: base scene/brenn.h scene/orlo.h"
-  "app: CoreFoundation catalogcore.h"
+  "src/engines: scene/brenn.h scene/orlo.h"
+  "app: CoreFoundation catalogcore.h api/index_number.h persist/payload.h"
   "src/platform/corefoundation: platform/large_block.h CoreFoundation")
 
 foreach(line IN LISTS MODULES)

@@ -48,7 +48,7 @@ std::string IndexPath(int number) {
   return IsIndexNumber(number) ? PathText(number, kIndexDigits) : std::string();
 }
 
-int IndexNumber(const std::string& path) {
+int NumberOfIndexPath(const std::string& path) {
   if (path == ".") return kRootNumber;
   int number = 0;
   PackGroups(number, path.c_str(), kIndexLevels, kIndexDigits);

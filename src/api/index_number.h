@@ -24,7 +24,7 @@ constexpr bool IsIndexNumber(int number) { return number >= kFirstIndexNumber &&
 std::string IndexPath(int number);
 
 // The number whose path is exactly `path`, -1 for ".". 0 when no number stands for the path.
-int IndexNumber(const std::string& path);
+int NumberOfIndexPath(const std::string& path);
 
 // The path of a number; a group of 0 ends it, whatever follows. Negative when the number is out of range (`path` is
 // then unchanged) or there is no memory.
