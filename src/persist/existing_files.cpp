@@ -18,10 +18,10 @@ bool ExistingFiles::Has(const char* path) {
 
 bool ExistingFiles::Enter(std::string_view folder) {
   if (folder != path_) {
-    folder_.Close();
     path_ = folder;
-    // access() asks with the user's own rights, which a program may have more than.
-    if (access(path_.c_str(), F_OK) == 0) folder_.Open(open(path_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    // access() checks with the real user's rights; open() may have more.
+    const bool exists = access(path_.c_str(), F_OK) == 0;
+    folder_ = FileDescriptor(exists ? open(path_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC) : -1);
   }
   return folder_.IsOpen();
 }

@@ -1,4 +1,4 @@
-// Whether files exist, asked for one after the other.
+// Checks whether files exist, one after the other.
 #ifndef CATALOGCORE_PERSIST_EXISTING_FILES_H_
 #define CATALOGCORE_PERSIST_EXISTING_FILES_H_
 
@@ -9,11 +9,11 @@
 
 namespace catalogcore {
 
-// Keeps the folder of the last path open: most paths lie in the folder of the one before, and then the system need not
-// go the way from the root to it again.
+// Keeps the folder of the last path open. Most paths are in the folder of the path before, and the system then does not
+// resolve that folder again.
 class ExistingFiles {
  public:
-  // What IsFileExistAPI says of the path. Throws std::bad_alloc.
+  // The result of IsFileExistAPI for the path, as a truth value. Throws std::bad_alloc.
   bool Has(const char* path);
 
  private:

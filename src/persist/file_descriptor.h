@@ -1,33 +1,33 @@
-// Owns an open file. What closing it says is not looked at: who writes flushes before, and hears of failures then.
+// Owns an open file or folder. Errors of close() are ignored: a writer flushes before, and gets its errors then.
 #ifndef CATALOGCORE_PERSIST_FILE_DESCRIPTOR_H_
 #define CATALOGCORE_PERSIST_FILE_DESCRIPTOR_H_
 
 #include <unistd.h>
 
+#include <utility>
+
 namespace catalogcore {
 
 class FileDescriptor {
  public:
-  // `descriptor` is what open() gave: negative if it failed.
+  // `descriptor` is the result of open(): negative on failure.
   explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
-  ~FileDescriptor() { Close(); }
-  FileDescriptor(const FileDescriptor&) = delete;
-  FileDescriptor& operator=(const FileDescriptor&) = delete;
-  // Closes what it had.
-  void Open(int descriptor) {
+  FileDescriptor(FileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+  FileDescriptor& operator=(FileDescriptor&& other) noexcept {
     Close();
-    descriptor_ = descriptor;
+    descriptor_ = std::exchange(other.descriptor_, -1);
+    return *this;
   }
+  ~FileDescriptor() { Close(); }
 
   bool IsOpen() const { return descriptor_ >= 0; }
   int Get() const { return descriptor_; }
 
+ private:
   void Close() {
-    if (descriptor_ >= 0) close(descriptor_);
-    descriptor_ = -1;
+    if (IsOpen()) close(descriptor_);
   }
 
- private:
   int descriptor_;
 };
 

@@ -68,10 +68,11 @@ bool CallsWereReached() { return reached; }
 
 extern "C" {
 int __real_open(const char* path, int flags, mode_t mode);
+int __real_openat(int folder, const char* path, int flags, mode_t mode);
 ssize_t __real_read(int file, void* bytes, size_t size);
 ssize_t __real_write(int file, const void* bytes, size_t size);
 int __real_fsync(int file);
-int __real_rename(const char* from, const char* to);
+int __real_renameat(int fromFolder, const char* from, int toFolder, const char* to);
 int __real_close(int file);
 int __real_stat(const char* path, struct stat* status);
 ssize_t __real_readlink(const char* path, char* text, size_t size);
@@ -89,6 +90,9 @@ static void RemoveStolen() {
 int __wrap_open(const char* path, int flags, mode_t mode) {
   return Fails() || IsInterrupted() ? -1 : __real_open(path, flags, mode);
 }
+int __wrap_openat(int folder, const char* path, int flags, mode_t mode) {
+  return Fails() || IsInterrupted() ? -1 : __real_openat(folder, path, flags, mode);
+}
 ssize_t __wrap_read(int file, void* bytes, size_t size) {
   return Fails() || IsInterrupted() ? -1 : __real_read(file, bytes, Shortened(size));
 }
@@ -100,9 +104,9 @@ int __wrap_fsync(int file) {
   ++flushes;
   return Fails() || IsInterrupted() ? -1 : __real_fsync(file);
 }
-int __wrap_rename(const char* from, const char* to) {
+int __wrap_renameat(int fromFolder, const char* from, int toFolder, const char* to) {
   flushesBeforeRename = flushes;
-  return Fails() ? -1 : __real_rename(from, to);
+  return Fails() ? -1 : __real_renameat(fromFolder, from, toFolder, to);
 }
 int __wrap_close(int file) {
   RemoveStolen();
