@@ -23,7 +23,7 @@ constexpr std::size_t kLongest = 200;
 std::string Reason() { return std::generic_category().message(errno); }
 
 // The file's first bytes, one more than a lock has at most.
-std::string TextOf(const OwnedDescriptor& file) {
+std::string TextOf(const FileDescriptor& file) {
   std::array<char, kLongest + 1> text{};
   const ssize_t size = pread(file.Get(), text.data(), text.size(), 0);
   return {text.data(), size > 0 ? static_cast<std::size_t>(size) : 0};
@@ -37,22 +37,22 @@ bool IsHolder(std::string_view text) {
   return digits != 0 && digits != text.npos && text.substr(digits).starts_with(kMiddle) && text.find('\n') == text.npos;
 }
 
-std::string Holder(const OwnedDescriptor& file) {
+std::string Holder(const FileDescriptor& file) {
   const std::string text = TextOf(file);
   return IsHolder(text) ? text.substr(0, text.size() - 1) : "another process";
 }
 
 // Why the open file is not a lock that this user made; empty if it is. An empty one is, if it has no other name: its
 // maker did not get to write into it.
-std::string WhyForeign(const OwnedDescriptor& file, const struct stat& status) {
+std::string WhyForeign(const FileDescriptor& file, const struct stat& status) {
   if (status.st_uid != geteuid()) return "another user's file";
   const std::string text = TextOf(file);
   const bool isOurs = text.empty() ? status.st_size == 0 && status.st_nlink == 1 : IsHolder(text);
   return isOurs ? "" : "a file of something else";
 }
 
-OwnedDescriptor OpenLock(const std::string& name) {
-  OwnedDescriptor file = OpenRegularFile(AT_FDCWD, name, O_RDWR | O_CREAT | O_NOFOLLOW);
+FileDescriptor OpenLock(const std::string& name) {
+  FileDescriptor file = OpenRegularFile(AT_FDCWD, name, O_RDWR | O_CREAT | O_NOFOLLOW);
   struct stat status {};
   const bool isKnown = file.IsOpen() && fstat(file.Get(), &status) == 0;
   const std::string problem = isKnown ? WhyForeign(file, status) : WhyNotOpened(errno);
@@ -66,7 +66,7 @@ OwnedDescriptor OpenLock(const std::string& name) {
   return file;
 }
 
-bool Lock(const OwnedDescriptor& file, int operation) {
+bool Lock(const FileDescriptor& file, int operation) {
   int result = 0;
   do {
     result = flock(file.Get(), operation);
@@ -75,14 +75,14 @@ bool Lock(const OwnedDescriptor& file, int operation) {
 }
 
 // That a lock cannot be read by the next one is no reason to fail.
-void WriteHolder(const OwnedDescriptor& file, const std::string& command) {
+void WriteHolder(const FileDescriptor& file, const std::string& command) {
   const std::string holder =
       std::string(kBegin) + std::to_string(getpid()) + std::string(kMiddle) + command + std::string(kEnd);
   const bool isWritten = ftruncate(file.Get(), 0) == 0 && pwrite(file.Get(), holder.data(), holder.size(), 0) > 0;
   static_cast<void>(isWritten);
 }
 
-OwnedDescriptor OpenLockIn(const std::filesystem::path& folder) {
+FileDescriptor OpenLockIn(const std::filesystem::path& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
   if (error) throw CatalogError("cannot make " + folder.string() + ": " + error.message());

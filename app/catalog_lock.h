@@ -22,7 +22,7 @@ class CatalogLock {
   CatalogLock(const std::filesystem::path& folder, const std::string& command, const Waiting& waiting);
 
  private:
-  OwnedDescriptor file_;
+  FileDescriptor file_;
 };
 
 }  // namespace catalogcore::app

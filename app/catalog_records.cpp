@@ -17,7 +17,7 @@ constexpr std::int32_t kGroupFactor = 100;  // two decimal digits a level
 
 // The whole file; empty if it is not there.
 std::string ReadFile(const std::filesystem::path& name) {
-  const OwnedDescriptor file = OpenRegularFile(AT_FDCWD, name, O_RDONLY);
+  const FileDescriptor file = OpenRegularFile(AT_FDCWD, name, O_RDONLY);
   if (file.IsOpen()) return ReadWholeFile(file);
   if (errno == ENOENT) return {};
   throw std::runtime_error(WhyNotOpened(errno));

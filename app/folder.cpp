@@ -2,24 +2,21 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/file.h>
 
-#include <algorithm>
-#include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
+
+#include "persist/temporary_file.h"
 
 namespace catalogcore::app {
 namespace {
 
 namespace fs = std::filesystem;
 
-// A temporary file is called ".catalogcore-PID-COUNT". While its writer lives it is locked.
-constexpr std::string_view kTemporary = ".catalogcore-";
-constexpr std::string_view kDigits = "0123456789";
+constexpr char kTemporary[] = ".catalogcore-";
 
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
@@ -27,8 +24,8 @@ struct CloseFolder {
   void operator()(DIR* folder) const { closedir(folder); }
 };
 
-// The process's umask, which cannot be read without being set. Whatever another thread makes meanwhile is for its owner
-// alone.
+// The process's umask. Reading the umask means setting it; a file that another thread creates at that moment is for its
+// owner alone.
 mode_t Umask() {
   static const mode_t mask = [] {
     const mode_t before = umask(0077);
@@ -38,49 +35,35 @@ mode_t Umask() {
   return mask;
 }
 
-OwnedDescriptor OpenMade(const fs::path& path) {
+FileDescriptor OpenMade(const fs::path& path) {
   std::error_code error;
   fs::create_directories(path, error);
   if (error) throw std::runtime_error("cannot make the folder " + path.string() + ": " + error.message());
-  OwnedDescriptor folder(open(path.c_str(), kFolderFlags));
+  FileDescriptor folder(open(path.c_str(), kFolderFlags));
   if (folder.IsOpen()) return folder;
   error.assign(errno, std::generic_category());
   throw std::runtime_error("cannot read the folder " + path.string() + ": " + error.message());
 }
 
-// 0, or errno.
-int WriteAll(const OwnedDescriptor& file, std::string_view content) {
-  while (!content.empty()) {
-    const ssize_t count = write(file.Get(), content.data(), content.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) return errno;
-    content.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return 0;
-}
-
-// Some file systems know no permissions, and refuse this.
-void SetPermissions(const OwnedDescriptor& file, mode_t mode) {
-  [[maybe_unused]] const int result = fchmod(file.Get(), mode);
-}
+// Errors are ignored: some file systems have no permissions.
+void SetPermissions(int file, mode_t mode) { [[maybe_unused]] const int result = fchmod(file, mode); }
 
 }  // namespace
 
 mode_t Readers::Limit(gid_t group) const {
   mode_t mode = mode_ & 0066;
-  // Of another group's members nothing is known: they may do what everybody may.
+  // The members of another group are unknown, and get the permissions of everybody.
   if (group_ && *group_ != group) mode &= ((mode & 0006) << 3) | 0006;
   return 0600 | mode;
 }
 
-Folder::Folder(OwnedDescriptor descriptor, fs::path path)
-    : path_(std::move(path)), descriptor_(std::move(descriptor)) {}
+Folder::Folder(FileDescriptor descriptor, fs::path path) : path_(std::move(path)), descriptor_(std::move(descriptor)) {}
 
 Folder::Folder(const fs::path& path) : Folder(OpenMade(path), path) {}
 
 Folder Folder::Inner(const std::string& name) const {
   if (mkdirat(Descriptor(), name.c_str(), 0777) != 0 && errno != EEXIST) Fail("make", name, errno);
-  OwnedDescriptor inner(openat(Descriptor(), name.c_str(), kFolderFlags | O_NOFOLLOW));
+  FileDescriptor inner(openat(Descriptor(), name.c_str(), kFolderFlags | O_NOFOLLOW));
   if (inner.IsOpen()) return {std::move(inner), path_ / name};
   if (errno != ENOTDIR && errno != ELOOP) Fail("read", name, errno);
   throw std::runtime_error("cannot write into " + (path_ / name).string() +
@@ -88,13 +71,13 @@ Folder Folder::Inner(const std::string& name) const {
 }
 
 std::optional<Folder> Folder::FindInner(const std::string& name) const {
-  OwnedDescriptor inner(openat(Descriptor(), name.c_str(), kFolderFlags | O_NOFOLLOW));
+  FileDescriptor inner(openat(Descriptor(), name.c_str(), kFolderFlags | O_NOFOLLOW));
   if (!inner.IsOpen()) return std::nullopt;
   return Folder(std::move(inner), path_ / name);
 }
 
 std::vector<std::string> Folder::Names() const {
-  // A description of its own, so that each reads from the start.
+  // A new open file description, so that reading starts at the first entry.
   const std::unique_ptr<DIR, CloseFolder> entries(fdopendir(openat(Descriptor(), ".", kFolderFlags)));
   if (!entries) Fail("read", "", errno);
   std::vector<std::string> names;
@@ -112,61 +95,28 @@ std::optional<struct stat> Folder::FindFile(const std::string& name) const {
 }
 
 void Folder::Replace(const std::string& name, std::string_view content, const Readers& readers) const {
-  std::string temporary;
-  const OwnedDescriptor file = CreateTemporary(temporary);
-  if (!file.IsOpen()) Fail("write", name, errno);
-  int why = WriteAll(file, content);
+  TemporaryFile file(Descriptor(), kTemporary, 0600);
+  if (!file.IsOpen() || !WriteAll(file.Descriptor(), content)) Fail("write", name, errno);
   struct stat status {};
-  if (why == 0 && fstat(file.Get(), &status) == 0) {
-    SetPermissions(file, readers.Limit(status.st_gid) & ~Umask());
+  if (fstat(file.Descriptor(), &status) == 0) {
+    SetPermissions(file.Descriptor(), readers.Limit(status.st_gid) & ~Umask());
   }
-  if (why == 0 && renameat(Descriptor(), temporary.c_str(), Descriptor(), name.c_str()) != 0) why = errno;
-  if (why == 0) return;
-  Remove(temporary);
-  Fail("write", name, why);
-}
-
-// For nobody else until it is whole.
-OwnedDescriptor Folder::CreateTemporary(std::string& name) const {
-  static std::atomic<unsigned> count{0};
-  for (;;) {
-    name = std::string(kTemporary) + std::to_string(getpid()) + '-' + std::to_string(++count);
-    OwnedDescriptor file = OpenRegularFile(Descriptor(), name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
-    if (!file.IsOpen() && (errno == EEXIST || errno == EINTR)) continue;
-    struct stat status {};
-    if (!file.IsOpen()) return file;
-    flock(file.Get(), LOCK_EX | LOCK_NB);
-    if (fstat(file.Get(), &status) != 0 || status.st_nlink > 0) return file;  // else taken for a leftover
-  }
+  if (!file.Rename(name)) Fail("write", name, errno);
 }
 
 void Folder::Restrict(const std::string& name, const Readers& readers) const {
-  const OwnedDescriptor file = OpenRegularFile(Descriptor(), name, O_RDONLY | O_NOFOLLOW);
+  const FileDescriptor file = OpenRegularFile(Descriptor(), name, O_RDONLY | O_NOFOLLOW);
   struct stat status {};
   if (!file.IsOpen() || fstat(file.Get(), &status) != 0) return;
   const mode_t wider = status.st_mode & 0077 & ~readers.Limit(status.st_gid);
-  if (wider != 0) SetPermissions(file, status.st_mode & 07777 & ~wider);
+  if (wider != 0) SetPermissions(file.Get(), status.st_mode & 07777 & ~wider);
 }
 
 void Folder::Remove(const std::string& name) const { unlinkat(Descriptor(), name.c_str(), 0); }
 
-void Folder::RemoveLeftovers() const {
-  for (const std::string& name : Names()) {
-    if (!IsTemporary(name)) continue;
-    const OwnedDescriptor file = OpenRegularFile(Descriptor(), name, O_RDONLY | O_NOFOLLOW);
-    if (file.IsOpen() && flock(file.Get(), LOCK_EX | LOCK_NB) == 0) Remove(name);
-  }
-}
+void Folder::RemoveLeftovers() const { TemporaryFile::RemoveLeftovers(Descriptor(), kTemporary); }
 
-bool Folder::IsTemporary(std::string_view name) {
-  if (!name.starts_with(kTemporary)) return false;
-  name.remove_prefix(kTemporary.size());
-  const std::size_t dash = name.find('-');
-  const auto isNumber = [](std::string_view text) {
-    return !text.empty() && text.find_first_not_of(kDigits) == text.npos;
-  };
-  return dash != name.npos && isNumber(name.substr(0, dash)) && isNumber(name.substr(dash + 1));
-}
+bool Folder::IsTemporary(std::string_view name) { return TemporaryFile::IsTemporaryName(kTemporary, name); }
 
 void Folder::Fail(const std::string& verb, const std::string& name, int code) const {
   throw std::runtime_error("cannot " + verb + ' ' + (name.empty() ? path_ : path_ / name).string() + ": " +

@@ -1,5 +1,5 @@
-// A folder that the program writes into, by descriptor: what is made, replaced or removed in it is in it, wherever its
-// name leads meanwhile. Links below it are never followed. Names here are those of single entries, without a slash.
+// A folder that the program writes into, by descriptor: files are created, replaced and removed in this folder even when
+// its path changes meanwhile. Links below the folder are never followed. Names are those of single entries, without a "/".
 #ifndef CATALOGCORE_APP_FOLDER_H_
 #define CATALOGCORE_APP_FOLDER_H_
 
@@ -15,13 +15,13 @@
 
 namespace catalogcore::app {
 
-// Who may read a file besides its owner. A file that is made from another is no more readable than that one.
+// Who may read a file besides its owner. A file that is made from another file is not more readable than that file.
 class Readers {
  public:
   Readers() = default;  // everybody
   explicit Readers(const struct stat& status) : mode_(status.st_mode), group_(status.st_gid) {}
 
-  // The widest permissions of a file of our own that belongs to `group`.
+  // The widest permissions of a new file that belongs to `group`.
   mode_t Limit(gid_t group) const;
 
  private:
@@ -31,14 +31,14 @@ class Readers {
 
 class Folder {
  public:
-  // Makes the folder, and those above it, if it is not there. Links in the path are followed: a person has named it.
-  // Throws std::runtime_error.
+  // Creates the folder and its parents if missing. Links in the path are followed, since a person named the path. Throws
+  // std::runtime_error.
   explicit Folder(const std::filesystem::path& path);
 
-  // The folder of that name in this one, made if it is not there. Throws std::runtime_error, if it is a link, too.
+  // The folder of that name in this folder, created if missing. Throws std::runtime_error, also when the name is a link.
   Folder Inner(const std::string& name) const;
 
-  // The same, without making it. Nothing if it is missing, a link, or not a folder.
+  // The folder of that name in this folder. Empty if it is missing, a link, or not a folder.
   std::optional<Folder> FindInner(const std::string& name) const;
 
   const std::filesystem::path& Path() const { return path_; }
@@ -47,34 +47,33 @@ class Folder {
   // Throws std::runtime_error.
   std::vector<std::string> Names() const;
 
-  // The status of the regular file of that name. Nothing if it is missing, a link, or not a regular file.
+  // The status of the regular file of that name. Empty if it is missing, a link, or not a regular file.
   std::optional<struct stat> FindFile(const std::string& name) const;
 
-  // Writes the content to a temporary file of a unique name in the folder and renames it to `name`, so that a file of
-  // that name is the old or the new one, whole. A link of that name is replaced. The file's permissions are those that
-  // the umask and the readers allow. Nothing is flushed to the disk. Throws std::runtime_error, which names the file.
+  // Writes the content to a temporary file in the folder and renames the temporary file to `name`, so that readers see the
+  // old file or the new file, each whole. A link of that name is replaced. The new file has the permissions that both the
+  // umask and the readers allow. Nothing is flushed to the disk. Throws std::runtime_error, which names the file.
   void Replace(const std::string& name, std::string_view content, const Readers& readers) const;
 
-  // Takes a regular file from those who are not among the readers.
+  // Removes the permissions of a regular file that the readers do not allow.
   void Restrict(const std::string& name, const Readers& readers) const;
 
-  // Removes a file or a link; goes on if that cannot be done.
+  // Removes a file or a link. Errors are ignored.
   void Remove(const std::string& name) const;
 
-  // Removes the temporary files that an interrupted writer left.
+  // Removes the temporary files of interrupted writers.
   void RemoveLeftovers() const;
 
-  // Whether a name is one that a temporary file may have.
+  // Whether a temporary file of this class may have the name.
   static bool IsTemporary(std::string_view name);
 
  private:
-  Folder(OwnedDescriptor descriptor, std::filesystem::path path);
+  Folder(FileDescriptor descriptor, std::filesystem::path path);
 
   [[noreturn]] void Fail(const std::string& verb, const std::string& name, int code) const;
-  OwnedDescriptor CreateTemporary(std::string& name) const;
 
   std::filesystem::path path_;  // for messages
-  OwnedDescriptor descriptor_;
+  FileDescriptor descriptor_;
 };
 
 }  // namespace catalogcore::app

@@ -9,13 +9,13 @@
 
 namespace catalogcore::app {
 
-OwnedDescriptor OpenRegularFile(int folder, const std::string& name, int flags) {
-  OwnedDescriptor file(openat(folder, name.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0600));
+FileDescriptor OpenRegularFile(int folder, const std::string& name, int flags) {
+  FileDescriptor file(openat(folder, name.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0600));
   struct stat status {};
-  if (!file.IsOpen() || fstat(file.Get(), &status) != 0) return OwnedDescriptor(-1);
+  if (!file.IsOpen() || fstat(file.Get(), &status) != 0) return FileDescriptor(-1);
   if (S_ISREG(status.st_mode)) return file;
   errno = ENXIO;  // as open() has it of a socket
-  return OwnedDescriptor(-1);
+  return FileDescriptor(-1);
 }
 
 std::string WhyNotOpened(int code) {
@@ -24,7 +24,7 @@ std::string WhyNotOpened(int code) {
   return std::generic_category().message(code);
 }
 
-std::string ReadWholeFile(const OwnedDescriptor& file) {
+std::string ReadWholeFile(const FileDescriptor& file) {
   std::string content;
   std::array<char, 65536> piece{};
   for (;;) {

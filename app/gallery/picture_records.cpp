@@ -37,7 +37,7 @@ PictureRecord FromJson(const Json& json) {
   return record;
 }
 
-PictureRecords ReadRecords(const OwnedDescriptor& file, const std::string& name) try {
+PictureRecords ReadRecords(const FileDescriptor& file, const std::string& name) try {
   const Json json = Json::parse(ReadWholeFile(file));
   PictureRecords records;
   if (json.at("format") != kFormat) return records;
@@ -57,7 +57,7 @@ bool IsCopyName(std::string_view name) {
 }
 
 PictureRecords OpenRecords(const Folder& folder, const Readers& readers) {
-  const OwnedDescriptor file = OpenRegularFile(folder.Descriptor(), kGalleryMark, O_RDONLY | O_NOFOLLOW);
+  const FileDescriptor file = OpenRegularFile(folder.Descriptor(), kGalleryMark, O_RDONLY | O_NOFOLLOW);
   const std::string name = (folder.Path() / kGalleryMark).string();
   if (file.IsOpen()) return ReadRecords(file, name);
   if (errno != ENOENT) {
