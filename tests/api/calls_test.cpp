@@ -1,8 +1,10 @@
-// What the random calls beside (random_calls_test.cpp) do not reach: the codec, odd arguments, and what is written where.
+// Cases that the random calls (random_calls_test.cpp) do not reach: the codec, invalid arguments, and fields of records.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <thread>
+#include <tuple>
 
 #include "api/catalogue.h"
 #include "api/index_number.h"
@@ -26,33 +28,34 @@ class CallsTest : public testing::Test {
 };
 
 TEST(IndexNumber, StandsForAPathAndBack) {
-  const struct {
-    int number;
-    const char* path;
-    int back;
-  } cases[] = {{1000000, "1", 1000000},
-               {29101010, "29/10/10/10", 29101010},
-               {1000100, "1", 1000000},
-               {-1, ".", -1},
-               {99999999, "99/99/99/99", 99999999}};
-  for (const auto& [number, path, back] : cases) {
+  for (const auto& [number, path] :
+       {std::pair{1000000, "1"}, {29101010, "29/10/10/10"}, {1100000, "1/10"}, {-1, "."}, {99999999, "99/99/99/99"}}) {
     CIDXString text;
     int result = 0;
     EXPECT_GE(ConvertINTtoPath(text, number, 2), 0);
     EXPECT_STREQ(text.Text(), path);
     ConvertPathtoINT(result, text, 4, 2);
-    EXPECT_EQ(result, back);
+    EXPECT_EQ(result, number);
+    EXPECT_EQ(IndexPath(number), path);
+    EXPECT_EQ(NumberOfIndexPath(path), number);
   }
+  EXPECT_EQ(IndexPath(1000100), "1");  // a group of 0 ends the path
   Key unchanged("x");
-  for (const int number : {0, 999999, 100000000, -2, INT_MIN, INT_MAX})
+  for (const int number : {0, 999999, 100000000, INT_MIN, INT_MAX}) {
     EXPECT_EQ(ConvertINTtoPath(unchanged, number, 2), -1);
+    EXPECT_EQ(IndexPath(number), "");
+  }
   EXPECT_STREQ(unchanged.Text(), "x");
-  int number = 0;
-  EXPECT_EQ(ConvertPathtoINT(number, Key("1/1/2/3/4"), 4, 2), 4);
-  EXPECT_EQ(number, 101020304);
-  EXPECT_EQ(ConvertPathtoINT(number, Key("1/x"), 4, 2), 0);
-  EXPECT_EQ(number, 1000000);
-  EXPECT_EQ(ConvertPathtoINT(number, Key("99999999999/1/1/1/1/1/1/1/1"), 4, 2), 1);  // wraps
+  const std::tuple<const char*, int, int> oddPaths[] = {
+      {"1/1/2/3/4", 101020304, 4}, {"1/x", 1000000, 0}, {"1/100", 2000000, 100}, {"x", 0, 0}, {"1/01", 1010000, 1}};
+  for (const auto& [path, number, last] : oddPaths) {
+    int result = 0;
+    EXPECT_EQ(ConvertPathtoINT(result, Key(path), 4, 2), last);
+    EXPECT_EQ(result, number);
+    EXPECT_EQ(NumberOfIndexPath(path), 0) << path;
+  }
+  int wrapped = 0;
+  EXPECT_EQ(ConvertPathtoINT(wrapped, Key("99999999999/1/1/1/1/1/1/1/1"), 4, 2), 1);
 }
 
 TEST(StoreStatus, MapsEveryCode) {
@@ -62,13 +65,12 @@ TEST(StoreStatus, MapsEveryCode) {
   EXPECT_EQ(ConvertErrorCode(5, 100), 105u);
 }
 
-TEST(FilePath, IsCutAtItsLastSlash) {
+TEST(FilePath, EndsAtItsLastSlash) {
   CIDXString folder;
   EXPECT_EQ(ExtractFilePath(folder, Key("/a/b.jpg")), 1);
-  EXPECT_STREQ(folder.Text(), "/a");
   EXPECT_EQ(ExtractFilePath(folder, Key("b.jpg")), 0);
   EXPECT_STREQ(folder.Text(), "/a");
-  for (const auto& [key, norm] : {std::pair{"//x", "s:x"}, {"//", "s:"}, {"/x", "/x"}, {"/", "/"}, {"", ""}}) {
+  for (const auto& [key, norm] : {std::pair{"//x", "s:x"}, {"//", "s:"}, {"/x", "/x"}, {"", ""}}) {
     Key text(key);
     EXPECT_EQ(NormFilePathKey(text), 1);
     EXPECT_STREQ(text.Text(), norm);
@@ -90,10 +92,24 @@ TEST(Lifecycle, NothingWorksBeforeAndEverythingIsGoneAfter) {
   EXPECT_EQ(IDXAddImage(&item), IDX_OK);
   EXPECT_EQ(OnName(IDXSetFilePath, "/tmp/"), IDX_OK);
   EXPECT_STREQ(g_strFilePath.Text(), "/tmp//");
+  const IDXFIND images = IDXFindFirstImage(&Item().Operation(0), nullptr),
+                indexes = IDXFindFirstIndex(&Item().Operation(0), nullptr);
+  EXPECT_EQ(IDXFindNextIndex(indexes, nullptr), IDXERR_PARAM);
   EXPECT_EQ(IDXSetFilePath(nullptr), IDXERR_PARAM);
   ASSERT_EQ(IDXInitialize(), IDX_OK);
   EXPECT_STREQ(g_strFilePath.Text(), "");
   EXPECT_EQ(IDXSearchImage(&item), IDXERR_NOIMAGE);
+  EXPECT_EQ(IDXFindNextImage(images, &item), IDXERR_NOIMAGE);  // finds of the earlier catalogue
+  EXPECT_EQ(IDXFindNextIndex(indexes, &item), IDXERR_NOINDEX);
+  EXPECT_EQ(IDXCloseFind(images) + IDXCloseFind(indexes) + IDXCloseFind(nullptr), IDX_OK);
+
+  EXPECT_EQ(IDXAddImage(&item), IDX_OK);
+  const IDXFIND open = IDXFindFirstImage(&Item().Operation(0), nullptr);
+  EXPECT_EQ(IDXRemoveImage(&item), IDX_OK);
+  EXPECT_EQ(StoreInspector(*idData).Waiting(), 1u);
+  IDXCloseFind(open);
+  IDXSearchImage(&item);
+  EXPECT_EQ(StoreInspector(*idData).Waiting(), 0u);  // every call deletes removed entries that no find needs
   IDXUninitialize();
 }
 
@@ -104,7 +120,7 @@ TEST_F(CallsTest, ResultsAreWrittenWhereTheyAreWanted) {
   item.index = 5;
   EXPECT_EQ(IDXSearchImage(&item), IDX_OK);
   EXPECT_EQ(item.index, 5);
-  // Without IDXOP_GETINFO a find tells nothing but that there is one, and an added index not its number.
+  // Without IDXOP_GETINFO no field is written.
   ASSERT_EQ(AddImage("/a/c", 1010000), IDX_OK);
   Item untouched;
   untouched.Name("n").Path("p").Index(1000000).Attribute(3);
@@ -135,7 +151,7 @@ TEST_F(CallsTest, AddedIndexesTakeTheLowestFreeNumber) {
   EXPECT_EQ(add(1000000, "one more", IDXERR_INDEXFULL), 1000000);
   EXPECT_EQ(IDXRemoveIndex(&Item().Index(1130000)), IDX_OK);
   EXPECT_EQ(add(1000000, "N3", IDX_OK), 1130000);
-  // Not below a fourth level that only a file can have, where the number would wrap into the range.
+  // A fourth level whose next number would wrap into the range. Only a file can have such a level.
   ASSERT_EQ(idData->AddCell(kIndexTree, Key("43/10/10/10"), Key("x"), 0), StoreOk);
   EXPECT_EQ(add(43101010, "5", IDXERR_PARAM), 43101010);
 }
@@ -144,7 +160,7 @@ TEST_F(CallsTest, PresetNamesCarryOverToTheNextEntry) {
   CFStringRef names[] = {Item::Make("Root"), Item::Make("Photos"), Item::Make(""), nullptr, Item::Make("Docs")};
   const IDXSTR variables[] = {&names[0], &names[1], &names[2], &names[3], &names[4]};
   const std::int32_t numbers[] = {5, 1000000, 99, 2000000, 3000000};
-  EXPECT_EQ(IDXSetPresetIndexName(variables, numbers, 5), IDXERR_PARAM);  // 3000000 is not there
+  EXPECT_EQ(IDXSetPresetIndexName(variables, numbers, 5), IDXERR_PARAM);  // 3000000 is missing
   const auto nameOf = [](std::int32_t number) {
     Item item;
     IDXSearchIndex(&item.Index(number).Name("?"));
@@ -157,27 +173,27 @@ TEST_F(CallsTest, PresetNamesCarryOverToTheNextEntry) {
   for (CFStringRef name : names) CFRelease(name);
 }
 
-TEST_F(CallsTest, FoldersAndBucketsAreWalkedInside) {
+TEST_F(CallsTest, InternalCallsFindFoldersAndBuckets) {
   ASSERT_EQ(AddImage("/Volumes/card/a", 1010000), IDX_OK);
   ASSERT_EQ(AddImage("/p/b", 1010000), IDX_OK);
-  const auto walk = [](Item& item) {
-    std::vector<std::string> folders;
+  const auto find = [](Item& item) {
+    std::string folders;
     IDXSTATUS status = 99;
-    const IDXFIND find = IDXFindFirstPath(&item.Operation(IDXOP_GETINFO | IDXOP_CONDITION), &status);
-    EXPECT_EQ(status, find ? IDX_OK : IDXERR_NOINDEX);
-    if (find) do
-        folders.push_back(item.PathText());
-      while (IDXFindNextPath(find, &item.Clear()) == IDX_OK);
-    IDXCloseFind(find);
+    const IDXFIND handle = IDXFindFirstPath(&item.Operation(IDXOP_GETINFO | IDXOP_CONDITION), &status);
+    EXPECT_EQ(status, handle ? IDX_OK : IDXERR_NOINDEX);
+    for (bool isFound = handle; isFound; isFound = IDXFindNextPath(handle, &item.Clear()) == IDX_OK) {
+      folders += item.PathText() + ";";
+    }
+    IDXCloseFind(handle);
     return folders;
   };
-  using Folders = std::vector<std::string>;
   Item everything, unmounted, missing;
-  EXPECT_EQ(walk(unmounted.Path("/")), Folders({"", "/p"}));
-  EXPECT_EQ(walk(missing.Path("/q")), Folders());
-  std::thread([] { AddImage("/p/c", 1010000); }).join();  // the region is free after the missing one
-  everything.mask = 0;
-  EXPECT_EQ(walk(everything).size(), 4u);
+  everything.Path("").mask = 0;
+  EXPECT_EQ(find(unmounted.Path("/")), ";/p;");
+  EXPECT_EQ(find(missing.Path("/q")), "");
+  std::thread([] { AddImage("/p/c", 1010000); }).join();  // the lock is free after a find that finds nothing
+  const std::string folders = find(everything);
+  EXPECT_EQ(std::count(folders.begin(), folders.end(), ';'), 4);
 
   CFStringRef out = nullptr;
   EXPECT_EQ(IDXFindFirstHash(1987, &out) + IDXFindFirstHash(-1, &out), 0);

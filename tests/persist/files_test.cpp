@@ -43,6 +43,7 @@ namespace {
 namespace fs = std::filesystem;
 
 using Load = IDXSTATUS (*)(IDXSTR);
+constexpr Load kFileCalls[] = {IDXLoadIndexFile, IDXLoadImageFile, IDXWriteIndexFile, IDXWriteImageFile};
 
 class FilesTest : public testing::Test {
  protected:
@@ -168,7 +169,7 @@ TEST_F(FilesTest, WhatIsNoCatalogueFileStaysAsItIs) {
   EXPECT_EQ(Call(IDXWriteIndexFile), IDX_OK);  // a value of another kind is replaced
   SetContent(head + "<dict><key>IDXIndex</key><data></data></dict></plist>");
   EXPECT_EQ(Call(IDXLoadIndexFile), IDXERR_NODATA);
-  for (const Load call : {IDXLoadIndexFile, IDXLoadImageFile, IDXWriteIndexFile, IDXWriteImageFile}) {
+  for (const Load call : kFileCalls) {
     EXPECT_EQ(call(nullptr), IDXERR_PARAM);
     EXPECT_EQ(Call(call, ""), IDXERR_FAILED);  // the directory itself
   }
@@ -277,50 +278,44 @@ TEST_F(FilesTest, AppendBeyondTheLongestPayloadFails) {
   EXPECT_EQ(full.Length(), kMost - kRecord);
 }
 
-// Whatever a file holds, it costs memory and time in proportion to its size alone.
+std::string Repeated(int count, const std::string& part) {
+  std::string text;
+  while (count-- > 0) text += part;
+  return text;
+}
+
+// The memory and time that a file costs are in proportion to its size.
 TEST_F(FilesTest, HostileFileCostsNoMoreThanItsSizeAllows) {
   constexpr std::size_t kSize = std::size_t{1} << 19;
   constexpr long kMostTimes = 512;
   constexpr rlim_t kMostSeconds = 5;
-  const auto times = [](int count, const std::string& part) {
-    std::string text;
-    while (count-- > 0) text += part;
-    return text;
-  };
   const auto filled = [](auto part) {
     std::string text;
     for (int i = 0; text.size() < kSize; ++i) text += part(i);
     return text;
   };
-  const auto inDictionary = [](const std::string& xml) { return "<plist><dict>" + xml + "</dict></plist>"; };
-  const std::string levels63 = times(63, "/a");
-  const std::string payloads[] = {
-      filled([&](int i) { return std::to_string(i) + times(1000, "/a") + ",0,x\n"; }),
-      filled([&](int i) { return std::to_string(i) + levels63 + ",0,x\n"; }),
-      "1" + levels63 + ",0," + std::string(kSize, 'x'),
-      filled([](int i) {  // one key but for letter case
-        std::string key(20, 'a');
-        for (std::size_t bit = 0; bit < key.size(); ++bit) key[bit] = i >> bit & 1 ? 'A' : 'a';
-        return key + ",0,x\n";
-      }),
-      filled([&](int i) {  // folders as deep as they may be, all of them there
-        std::string path;
-        for (int bit = 0; bit < 16; ++bit) path += i >> bit & 1 ? "/.." : "/.";
-        return "1,0," + path + times(490, "/.") + "/dev/null\n";
-      }),
+  const std::string levels63 = Repeated(63, "/a");
+  const auto bits = [](int i, int count, const char* zero, const char* one) {
+    std::string text;
+    for (int bit = 0; bit < count; ++bit) text += i >> bit & 1 ? one : zero;
+    return text;
   };
   std::vector<std::string> files = {
       "<plist>" + filled([](int) { return "<array>"; }),
-      inDictionary("<key>k</key>" + times(510, "<array>") + filled([](int) { return "<dict/>"; }) +
-                   times(510, "</array>")),
-      inDictionary("<key>IDXIndex</key><data>" + std::string(kSize, ' ') + "</data>"),
-      inDictionary(filled([](int i) { return "<key>" + std::to_string(i) + "</key><data/>"; })),
-      "<!DOCTYPE plist [<!ENTITY e0 \"" + std::string(1000, 'x') + "\">" + filled([&](int i) {
-        return "<!ENTITY e" + std::to_string(i + 1) + " \"" + times(10, "&e" + std::to_string(i) + ";") + "\">";
-      }) + "]><plist><string>&e1000;</string></plist>",
-  };
-  for (const CFStringRef key : {CATALOGCORE_INDEX_KEY, CATALOGCORE_IMAGE_KEY}) {
-    for (const std::string& payload : payloads) {
+      "<plist><dict><key>k</key>" + Repeated(510, "<array>") + filled([](int) { return "<dict/>"; }) +
+          Repeated(510, "</array>") + "</dict></plist>",
+      "<plist><dict><key>IDXIndex</key><data>" + std::string(kSize, ' ') + "</data></dict></plist>",
+      "<plist><dict>" + filled([](int i) { return "<key>" + std::to_string(i) + "</key><data/>"; }) + "</dict></plist>",
+      "<!DOCTYPE plist [<!ENTITY e0 'x'>" + filled([](int i) {
+        return "<!ENTITY e" + std::to_string(i + 1) + " '" + Repeated(10, "&e" + std::to_string(i) + ";") + "'>";
+      }) + "]><plist><string>&e1000;</string></plist>"};
+  for (const std::string& payload :
+       {filled([](int i) { return std::to_string(i) + Repeated(1000, "/a") + ",0,x\n"; }),
+        filled([&](int i) { return std::to_string(i) + levels63 + ",0,x\n"; }),
+        "1" + levels63 + ",0," + std::string(kSize, 'x'),
+        filled([&](int i) { return bits(i, 20, "a", "A") + ",0,x\n"; }),
+        filled([&](int i) { return "1,0," + bits(i, 16, "/.", "/..") + Repeated(490, "/.") + "/dev/null\n"; })}) {
+    for (const CFStringRef key : {CATALOGCORE_INDEX_KEY, CATALOGCORE_IMAGE_KEY}) {
       fs::remove(folder_ / "file");
       SetPayload(key, "CatalogCoreVer1.0\n" + payload);
       files.push_back(Content());
@@ -334,7 +329,7 @@ TEST_F(FilesTest, HostileFileCostsNoMoreThanItsSizeAllows) {
       setrlimit(RLIMIT_CPU, &limit);
       rusage before{}, after{};
       getrusage(RUSAGE_SELF, &before);
-      for (const Load call : {IDXLoadIndexFile, IDXLoadImageFile, IDXWriteIndexFile, IDXWriteImageFile}) Call(call);
+      for (const Load call : kFileCalls) Call(call);
       getrusage(RUSAGE_SELF, &after);
       const long most = kMostTimes * static_cast<long>(content.size() >> 10);
       EXPECT_TRUE(IS_SANITIZED || after.ru_maxrss - before.ru_maxrss <= most) << after.ru_maxrss - before.ru_maxrss;

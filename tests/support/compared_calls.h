@@ -1,5 +1,5 @@
-// The exported calls on the library and on the model side by side, with records made wrong in every way and walks open
-// across them. What differs is a failed expectation.
+// Makes the same calls on the library and on the model, with valid and invalid records, and compares the results. A
+// difference is a failed expectation.
 #ifndef CATALOGCORE_TESTS_SUPPORT_COMPARED_CALLS_H_
 #define CATALOGCORE_TESTS_SUPPORT_COMPARED_CALLS_H_
 
@@ -22,29 +22,26 @@ namespace catalogcore {
 
 class ComparedCalls {
  public:
-  // Gives a number from 0 to `limit` - 1: random ones, or what a fuzzer likes to try.
+  // Returns a number from 0 to `limit` - 1: a random number, or the choice of a fuzzer.
   using Choose = std::function<int(int limit)>;
 
-  // Begins the library anew. `names` are those of images and indexes: valid UTF-8 without line feeds, and short.
+  // Initialises the library. `names` of images and indexes: short, valid UTF-8, without line feeds.
   ComparedCalls(Choose choose, Keys names) : choose_(std::move(choose)), names_(std::move(names)) {
     AddPresets(model_);
     EXPECT_EQ(IDXInitialize(), IDX_OK);
   }
-  ~ComparedCalls() {
-    IDXUninitialize();
-    EndWalks(0);
-  }
+  ~ComparedCalls() { IDXUninitialize(); }
   ComparedCalls(const ComparedCalls&) = delete;
   ComparedCalls& operator=(const ComparedCalls&) = delete;
 
-  // The indexes that the library begins with.
+  // Adds the preset indexes.
   static void AddPresets(CatalogueModel& model) {
     for (const std::int32_t number : kaPresetIndex) {
       model.AddCell(kIndexTree, PathOf(number), "idx" + std::to_string(number), 7);
     }
   }
 
-  // One call, and all that can be seen of the catalogue afterwards.
+  // Makes one call, and compares the whole catalogue afterwards.
   void Step() {
     Item item;
     const std::string name = choose_(12) ? Any(names_) : Any({"", "none", "/"});
@@ -106,15 +103,12 @@ class ComparedCalls {
     if (kind == 5) Same("IDXChangeIndex", IDXChangeIndex(&item), indexStatus, changeIndex);
     if (kind == 6) Same("IDXRemoveIndex", IDXRemoveIndex(&item), indexStatus, removeIndex);
     if (kind == 7) Search(name, number);
-    if (kind == 8) Begin(choose_(2) ? number : 0, choose_(3) ? folder : "");
-    for (OpenWalk& walk : walks_) {
-      if (choose_(4) == 0) Advance(walk);
-    }
+    if (kind == 8) Find(choose_(3) != 0, choose_(2) ? number : 0, choose_(3) ? folder : "");
     EXPECT_EQ(StateOf(*idData), model_.State()) << log_;
     EXPECT_EQ(BrokenInvariant(*idData), "") << log_;
   }
 
-  // Writes to the folder, begins anew and loads; the model does what loading is to do with the records written.
+  // Writes both files to the folder, initialises the library again and loads the files. The model loads the same records.
   void WriteAndLoad(const std::string& folder) {
     CatalogueModel loaded;
     const CatalogueState before = model_.State();
@@ -133,7 +127,6 @@ class ComparedCalls {
     EXPECT_EQ(OnName(IDXWriteIndexFile, "index.plist"), IDX_OK);
     EXPECT_EQ(OnName(IDXWriteImageFile, "images.plist"), IDX_OK);
     EXPECT_EQ(IDXInitialize(), IDX_OK);
-    EndWalks(walks_.size() / 2);
     EXPECT_EQ(OnName(IDXSetFilePath, folder), IDX_OK);
     EXPECT_EQ(OnName(IDXLoadIndexFile, "index.plist"), IDX_OK);
     EXPECT_EQ(OnName(IDXLoadImageFile, "images.plist"), IDX_OK);
@@ -147,7 +140,7 @@ class ComparedCalls {
   }
   std::string Any(const Keys& keys) { return keys[static_cast<std::size_t>(choose_(static_cast<int>(keys.size())))]; }
 
-  // `bad`: what is wrong with the record; without it the model says what is expected.
+  // `bad` is the status of an invalid record; when it is IDX_OK, the model gives the expected status.
   template <typename InModel>
   void Same(const char* call, IDXSTATUS ours, IDXSTATUS bad, InModel inModel) {
     log_ = call + log_;
@@ -171,96 +164,69 @@ class ComparedCalls {
     return IDXERR_INDEXFULL;
   }
 
-  // What the look-ups write into the record.
+  // Compares what the search calls write into the record.
   void Search(const std::string& name, std::int32_t number) {
     Item image, index;
     const CatalogueModel::Image* const filed = model_.FindImage(name);
     const IDXSTATUS missing = name.empty() ? IDXERR_MEMORY : IDXERR_NOIMAGE;
     EXPECT_EQ(IDXSearchImage(&image.Name(name).Index(0).Attribute(99)), filed ? IDXSTATUS{IDX_OK} : missing);
     if (filed) {
-      EXPECT_EQ(Told(image, IDX_OK), name + catalogcore::Told(filed).substr(filed->key.size()));
+      EXPECT_EQ(Told(image), name + catalogcore::Told(filed).substr(filed->key.size()));
     }
     const std::string path = PathOf(number);
     const CatalogueModel::Cell* const cell = path.empty() ? nullptr : model_.FindCell(kIndexTree, path);
-    const IDXSTATUS found = IDXSearchIndex(&index.Index(number).Name("?").Attribute(99));
-    EXPECT_EQ(found, cell ? IDX_OK : path.empty() ? IDXERR_PARAM : IDXERR_NOINDEX);
+    EXPECT_EQ(IDXSearchIndex(&index.Index(number).Name("?").Attribute(99)), cell           ? IDX_OK
+                                                                            : path.empty() ? IDXERR_PARAM
+                                                                                           : IDXERR_NOINDEX);
     if (cell) {
-      EXPECT_EQ(Told(index, found), catalogcore::Told(cell));
+      EXPECT_EQ(Told(index), catalogcore::Told(cell));
     }
   }
 
-  struct OpenWalk {
-    IDXFIND find;
-    CatalogueModel::Walk model;
-    bool isOverImages;
-    IDXSTATUS Next(Item& item) const { return (isOverImages ? IDXFindNextImage : IDXFindNextIndex)(find, &item); }
-    IDXSTATUS End() const { return isOverImages ? IDXERR_NOIMAGE : IDXERR_NOINDEX; }
-  };
-
-  static std::string Told(const Item& item, IDXSTATUS status) {
-    if (status != IDX_OK) return "the end";
+  static std::string Told(const Item& item) {
     return item.NameText() + "=" + PathOf(item.index) + "=" + std::to_string(item.attribute);
   }
 
-  // Begins a walk, which stays open unless it finds nothing. A number of 0, and an empty folder, are not marked.
-  void Begin(std::int32_t number, const std::string& folder) {
-    OpenWalk walk{nullptr, {}, choose_(3) != 0};
+  // Compares a whole find, and one step beyond its end. A number of 0 and an empty folder are not marked.
+  void Find(bool isOverImages, std::int32_t number, const std::string& folder) {
     const std::string path = PathOf(number);
-    const bool isBad = number != 0 && path.empty();
     Item item;
-    item.Name("").Operation(IDXOP_GETINFO | (walk.isOverImages || number != 0 ? IDXOP_CONDITION : 0));
+    item.Name("").Attribute(99).Operation(IDXOP_GETINFO | (isOverImages || number != 0 ? IDXOP_CONDITION : 0));
     if (number != 0) item.Index(number);
     if (!folder.empty()) item.Path(folder);
-    bool isFound = false;
-    if (walk.isOverImages) {
-      isFound =
-          !isBad && model_.FirstImage(walk.model, number == 0 ? "." : path, true, folder.empty() ? "." : folder, true);
+    CatalogueModel::Walk walk;
+    const CatalogueModel::Image* image = nullptr;
+    const CatalogueModel::Cell* cell = nullptr;
+    const bool isBad = number != 0 && path.empty();
+    if (!isBad && isOverImages) {
+      image = model_.FirstImage(walk, number == 0 ? "." : path, true, folder.empty() ? "." : folder, true);
     } else if (!isBad) {
-      isFound = model_.FirstCell(walk.model, kIndexTree, path, true) && (number != 0 || model_.NextCell(walk.model));
+      cell = model_.FirstCell(walk, kIndexTree, path, true);
+      if (number == 0) cell = model_.NextCell(walk);
     }
-    IDXSTATUS status = IDX_OK;
-    walk.find = (walk.isOverImages ? IDXFindFirstImage : IDXFindFirstIndex)(&item, &status);
-    EXPECT_EQ(status, isBad     ? IDXSTATUS{IDXERR_PARAM}
-                      : isFound ? IDXSTATUS{IDX_OK}
-                                : walk.End())
-        << number << " " << folder;
-    EXPECT_EQ(walk.find != nullptr, isFound);
-    if (!isFound) return;
-    EXPECT_EQ(item.NameText(), walk.isOverImages ? walk.model.image->key : walk.model.cell->name);
-    if (choose_(3) == 0) {
-      while (Advance(walk)) {
-      }
+    const IDXSTATUS end = isOverImages ? IDXERR_NOIMAGE : IDXERR_NOINDEX;
+    IDXSTATUS status = 99;
+    const IDXFIND find = (isOverImages ? IDXFindFirstImage : IDXFindFirstIndex)(&item, &status);
+    EXPECT_EQ(find != nullptr, image || cell) << number << " " << folder;
+    EXPECT_EQ(status, isBad ? IDXSTATUS{IDXERR_PARAM} : find ? IDXSTATUS{IDX_OK} : end) << number << " " << folder;
+    if (!find) return;
+    EXPECT_EQ(item.NameText(), image ? image->key : cell->name);
+    for (bool isOver = false; !isOver;) {
+      Item next;
+      status = (isOverImages ? IDXFindNextImage : IDXFindNextIndex)(find, &next.Wanted());
+      const std::string expected =
+          isOverImages ? catalogcore::Told(model_.NextImage(walk)) : catalogcore::Told(model_.NextCell(walk));
+      isOver = status != IDX_OK;
+      EXPECT_EQ(isOver ? "the end" : Told(next), expected) << number << " " << folder;
+      EXPECT_TRUE(!isOver || status == end);
+      isOver = isOver || testing::Test::HasFailure();
     }
-    walks_.push_back(walk);
-    if (walks_.size() < 8) return;
-    EXPECT_EQ(IDXCloseFind(walks_.front().find), IDX_OK);
-    walks_.erase(walks_.begin());
-  }
-
-  // One step, also beyond the end, which is the end.
-  bool Advance(OpenWalk& walk) {
-    Item item;
-    const IDXSTATUS status = walk.Next(item.Wanted());
-    const std::string next = walk.isOverImages ? catalogcore::Told(model_.NextImage(walk.model))
-                                               : catalogcore::Told(model_.NextCell(walk.model));
-    EXPECT_EQ(Told(item, status), next) << log_;
-    EXPECT_TRUE(status == IDX_OK || status == walk.End()) << log_;
-    return status == IDX_OK;
-  }
-
-  // Once their catalogue is gone they find nothing, and can be closed. The first `count` stay.
-  void EndWalks(std::size_t count) {
-    for (; walks_.size() > count; walks_.pop_back()) {
-      Item item;
-      EXPECT_EQ(walks_.back().Next(item.Wanted()), walks_.back().End());
-      EXPECT_EQ(IDXCloseFind(walks_.back().find), IDX_OK);
-    }
+    EXPECT_EQ(IDXCloseFind(find), IDX_OK);
   }
 
   const Choose choose_;
   const Keys names_;
   CatalogueModel model_;
-  std::vector<OpenWalk> walks_;
   std::string log_;
 };
 
