@@ -238,6 +238,7 @@ TEST_P(AllocationTest, EachFailureIsReportedAndLeavesASoundCatalogue) {
     EXPECT_TRUE(isOk || (hasFailed && status < 31 && (c.allowed >> status & 1) != 0)) << status;
     const bool isPart = hasFailed && (c.allowed & (isOk ? kLess : kPart)) != 0;
     EXPECT_TRUE(isPart || now == (isOk ? done : before));
+    EXPECT_TRUE(std::get<1>(now).empty() || std::get<1>(now) == std::get<1>(isOk ? done : before)) << std::get<1>(now);
     EXPECT_TRUE(failing != 0 || hasFailed == (c.allowed != 0));
   }
 }
