@@ -1,4 +1,4 @@
-"""CatalogCore: a catalogue of image files in memory, and what a picture shows.
+"""CatalogCore: a catalogue of image files in memory, and a classifier of pictures.
 
     with catalogcore.Catalogue("/srv/catalogue") as catalogue:
         catalogue.load(missing_ok=True)
@@ -6,12 +6,12 @@
         catalogue.add("/srv/pictures/page.png", preset or catalogcore.Preset.OTHER)
         catalogue.save()
 
-A process has one catalogue at a time. Any thread may use it: its calls take turns, a classification runs beside them,
-and other threads of Python run meanwhile. A walk belongs to one thread at a time, and the catalogue may change between
-its steps.
+A process has one catalogue at a time, which any thread may use. Calls run one at a time; a classification runs at the
+same time as other calls. A call does not block other Python threads. A walk belongs to one thread at a time, and the
+catalogue may change between its steps.
 
-The library is the one that the environment variable CATALOGCORE_LIBRARY names; else libcatalogcore.so.1 of the prefix
-that this package is installed under; else the one that the system's linker finds.
+The package loads the library that the environment variable CATALOGCORE_LIBRARY names. Without the variable, it loads
+libcatalogcore.so.1 from its own installation prefix, or else from where the dynamic linker finds it.
 """
 from catalogcore.catalogue import INDEX_FILE, IMAGE_FILE, ROOT, Catalogue, Image, Index, Kind, Preset, Protection
 from catalogcore.errors import (CatalogueError, ClosedError, ExistsError, FileError, FullError, InvalidError,

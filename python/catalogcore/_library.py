@@ -1,4 +1,4 @@
-"""The C library as it is: where it is found, its records, its functions, its strings."""
+"""The C library: its location, records, functions and strings."""
 from __future__ import annotations
 
 import ctypes
@@ -58,7 +58,7 @@ PROTOTYPES: dict[str, tuple[object, list[object]]] = {
     "IDXWriteIndexFile": (c_uint32, [_STRING]),
     "IDXWriteImageFile": (c_uint32, [_STRING]),
     "IDXDetectScene": (c_uint32, [POINTER(Picture)]),
-    # Of the strings' library, which comes with this one.
+    # Functions of libcatalogcore-cf, which libcatalogcore loads.
     "CFStringCreateWithCString": (c_void_p, [c_void_p, c_char_p, c_uint32]),
     "CFStringGetLength": (c_long, [c_void_p]),
     "CFStringGetMaximumSizeForEncoding": (c_long, [c_long, c_uint32]),
@@ -68,7 +68,7 @@ PROTOTYPES: dict[str, tuple[object, list[object]]] = {
 
 
 def _candidates() -> list[str]:
-    """The files to try, the first that is there."""
+    """The files to try, in this order."""
     named = os.environ.get("CATALOGCORE_LIBRARY")
     if named:
         return [named]
@@ -93,15 +93,15 @@ def _load() -> ctypes.CDLL:
             function = getattr(library, name)
             function.restype, function.argtypes = result, arguments
         return library
-    raise ImportError(f"cannot load {_NAME} ({'; '.join(failures)}); install it, or name the file of a build in the "
-                      "environment variable CATALOGCORE_LIBRARY")
+    raise ImportError(f"cannot load {_NAME} ({'; '.join(failures)}); install it, or set the environment variable "
+                      "CATALOGCORE_LIBRARY to the library of a build")
 
 
 library = _load()
 
 
 class String:
-    """A string variable that is handed to the library, and owns what it holds."""
+    """A string variable for calls of the library. It owns the string in it."""
 
     def __init__(self, text: str | None = None, what: str = "text") -> None:
         self.variable = c_void_p()
@@ -110,24 +110,25 @@ class String:
 
     def _set(self, text: str, what: str) -> None:
         if not isinstance(text, str):
-            raise TypeError(f"the {what} {text!r} is of type {type(text).__name__}; give a str (os.fsdecode converts bytes)")
+            raise TypeError(f"the {what} {text!r} is of type {type(text).__name__}; pass a str (os.fsdecode converts "
+                            "bytes)")
         try:
             encoded = text.encode()
         except UnicodeEncodeError:
             raise InvalidError(f"the {what} {text!r} is not valid UTF-8; rename it") from None
         if not encoded or b"\0" in encoded:
-            raise InvalidError(f"the {what} {text!r} is empty or holds a zero byte; give another", Status.PARAM)
+            raise InvalidError(f"the {what} {text!r} is empty or has a zero byte; pass another", Status.PARAM)
         self.variable.value = library.CFStringCreateWithCString(None, encoded, _UTF8)
         if not self.variable:
-            raise OutOfMemoryError(f"there is no memory for the {what} {text!r}; free some and try again",
+            raise OutOfMemoryError(f"out of memory for the {what} {text!r}; free some and try again",
                                    Status.MEMORY)
 
     def pointer(self) -> ctypes._Pointer[c_void_p]:
-        """What a field or an argument takes. It keeps the variable, but not what that holds."""
+        """The pointer for a field or an argument. It keeps the variable alive, but not the string in it."""
         return ctypes.pointer(self.variable)
 
     def take(self) -> str:
-        """What the library has put there, empty if nothing; the variable is ready for another."""
+        """The text that the library stored, or an empty text. Releases the string."""
         if not self.variable:
             return ""
         try:
@@ -151,16 +152,16 @@ def _checked(value: int, low: int, high: int, what: str) -> int:
     try:
         number = operator.index(value)
     except TypeError:
-        raise TypeError(f"the {what} {value!r} is of type {type(value).__name__}; give its number, an int") from None
-    # ctypes would truncate it silently.
+        raise TypeError(f"the {what} {value!r} is of type {type(value).__name__}; pass its number, an int") from None
+    # ctypes would truncate the number silently.
     if not low <= number <= high:
-        raise InvalidError(f"the {what} {number} is out of range; give one from {low} to {high}", Status.PARAM)
+        raise InvalidError(f"the {what} {number} is out of range; pass a number from {low} to {high}", Status.PARAM)
     return number
 
 
 def item_of(*, name: String | None = None, path: String | None = None, index: int | None = None,
             attribute: int | None = None, operation: int = 0, state: int = 0) -> Item:
-    """A record with the fields that are given, and marked. The strings must stay as long as it is used."""
+    """A record in which the given fields are set and marked. The strings must live as long as the record is used."""
     item = Item(operation=operation, state=state)
     if name is not None:
         item.name, item.mask = name.pointer(), item.mask | MASK_NAME

@@ -22,11 +22,11 @@ ROOT = -1
 """The root of the tree of indexes, which holds no image."""
 
 INDEX_FILE, IMAGE_FILE = "index.plist", "images.plist"
-"""The files' names unless told otherwise, as the command has them."""
+"""The default names of the files, which the command uses too."""
 
 
 class Preset(enum.IntEnum):
-    """The numbers of the indexes that every catalogue begins with."""
+    """The numbers of the preset indexes, which every new catalogue has."""
 
     PHOTO = 1000000
     PHOTO_FACES = 1010000
@@ -41,7 +41,7 @@ class Preset(enum.IntEnum):
 
 
 class Protection(enum.IntFlag):
-    """Bits of an attribute that forbid something. Others are the application's."""
+    """The protection bits of an attribute. The other bits are free for the application."""
 
     NO_MOVE = 1
     NO_REMOVE = 2
@@ -49,13 +49,13 @@ class Protection(enum.IntFlag):
 
 
 class Kind(enum.Enum):
-    """What is known of a picture beforehand."""
+    """What the application knows of a picture."""
 
     UNKNOWN = enum.auto()
     DOCUMENT = enum.auto()
     DECLARED_DOCUMENT = enum.auto()  # filed as Preset.DOCUMENT_FIXED, whatever its size
     PHOTO = enum.auto()
-    PHOTO_WITHOUT_FACES = enum.auto()  # faces are not looked for
+    PHOTO_WITHOUT_FACES = enum.auto()  # faces are not detected
 
 
 _HINTS: dict[Kind, dict[str, int]] = {
@@ -69,8 +69,8 @@ _HINTS: dict[Kind, dict[str, int]] = {
 
 @dataclass(frozen=True, slots=True)
 class Image:
-    """An image: the full path of its file, the number of its index, its attribute. The path is empty if it is no UTF-8,
-    which a catalogue file alone can bring, or if there was no memory for it."""
+    """An image: the full path of its file, the number of its index, its attribute. The path is empty if it is not valid
+    UTF-8, which only a catalogue file can contain, or if it could not be allocated."""
 
     path: str
     index: int
@@ -86,15 +86,15 @@ class Index:
     attribute: int
 
 
-# Opening and closing must not overlap any call, nor two writes each other: so calls take turns, which they would do in
-# the library for the most part anyway. A classification takes long and goes beside the others. Whoever holds both took
-# that of the scenes first: a walk that is given up while the other is held, by whatever thread, waits for nobody.
+# Opening and closing must not overlap any call, and two writes must not overlap, so every call holds a lock. A
+# classification takes long and has a lock of its own. A thread that needs both takes _scenes first. The locks are
+# reentrant, because the garbage collector may close a walk while its thread holds a lock.
 _scenes = threading.RLock()
 _calls = threading.RLock()
 
 
 def _is_there() -> bool:
-    """Whether the library has a catalogue, whoever made it."""
+    """Whether the library has a catalogue, from this package or from another part of the process."""
     return bool(library.IDXSearchIndex(ctypes.byref(item_of(index=ROOT))) != Status.FAILED)
 
 
@@ -102,7 +102,7 @@ def _error_of(status: int, action: str, of_call: Callable[[int, str], CatalogueE
     with _calls:
         is_closed = status == Status.FAILED and not _is_there()
     if is_closed:
-        return ClosedError(f"cannot {action}: another part of this process closed the catalogue; open another", status)
+        return ClosedError(f"cannot {action}: another part of this process closed it; open a new catalogue", status)
     return of_call(status, action)
 
 
@@ -110,7 +110,7 @@ _Entry = TypeVar("_Entry", Image, Index)
 
 
 class _Walk(Iterator[_Entry], Generic[_Entry]):
-    """A walk, begun. Its handle is closed at its end, or when nobody has it any more."""
+    """A walk. Its handle is closed at its end or when the object is freed."""
 
     _find: int | None = None
 
@@ -137,7 +137,7 @@ class _Walk(Iterator[_Entry], Generic[_Entry]):
         raise StopIteration
 
     def close(self) -> None:
-        """Ends the walk. May be called again."""
+        """Ends the walk. A second call does nothing."""
         with _calls:
             find, self._find = self._find, None
             library.IDXCloseFind(find)
@@ -147,18 +147,17 @@ class _Walk(Iterator[_Entry], Generic[_Entry]):
 
 
 class Catalogue:
-    """The catalogue of this process, from its making to close() or the end of its with statement; nothing is saved
-    then.
+    """The catalogue of this process. It exists until close() or the end of its with statement, which save nothing.
 
-    It begins with the presets. `folder` is that of its files, which need not be there yet; without one the files are
-    named with their paths. Paths of images are full ones and valid UTF-8; of two that differ in the case of ASCII
-    letters alone, about one pair in 2,000 counts as one. Paths and names must not hold a line feed: the files cannot.
+    A new catalogue has the presets. `folder` is the folder of its files, which need not exist yet; without a folder,
+    pass the full paths of the files. The path of an image is a full path in valid UTF-8. Two paths that differ only in
+    the case of ASCII letters are two images, except about one pair in 2,000. Paths and names must not have a line feed,
+    because the files cannot store it.
 
-    Making a second one raises ClosedError, and so do calls after close(); walks end then. Failures raise
-    CatalogueError, of which InvalidError and OutOfMemoryError may come from any call. An argument of a wrong type
-    raises TypeError.
+    A second catalogue raises ClosedError, and so do calls after close(), which ends all walks. Failures raise
+    CatalogueError; any call may raise InvalidError or OutOfMemoryError. An argument of a wrong type raises TypeError.
 
-    len() counts the images, which takes as long as a walk over them. An open catalogue is true, also while it is empty.
+    len() counts the images, which takes as long as a walk. bool() is true while the catalogue is open, even if empty.
     """
 
     _open: ClassVar[weakref.ref[Catalogue] | None] = None
@@ -168,9 +167,9 @@ class Catalogue:
         base = None if self._folder is None else String(self._folder, "folder")
         with _scenes, _calls:
             if Catalogue._open and Catalogue._open() is not None:
-                raise ClosedError("cannot open a catalogue: this process has one already; use it, or close it first")
+                raise ClosedError("cannot open a catalogue: this process has one already; use it or close it first")
             if Catalogue._open is None and _is_there():
-                raise ClosedError("cannot open a catalogue: another part of this process has one; use that")
+                raise ClosedError("cannot open a catalogue: another part of this process has one; use that catalogue")
             status = library.IDXInitialize()
             if status not in (Status.OK, Status.DETECTOR):
                 raise error_of(status, "open a catalogue")
@@ -184,7 +183,7 @@ class Catalogue:
         self._recognizes = bool(status == Status.OK)
 
     def close(self) -> None:
-        """Drops the catalogue; waits for calls of other threads. May be called again."""
+        """Drops the catalogue, after the running calls of other threads. A second call does nothing."""
         with _scenes, _calls:
             if self._is_open():
                 library.IDXUninitialize()
@@ -211,21 +210,21 @@ class Catalogue:
 
     @property
     def recognizes(self) -> bool:
-        """Whether the recognizer's parameters were found. Without them classify() wants a kind."""
+        """Whether the recognizer's parameters were found. Without them, classify() needs a kind."""
         return self._recognizes
 
     # ---- Images
 
     def add(self, path: StrPath, index: int, attribute: int = 0) -> None:
-        """Files an image. ExistsError; NotFoundError: no such index; InvalidError: also for the root."""
+        """Files an image under an index. ExistsError; NotFoundError: no such index; InvalidError: also for the root."""
         name = _path(path)
         self._do(f"add {path}", library.IDXAddImage, item_of(name=name, index=index, attribute=attribute))
 
     def move(self, path: StrPath, index: int, *, force: bool = False) -> None:
-        """Files an image in another index, and also one that was not in the catalogue. NotFoundError: no such index;
+        """Moves an image to another index, or adds it if it is not in the catalogue. NotFoundError: no such index;
         ProtectedError, unless forced."""
-        if index == ROOT:  # which would remove it
-            raise InvalidError(f"cannot move {path}: the root holds no images; give another index", Status.PARAM)
+        if index == ROOT:  # the call would remove the image
+            raise InvalidError(f"cannot move {path}: the root holds no images; pass another index", Status.PARAM)
         name = _path(path)
         self._do(f"move {path}", library.IDXChangeImage, item_of(name=name, index=index, state=_state(force)))
 
@@ -235,19 +234,19 @@ class Catalogue:
         self._do(f"change {path}", library.IDXChangeImage, item_of(name=name, attribute=attribute))
 
     def remove(self, path: StrPath, *, force: bool = False) -> None:
-        """Takes an image out of the catalogue; its file stays. NotFoundError; ProtectedError, unless forced."""
+        """Removes an image from the catalogue, but not its file. NotFoundError; ProtectedError, unless forced."""
         name = _path(path)
         self._do(f"remove {path}", library.IDXRemoveImage, item_of(name=name, state=_state(force)))
 
     def image(self, path: StrPath) -> Image:
-        """The image of that path, which comes back as it was given. NotFoundError."""
+        """The image with this path. NotFoundError."""
         name = _path(path)
         item = item_of(name=name, index=0, attribute=0)
         self._do(f"find {path}", library.IDXSearchImage, item)
         return Image(os.fspath(path), item.index, item.attribute)
 
     def __contains__(self, path: StrPath) -> bool:
-        """Whether an image has that path; no image has a path that is not valid."""
+        """Whether the catalogue has an image with this path. False for an invalid path."""
         try:
             name = _path(path)
         except InvalidError:
@@ -273,8 +272,9 @@ class Catalogue:
         return count
 
     def images(self, index: int = ROOT, folder: StrPath | None = None) -> Iterator[Image]:
-        """Walks the images of an index and what is below it, in a folder and what is below it: "/" leaves out folders
-        whose path begins with /Volumes. No image is no error. InvalidError: no such number."""
+        """Walks the images of an index and of the indexes below it that are in a folder or in the folders below it. The
+        folder "/" excludes folders whose path begins with /Volumes. The walk may be empty. InvalidError: the index is
+        out of range."""
         name, path = String(), None if folder is None else _path(folder)
         item = item_of(name=name, path=path, index=index, attribute=0, operation=OP_GETINFO | OP_CONDITION)
         with _calls:
@@ -285,9 +285,9 @@ class Catalogue:
     # ---- Indexes
 
     def add_index(self, name: str, parent: int = ROOT, attribute: int = 0, *, exist_ok: bool = False) -> int:
-        """Adds an index below another, and returns its number. ExistsError: the parent has one of that name, whose
-        number is returned with `exist_ok`; FullError; NotFoundError: no parent; InvalidError: also below the fourth
-        level."""
+        """Adds an index below another and returns its number. ExistsError: the parent has a child of this name; with
+        `exist_ok` the call returns the number of this child. FullError; NotFoundError: no such parent; InvalidError:
+        also below the fourth level."""
         text = String(name, "name")
         item = item_of(name=text, index=parent, attribute=attribute, operation=OP_GETINFO)
         status = self._status(library.IDXAddIndex, ctypes.byref(item))
@@ -302,8 +302,8 @@ class Catalogue:
         self._do(f"rename index {number}", library.IDXChangeIndex, item)
 
     def name_presets(self, names: Mapping[int, str]) -> None:
-        """Gives indexes, protected or not, display names. NotFoundError: one is not there; those before it are
-        renamed."""
+        """Sets display names of indexes, also of protected ones. NotFoundError: an index does not exist, and the
+        indexes before it are renamed."""
         for number, name in names.items():
             self.rename_index(number, name, force=True)
 
@@ -312,20 +312,21 @@ class Catalogue:
         self._do(f"change index {number}", library.IDXChangeIndex, item_of(index=number, attribute=attribute))
 
     def remove_index(self, number: int, *, force: bool = False) -> None:
-        """Removes an index, and its images from the catalogue. NotFoundError; NotEmptyError: there are indexes below
-        it; ProtectedError, unless forced: it, or one of its images, and those before that one are gone."""
+        """Removes an index, and its images from the catalogue. NotFoundError; NotEmptyError: it has child
+        indexes; ProtectedError, unless forced: the index or one of its images is protected, and the images before the
+        protected one have been removed."""
         self._do(f"remove index {number}", library.IDXRemoveIndex, item_of(index=number, state=_state(force)))
 
     def index(self, number: int) -> Index:
-        """The index of that number. NotFoundError."""
+        """The index with this number. NotFoundError."""
         name = String()
         item = item_of(name=name, index=number, attribute=0)
         self._do(f"find index {number}", library.IDXSearchIndex, item)
         return Index(item.index, name.take(), item.attribute)
 
     def indexes(self, start: int | None = None) -> Iterator[Index]:
-        """Walks all indexes but the root, parents before what is below them; from `start` on, itself included, it and
-        what is below it. No index is no error. InvalidError: no such number."""
+        """Walks all indexes except the root, or the index `start` and all indexes below it; parents before children.
+        The walk may be empty. InvalidError: `start` is out of range."""
         name = String()
         item = item_of(name=name, index=ROOT if start is None else start, attribute=0, operation=OP_GETINFO)
         if start is not None:
@@ -338,52 +339,53 @@ class Catalogue:
     # ---- Files
 
     def load(self, *, missing_ok: bool = False) -> None:
-        """Adds what the two files hold: load_indexes(), then load_images()."""
+        """Calls load_indexes(), then load_images()."""
         self.load_indexes(missing_ok=missing_ok)
         self.load_images(missing_ok=missing_ok)
 
     def save(self) -> None:
-        """Writes the two files. What did not load is lost then: do not save after a load that failed."""
+        """Writes both files. Do not save after a failed load: entries that were not loaded would be lost."""
         self.save_indexes()
         self.save_images()
 
     def load_indexes(self, name: StrPath = INDEX_FILE, *, missing_ok: bool = False) -> None:
-        """Adds the indexes of a file; those that are there already stay as they are. FileError; NoDataError, which is a
-        FileError: there is no such file, or it has no indexes, unless that is allowed with `missing_ok`."""
+        """Adds the indexes of a file. Indexes that exist already do not change. FileError; NoDataError, which is a
+        FileError: the file is missing or has no indexes. `missing_ok` suppresses NoDataError."""
         self._load(name, library.IDXLoadIndexFile, missing_ok)
 
     def load_images(self, name: StrPath = IMAGE_FILE, *, missing_ok: bool = False) -> None:
-        """Adds the images of a file, but for those whose own file is not there (any more), whose index is not in the
-        catalogue, or which are there already. Errors as of load_indexes(), which comes first."""
+        """Adds the images of a file, except images whose own file or index does not exist, and images that are in the
+        catalogue already. Call load_indexes() first. Raises what load_indexes() raises."""
         self._load(name, library.IDXLoadImageFile, missing_ok)
 
     def save_indexes(self, name: StrPath = INDEX_FILE) -> None:
-        """Writes the indexes to a file, whose other entries stay: it is the old or the new one, whole, whatever fails.
-        Indexes with all three protections are left out, as the presets are. FileError."""
+        """Writes the indexes to a file and keeps its other entries. After a failure the old file is intact, unless its
+        folder does not allow new files: then the file is overwritten in place. Indexes with all three protections, such
+        as the presets, are not written. FileError."""
         self._file(f"write {name}", library.IDXWriteIndexFile, name)
 
     def save_images(self, name: StrPath = IMAGE_FILE) -> None:
-        """Writes the images to a file, in the same way. FileError."""
+        """Writes the images to a file in the same way. FileError."""
         self._file(f"write {name}", library.IDXWriteImageFile, name)
 
     # ---- Scenes
 
     def classify(self, pixels: object, *, dpi: float = 0, kind: Kind = Kind.UNKNOWN) -> Preset | None:
-        """Decides what a picture shows; returns the preset that it belongs in, or None where nothing is decided.
+        """Decides what a picture shows. Returns the preset for the picture, or None if it is undecided.
 
-        `pixels` is a numpy array, or anything else with the buffer protocol, of shape (rows, columns) or (rows,
-        columns, 3), the top row first, with samples of 8 or 16 bits, not negative; bytes become that with
-        memoryview(data).cast("B", (rows, columns, 3)). It is read where it lies if its samples lie side by side and its
-        rows run downward, and copied otherwise: also where a part of the columns of a larger picture ends with that
-        picture's last byte. Nobody may change it meanwhile.
+        `pixels` is a numpy array, or another object with the buffer protocol, of shape (rows, columns) or (rows,
+        columns, 3), the top row first, with unsigned samples of 8 or 16 bits. For bytes, pass
+        memoryview(data).cast("B", (rows, columns, 3)). The pixels are read in place if the samples of a row are
+        adjacent and rows run downward; otherwise they are copied. They are also copied if they are some columns of a
+        larger picture and end with its last byte. They must not change during the call.
 
-        `dpi` is its resolution, 0 where that is not known. SceneError: more than 4096 pixels on a side, or a failure of
-        the engines. InvalidError: no such pixels.
+        `dpi` is the resolution, or 0 if unknown. SceneError: more than 4096 pixels on a side, or an engine failed.
+        InvalidError: invalid pixels.
         """
         if not isinstance(kind, Kind):
-            raise TypeError(f"the kind {kind!r} is of type {type(kind).__name__}; give a Kind, such as Kind.DOCUMENT")
+            raise TypeError(f"the kind {kind!r} is of type {type(kind).__name__}; pass a Kind, such as Kind.DOCUMENT")
         if not math.isfinite(dpi):
-            raise InvalidError(f"the dpi {dpi} is no resolution; give 0 where it is not known", Status.PARAM)
+            raise InvalidError(f"the dpi {dpi} is not finite; pass 0 if it is unknown", Status.PARAM)
         picture = Picture(resolution=max(0, min(round(dpi), 2**31 - 1)), **_HINTS[kind])
         view = describe(pixels, picture)
         with _scenes:
@@ -401,7 +403,7 @@ class Catalogue:
 
     def _require_open(self) -> None:
         if not self._is_open():
-            raise ClosedError("the catalogue is closed; open another")
+            raise ClosedError("the catalogue is closed; open a new one")
 
     def _status(self, function: Callable[..., int], *arguments: Any) -> int:
         with _calls:

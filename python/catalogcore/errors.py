@@ -1,11 +1,11 @@
-"""The exceptions: one family, each with the status of the library's call."""
+"""The exceptions. Each holds the status of the library's call."""
 from __future__ import annotations
 
 import enum
 
 
 class Status(enum.IntEnum):
-    """What the library's calls return."""
+    """The statuses that the library's calls return."""
 
     OK = 0
     FAILED = 1
@@ -28,7 +28,7 @@ class Status(enum.IntEnum):
 
 
 class CatalogueError(Exception):
-    """A call that failed. `status` is what the library returned, or would have."""
+    """A call failed. `status` is the status of the library for this failure."""
 
     def __init__(self, message: str, status: int = Status.FAILED) -> None:
         super().__init__(message, status)
@@ -39,39 +39,39 @@ class CatalogueError(Exception):
 
 
 class ClosedError(CatalogueError):
-    """The catalogue is closed; or another one is open already."""
+    """The catalogue is closed, or another catalogue is open already."""
 
 
 class InvalidError(CatalogueError, ValueError):
-    """A path, a name, a number or a buffer of pixels is none that can be."""
+    """A path, name, number or buffer of pixels is invalid."""
 
 
 class NotFoundError(CatalogueError, LookupError):
-    """No such image, or no such index."""
+    """The image or the index does not exist."""
 
 
 class ExistsError(CatalogueError):
-    """The image is in the catalogue already, or the parent has an index of that name."""
+    """The image is in the catalogue already, or the parent has a child index of that name."""
 
 
 class FullError(CatalogueError):
-    """The parent has no number left for another index."""
+    """The parent has no number left for another child index."""
 
 
 class NotEmptyError(CatalogueError):
-    """The index still has indexes below it."""
+    """The index still has child indexes."""
 
 
 class ProtectedError(CatalogueError):
-    """The entry's attribute forbids it."""
+    """The attribute of the entry protects it."""
 
 
 class FileError(CatalogueError):
-    """A catalogue file cannot be read or written, or is none."""
+    """A file cannot be read or written, or is not a catalogue file."""
 
 
 class NoDataError(FileError):
-    """The catalogue file is missing, or holds nothing of the kind."""
+    """The catalogue file is missing, or has no entries of this kind."""
 
 
 class SceneError(CatalogueError):
@@ -79,50 +79,49 @@ class SceneError(CatalogueError):
 
 
 class OutOfMemoryError(CatalogueError, MemoryError):
-    """The library had no memory for it."""
+    """The library could not allocate memory."""
 
 
 _MEANINGS: dict[int, tuple[type[CatalogueError], str]] = {
-    # Texts are checked before a call, so that only memory is left. Calls on files have a meaning of their own.
-    Status.FAILED: (OutOfMemoryError, "there is no memory for its text; free some and try again"),
+    # The package checks text before a call, so only an allocation failure is left. file_error_of() handles file calls.
+    Status.FAILED: (OutOfMemoryError, "no memory for its text; free some and try again"),
     Status.PARAM: (
         InvalidError,
-        "the catalogue cannot hold that; paths are full ones of at most 4096 bytes, and indexes are numbered from "
-        "1000000 to 99999999, on four levels"),
+        "invalid argument; pass full paths of at most 4096 bytes, and index numbers from 1000000 to 99999999 on at "
+        "most four levels"),
     Status.NODATA: (
         NoDataError,
-        "the file is not there, or holds nothing of the kind; save it first, or allow for that with missing_ok"),
-    Status.EMPTY: (FileError, "its text is empty; bring the file back from a backup"),
-    Status.VERSION: (FileError, "it was written by another version of the library; load it with that one"),
+        "the file is missing or has no such entries; save it first, or pass missing_ok"),
+    Status.EMPTY: (FileError, "its text is empty; restore the file from a backup"),
+    Status.VERSION: (FileError, "another version of the library wrote it; load it with that version"),
     Status.NOIMAGE: (NotFoundError, "the image is not in the catalogue; add it first"),
-    Status.NOINDEX: (NotFoundError, "there is no such index; indexes() lists those that are there"),
-    Status.IMAGEEXISTS: (ExistsError, "the image is in the catalogue already; move() files it elsewhere"),
-    Status.INDEXEXISTS: (ExistsError, "there is an index of that name; use it (exist_ok), or choose another name"),
-    Status.INDEXFULL: (FullError, "an index takes 20 others and has them; add it below another one"),
-    Status.MEMORY: (OutOfMemoryError, "there is no memory for it; free some and try again"),
-    Status.NOTEMPTY: (NotEmptyError, "there are indexes below it; remove those first"),
-    Status.PROTECTED: (ProtectedError, "it is protected; force it, or change its attribute first"),
+    Status.NOINDEX: (NotFoundError, "no such index; indexes() lists all indexes"),
+    Status.IMAGEEXISTS: (ExistsError, "the image is in the catalogue already; use move() to change its index"),
+    Status.INDEXEXISTS: (ExistsError, "an index of that name exists; pass exist_ok, or choose another name"),
+    Status.INDEXFULL: (FullError, "the parent has 20 added indexes, the maximum; choose another parent"),
+    Status.MEMORY: (OutOfMemoryError, "out of memory; free some and try again"),
+    Status.NOTEMPTY: (NotEmptyError, "it has child indexes; remove them first"),
+    Status.PROTECTED: (ProtectedError, "it is protected; pass force, or change its attribute first"),
     Status.DETECTOR: (
         SceneError,
-        "the recognizer's parameters (brennparam.dat) are not where the library looks for them; install them, or say "
-        "what kind of picture it is"),
-    Status.IMAGESIZE: (SceneError, "it has more than 4096 pixels on a side; reduce it, and its dpi with it"),
+        "the recognizer's parameters (brennparam.dat) are missing; install them, or pass the kind of the picture"),
+    Status.IMAGESIZE: (SceneError, "it has more than 4096 pixels on a side; reduce the picture and its dpi"),
 }
 
 
 def error_of(status: int, action: str) -> CatalogueError:
-    """The exception for a call that was to do `action` and returned `status`."""
-    kind, meaning = _MEANINGS.get(status, (CatalogueError, f"the library fails with status {status}; please report it"))
+    """The exception for a call that returned `status`. `action` says what the call does."""
+    kind, meaning = _MEANINGS.get(status, (CatalogueError, f"the library failed with status {status}; report it"))
     for engine, base in (("face detector", Status.FACES), ("recognizer", Status.RECOGNIZER)):
         if status > base:
-            kind, meaning = SceneError, f"the {engine} fails with code {status - base}; say what kind of picture it is"
+            kind, meaning = SceneError, f"the {engine} failed with code {status - base}; pass the kind of the picture"
             break
     return kind(f"cannot {action}: {meaning}", status)
 
 
 def file_error_of(status: int, action: str) -> CatalogueError:
-    """The same for a call on a file, whose commonest failure has another meaning."""
+    """The exception for a call on a file, where Status.FAILED has another meaning."""
     if status != Status.FAILED:
         return error_of(status, action)
-    return FileError(f"cannot {action}: it is no catalogue file, or may not be read or written; look at the file and "
+    return FileError(f"cannot {action}: it is not a catalogue file, or cannot be read or written; check the file and "
                      "its permissions", status)

@@ -78,8 +78,7 @@ void PropertyListReader::StartContainer(Element element, std::string_view name) 
 
 void PropertyListReader::EndElement(std::string_view name) {
   if (leaf_) return EndLeaf(*std::exchange(leaf_, std::nullopt), name);
-  if (name != "plist") return EndContainer(name);
-  Require(result_ != nullptr);
+  if (name != "plist") EndContainer(name);
 }
 
 void PropertyListReader::EndContainer(std::string_view name) {

@@ -32,7 +32,7 @@ class PropertyListReader {
   // taken.
   std::size_t Digits(std::string_view text);
 
-  // The property list, after the last element has ended.
+  // The property list, after the last element has ended; null if the element plist is empty.
   Ref<Object> TakeResult() { return std::move(result_); }
 
  private:
