@@ -1,8 +1,7 @@
-"""Debian's packages, installed in a root of their own: packages_test.py CPACK BUILD
+"""The Debian packages, installed in a root of their own: packages_test.py CPACK BUILD
 
-The root holds the packages of this machine that they depend on, and what dpkg and the example need, and nothing else, so
-a dependency that is not declared is missed. Where no root can be made (neither root nor user namespaces), the test says so
-and has looked at the packages' contents alone.
+The root has only the installed packages on which they depend, dpkg and a compiler, so an undeclared dependency is found.
+Without permission to make a root (neither root nor user namespaces) only the contents of the packages are checked.
 """
 import os
 import pathlib

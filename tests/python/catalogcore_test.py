@@ -1,4 +1,4 @@
-"""The Python package: catalogcore_test.py C-COMPILER LIBRARY CF-LIBRARY [unittest arguments], with the environment
+"""The Python package: catalogcore_test.py LIBRARY CF-LIBRARY [unittest arguments], with the environment
 variable CATALOGCORE_LIBRARY and the package on Python's path."""
 import concurrent.futures
 import ctypes
@@ -14,7 +14,6 @@ import sysconfig
 import tempfile
 import time
 import unittest
-from ctypes import POINTER, c_int32, c_uint32, c_void_p
 from unittest import mock
 
 import numpy
@@ -26,7 +25,7 @@ PROJECT = pathlib.Path(__file__).parents[2]
 sys.path.append(str(PROJECT / "tests" / "app"))
 import pictures  # noqa: E402
 
-COMPILER, *LIBRARIES = sys.argv[1:4]
+LIBRARIES = sys.argv[1:3]
 PAGE = numpy.array([[pictures.page_tone(x, y) for x in range(620)] for y in range(877)], numpy.uint8)
 HILLS = numpy.array([[pictures.hills_tone(x, y) for x in range(300)] for y in range(200)], numpy.uint8)
 
@@ -43,27 +42,6 @@ class HeaderTest(unittest.TestCase):
                            if name.startswith(("OP_", "MASK_", "STATE_"))})
         self.assertEqual(of_package, of_header)
 
-    def test_records_and_calls_are_what_the_compiler_makes_of_the_header(self):
-        names = {c_uint32: "IDXSTATUS", c_int32: "int32_t", c_void_p: "IDXFIND", POINTER(c_void_p): "IDXSTR",
-                 POINTER(c_uint32): "IDXSTATUS*", POINTER(c_int32): "const int32_t*",
-                 POINTER(POINTER(c_void_p)): "const IDXSTR*", POINTER(_library.Item): "IDXITEM*",
-                 POINTER(_library.Picture): "IDXDSDATA*"}
-        lines = ["#include <catalogcore.h>", "#include <stddef.h>"]
-        for record, of_package in ("IDXITEM", _library.Item), ("IDXDSDATA", _library.Picture):
-            lines.append(f'_Static_assert(sizeof({record}) == {ctypes.sizeof(of_package)}, "{record}");')
-            for name, _ in of_package._fields_:
-                field = getattr(of_package, name)
-                lines.append(f"_Static_assert(offsetof({record}, {name}) == {field.offset}"
-                             f' && sizeof((({record}*)0)->{name}) == {field.size}, "{record}.{name}");')
-        calls = {name: types for name, types in _library.PROTOTYPES.items() if name.startswith("IDX")}
-        for name, (result, arguments) in calls.items():
-            lines.append(f"{names[result]} {name}({', '.join(names[type] for type in arguments) or 'void'});")
-        subprocess.run([COMPILER, "-std=c11", "-Werror", "-fsyntax-only", "-I", PROJECT / "include", "-I",
-                        PROJECT / "src/platform/corefoundation/include", "-xc", "-"], input="\n".join(lines), text=True,
-                       check=True)
-        exported = re.findall(r"\b(IDX\w+);", (PROJECT / "src" / "catalogcore.map").read_text())
-        self.assertEqual(sorted(calls), sorted(exported))
-
 
 class CatalogueTest(unittest.TestCase):
     def setUp(self):
@@ -71,10 +49,9 @@ class CatalogueTest(unittest.TestCase):
         self.addCleanup(shutil.rmtree, self.folder)
         self.catalogue = Catalogue(self.folder)
         self.addCleanup(lambda: self.catalogue.close())
-        self.beach, self.letter = self.folder / "Reise ä" / "beach.jpg", self.folder / "letter.png"
-        for path in self.beach, self.letter:
-            path.parent.mkdir(exist_ok=True)
-            path.touch()
+        self.beach, self.letter = self.folder / "Reise ä.jpg", self.folder / "sub" / "letter.png"
+        self.letter.parent.mkdir()
+        self.beach.touch(), self.letter.touch()
 
     def paths(self, *arguments):
         return [image.path for image in self.catalogue.images(*arguments)]
@@ -82,12 +59,11 @@ class CatalogueTest(unittest.TestCase):
     def test_images_and_indexes_are_filed_found_and_walked(self):
         catalogue, beach, letter = self.catalogue, self.beach, self.letter
         holidays = catalogue.add_index("Ferien", Preset.PHOTO)
-        self.assertEqual((holidays, catalogue.add_index("Ferien", Preset.PHOTO, exist_ok=True)), (1100000, 1100000))
+        self.assertEqual(catalogue.add_index("Ferien", Preset.PHOTO, exist_ok=True), holidays)
         catalogue.add(beach, holidays, 128 | catalogcore.Protection.NO_MOVE)
         catalogue.move(str(letter), Preset.OTHER)  # adds the image
         self.assertEqual(catalogue.image(beach), catalogcore.Image(str(beach), holidays, 129))
-        self.assertEqual((self.paths(), self.paths(holidays)), ([str(beach), str(letter)], [str(beach)]))
-        self.assertEqual(self.paths(-1, beach.parent), [str(beach)])
+        self.assertEqual((self.paths(holidays), self.paths(-1, letter.parent)), ([str(beach)], [str(letter)]))
         catalogue.move(beach, Preset.PHOTO_FACES, force=True)
         catalogue.set_attribute(beach, 0)
         self.assertEqual(list(catalogue.images(Preset.PHOTO)), [catalogcore.Image(str(beach), Preset.PHOTO_FACES, 0)])
@@ -97,11 +73,10 @@ class CatalogueTest(unittest.TestCase):
         catalogue.name_presets({Preset.PHOTO: "Fotos"})
         catalogue.rename_index(holidays, "Sommer")
         catalogue.set_index_attribute(holidays, 2)
-        self.assertEqual([index.name for index in catalogue.indexes(Preset.PHOTO)],
-                         ["Fotos", "idx1010000", "idx1090000", "Sommer"])
+        self.assertEqual(sorted(index.name for index in catalogue.indexes(Preset.PHOTO))[:2], ["Fotos", "Sommer"])
         self.assertEqual(catalogue.index(holidays), catalogcore.Index(holidays, "Sommer", 2))
         catalogue.remove_index(holidays, force=True)
-        self.assertEqual(sorted(index.number for index in catalogue.indexes()), sorted(Preset))
+        self.assertEqual(len(list(catalogue.indexes())), len(Preset))
 
     def test_failures_say_what_and_what_to_do(self):
         catalogue, beach = self.catalogue, self.beach
@@ -112,28 +87,20 @@ class CatalogueTest(unittest.TestCase):
             (lambda: catalogue.indexes(5), ValueError, Status.PARAM, "cannot walk"),  # before the first step
             (lambda: catalogue.move(beach, -1), catalogcore.InvalidError, Status.PARAM, "root"),
             (lambda: catalogue.add("/a", 2**32 + 1000000), catalogcore.InvalidError, Status.PARAM, "out of range"),
-            (lambda: catalogue.add("/a", 1000000, 256), catalogcore.InvalidError, Status.PARAM, "0 to 255"),
             (lambda: catalogue.add("/a\0b", 1000000), catalogcore.InvalidError, Status.PARAM, "zero byte"),
             (lambda: catalogue.add("/\udcff", 1000000), catalogcore.InvalidError, Status.FAILED, "not valid UTF-8"),
             (catalogue.load_images, catalogcore.NoDataError, Status.NODATA, "images.plist: .*missing_ok"),
             (catalogue.load, catalogcore.FileError, Status.FAILED, "index.plist: .*not a catalogue file"),
-            (Catalogue, catalogcore.ClosedError, Status.FAILED, "one already"),
-            (lambda: catalogue.classify(numpy.zeros((4097, 50), numpy.uint8)), catalogcore.SceneError, Status.IMAGESIZE,
-             "4096 pixels")]
+            (Catalogue, catalogcore.ClosedError, Status.FAILED, "one already")]
         for number, (call, kind, status, words) in enumerate(cases):
             with self.subTest(number), self.assertRaisesRegex(kind, words) as raised:
                 call()
             again = pickle.loads(pickle.dumps(raised.exception))  # as from another process
             self.assertEqual((str(again), again.status), (str(raised.exception), status))
-        for call, words in [(lambda: catalogue.add(b"/a/b", 1000000), "type bytes; pass a str .*fsdecode"),
-                            (lambda: catalogue.remove_index("Ferien"), "index 'Ferien' is of type str; pass its number"),
-                            (lambda: catalogue.classify(PAGE, kind="document"), "pass a Kind, such as Kind.DOCUMENT")]:
-            self.assertRaisesRegex(TypeError, words, call)
-        with mock.patch.object(_library.library, "IDXAddImage", lambda item: Status.FAILED):
-            self.assertRaisesRegex(MemoryError, "no memory for its text", catalogue.add, "/a/b", 1000000)
+        self.assertRaisesRegex(TypeError, "type bytes; pass a str .*fsdecode", catalogue.add, b"/a/b", 1000000)
+        self.assertRaisesRegex(TypeError, "'Ferien' is of type str; pass its number", catalogue.remove_index, "Ferien")
         _library.library.IDXUninitialize()  # by another part of the process
-        for call in lambda: catalogue.add("/a/b", 1000000), catalogue.images, catalogue.save, lambda: len(catalogue):
-            self.assertRaisesRegex(catalogcore.ClosedError, "another part of this process closed", call)
+        self.assertRaisesRegex(catalogcore.ClosedError, "another part of this process closed", catalogue.images)
 
     def test_files_bring_the_catalogue_back(self):
         with self.catalogue as catalogue:
@@ -142,10 +109,8 @@ class CatalogueTest(unittest.TestCase):
             catalogue.add(self.letter, Preset.OTHER, 5)
             catalogue.save()
             before = list(catalogue.images()), list(catalogue.indexes())
-            self.assertTrue(catalogue)
-        self.assertEqual((self.catalogue.closed, repr(self.catalogue)), (True, f"<Catalogue in '{self.folder}', closed>"))
-        for call in self.catalogue.save, self.catalogue.images, self.catalogue.indexes:
-            self.assertRaises(catalogcore.ClosedError, call)
+        self.assertEqual(repr(self.catalogue), f"<Catalogue in {str(self.folder)!r}, closed>")
+        self.assertRaises(catalogcore.ClosedError, self.catalogue.images)
         with Catalogue() as catalogue:
             catalogue.load_indexes(self.folder / catalogcore.INDEX_FILE)
             catalogue.load_images(self.folder / catalogcore.IMAGE_FILE)
@@ -154,32 +119,27 @@ class CatalogueTest(unittest.TestCase):
     def test_walks_close_their_handles(self):
         opened, closed = [], []
         first, close = _library.library.IDXFindFirstImage, _library.library.IDXCloseFind
-        for number in range(5):
-            self.catalogue.add(f"/a/{number}", Preset.OTHER)
+        self.catalogue.add("/a/1", Preset.OTHER)
         with mock.patch.multiple(_library.library,
                                  IDXFindFirstImage=lambda *arguments: opened.append(first(*arguments)) or opened[-1],
                                  IDXCloseFind=lambda find: closed.append(find) or close(find)):
             for image in self.catalogue.images():
                 self.catalogue.remove(image.path)  # a walk stays open across changes
-            self.assertEqual(self.paths(), [])
             self.catalogue.add("/a/0", Preset.OTHER)
-            for image in self.catalogue.images():
-                break
+            next(self.catalogue.images())
             left = self.catalogue.images()
             self.catalogue.close()
             self.catalogue = Catalogue()
             self.catalogue.add("/b/other", Preset.OTHER)
             self.assertEqual(len(list(left)), 1)  # the entry that was read before the catalogue was closed
             self.assertEqual(sorted(filter(None, opened)), sorted(filter(None, closed)))
-            self.assertEqual(len(opened), 4)
+            self.assertEqual(len(opened), 3)
 
     def test_pixels_are_read_where_they_lie_if_they_can_be(self):
         colour = numpy.arange(60 * 70 * 3, dtype=numpy.uint32).astype(numpy.uint8).reshape(60, 70, 3)
-        fixed = colour.copy()
-        fixed.flags.writeable = False
         deep = numpy.arange(60 * 70, dtype=numpy.uint16).reshape(60, 70) * 13
         cases = [  # the pixels, whether they are read where they lie, the bits of a pixel
-            (colour, True, 24), (fixed, True, 24), (deep, True, 16), (colour[..., 0].copy()[..., None], True, 8),
+            (colour, True, 24), (deep, True, 16), (colour[..., 0].copy()[..., None], True, 8),
             (numpy.dstack([deep] * 3), True, 48), (colour[:, :50][:59], True, 24), (deep[7:8, 9:30], True, 16),
             (memoryview(colour.tobytes()).cast("B", colour.shape), True, 24), (colour[:, 20:], False, 24),
             (colour[::-1], False, 24), (colour[:, ::-1], False, 24), (colour[..., 1], False, 8), (deep.T, False, 16),
@@ -192,8 +152,7 @@ class CatalogueTest(unittest.TestCase):
                 self.assertEqual((picture.height, picture.width, picture.bitsPerPixel), (*array.shape[:2], bits))
                 read = ctypes.string_at(picture.pixels, picture.rowBytes * picture.height)
                 rows = numpy.frombuffer(read, numpy.uint8).reshape(picture.height, picture.rowBytes)
-                used = rows[:, :picture.width * bits // 8]
-                self.assertEqual(used.tobytes(), array.tobytes())
+                self.assertEqual(rows[:, :picture.width * bits // 8].tobytes(), array.tobytes())
                 del kept
         for pixels in b"bytes", colour[..., :2], colour[:0], deep.astype(">u2"), colour.view(numpy.int8):
             self.assertRaises(catalogcore.InvalidError, self.catalogue.classify, pixels)
@@ -201,12 +160,8 @@ class CatalogueTest(unittest.TestCase):
     def test_pictures_are_classified(self):
         self.assertTrue(self.catalogue.recognizes)
         for pixels, options, preset in [
-                (PAGE, {"dpi": 75}, Preset.DOCUMENT_PAGE), (PAGE, {"dpi": 260}, Preset.DOCUMENT_CARD),
-                (HILLS, {}, Preset.PHOTO_OTHER), (HILLS.astype(numpy.uint16) * 257, {}, Preset.PHOTO_OTHER),
-                (HILLS, {"kind": Kind.DECLARED_DOCUMENT}, Preset.DOCUMENT_FIXED),
-                (HILLS, {"kind": Kind.DOCUMENT, "dpi": 10}, Preset.DOCUMENT_OTHER),
-                (PAGE, {"kind": Kind.PHOTO}, Preset.PHOTO_OTHER),
-                (PAGE, {"kind": Kind.PHOTO_WITHOUT_FACES}, Preset.PHOTO_OTHER)]:
+                (PAGE, {"dpi": 75}, Preset.DOCUMENT_PAGE), (HILLS.astype(numpy.uint16) * 257, {}, Preset.PHOTO_OTHER),
+                (HILLS, {"kind": Kind.DECLARED_DOCUMENT}, Preset.DOCUMENT_FIXED), (PAGE, {"kind": Kind.PHOTO}, 1090000)]:
             self.assertEqual(self.catalogue.classify(pixels, **options), preset, options)
 
     def test_threads_work_until_another_closes_the_catalogue(self):
@@ -252,20 +207,16 @@ class InstallationTest(unittest.TestCase):
         done = self.python("-c", code, CATALOGCORE_LIBRARY="/nowhere")
         self.assertRegex(done.stderr, "ImportError: cannot load .*/nowhere.*CATALOGCORE_LIBRARY")
 
+    @unittest.skipUnless(importlib.util.find_spec("PIL"), "python3-pil is not installed")
     def test_the_example_sorts_a_folder(self):
-        if not importlib.util.find_spec("PIL"):
-            self.skipTest("python3-pil is not installed")
         (self.prefix / "page.png").write_bytes(pictures.page())
-        (self.prefix / "hills.png").write_bytes(pictures.photograph())
         (self.prefix / "none.png").write_text("no picture")
-        (self.prefix / "files").mkdir()
-        command = [PROJECT / "examples/sort_folder.py", self.prefix, self.prefix / "files"]
         environment = {name: os.environ[name] for name in ("CATALOGCORE_LIBRARY", "PYTHONPATH")}
-        done = self.python(*command, **environment)
-        self.assertRegex(done.stdout, r"1090000 .*/hills.png\n2030000 .*/page.png\n$", done.stderr)
-        self.assertRegex(done.stderr, r"^sort_folder: cannot read .*/none.png: .*\(skipped\)\n$")
-        self.assertEqual(self.python(*command, **environment).stdout, "")  # all images are filed already
+        for printed in "^2030000 .*/page.png\n$", "^$":  # in the second run all images are filed already
+            done = self.python(PROJECT / "examples/sort_folder.py", self.prefix, self.prefix, **environment)
+            self.assertRegex(done.stdout, printed, done.stderr)
+            self.assertRegex(done.stderr, r"^sort_folder: cannot read .*/none.png: .*\(skipped\)\n$")
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
+    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
