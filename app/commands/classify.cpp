@@ -54,7 +54,7 @@ void Classify(Session& session, const ClassifyOptions& options) {
       files.size(), pictures.Jobs(), stop, [&](std::size_t i) { return DecideScene(pictures, library, files[i]); },
       [&](std::size_t i, const Decision& decision) {
         session.progress.Clear();
-        if (!decision.warning.empty()) session.progress.Say(files[i] + ": " + decision.warning);
+        if (!decision.warning.empty()) session.progress.Say(found.Shown(files[i]) + ": " + decision.warning);
         decision.problem.empty() ? Print(files[i], decision, options.isJson) : report(files[i], decision.problem);
         session.progress.Step(i + 1, files.size(), files[i]);
       });

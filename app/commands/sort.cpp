@@ -135,7 +135,7 @@ class Sorter {
   }
 
   void Warn(const std::string& file, const std::string& warning) {
-    session_.progress.Say(file + ": " + warning);
+    session_.progress.Say(found_.Shown(file) + ": " + warning);
     warnings_.emplace_back(file, warning);
   }
 
