@@ -9,7 +9,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "app/catalog.h"
+#include "app/stored_catalog.h"
 
 namespace catalogcore::app {
 namespace {

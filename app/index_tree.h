@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "app/catalog.h"
+#include "app/stored_catalog.h"
 
 namespace catalogcore::app {
 

@@ -14,7 +14,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "app/other_formats.h"
+#include "app/picture_format.h"
 
 namespace catalogcore::app {
 namespace {

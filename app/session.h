@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/catalog.h"
+#include "app/stored_catalog.h"
 #include "app/index_tree.h"
 #include "app/progress.h"
 

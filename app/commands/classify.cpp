@@ -8,7 +8,7 @@
 #include "app/interrupt.h"
 #include "app/ordered_jobs.h"
 #include "app/picture.h"
-#include "app/presets.h"
+#include "app/library.h"
 #include "app/scene.h"
 #include "app/text.h"
 

@@ -7,7 +7,7 @@
 #include "app/commands/commands.h"
 #include "app/interrupt.h"
 #include "app/picture.h"
-#include "app/presets.h"
+#include "app/library.h"
 #include "app/text.h"
 
 namespace catalogcore::app {

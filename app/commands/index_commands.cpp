@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "app/commands/commands.h"
-#include "app/presets.h"
+#include "app/library.h"
 #include "app/protection.h"
 #include "app/text.h"
 

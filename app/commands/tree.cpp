@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/commands/commands.h"
-#include "app/presets.h"
+#include "app/library.h"
 #include "app/text.h"
 
 namespace catalogcore::app {

@@ -13,7 +13,7 @@
 #include "app/folder.h"
 #include "app/gallery/gallery_data.h"
 #include "app/gallery/page_files.h"
-#include "app/gallery/picture_records.h"
+#include "app/gallery/gallery_records.h"
 #include "app/gallery/small_copies.h"
 
 namespace catalogcore::app {

@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "app/gallery/gallery.h"
-#include "app/gallery/picture_records.h"
+#include "app/gallery/gallery_records.h"
 
 namespace catalogcore::app {
 

@@ -9,7 +9,7 @@
 #include <set>
 #include <string>
 
-#include "app/gallery/picture_records.h"
+#include "app/gallery/gallery_records.h"
 
 namespace catalogcore::app {
 

@@ -1,10 +1,10 @@
-#include "app/catalog.h"
+#include "app/stored_catalog.h"
 
 #include <system_error>
 #include <utility>
 
 #include "app/catalog_records.h"
-#include "app/presets.h"
+#include "app/library.h"
 #include "app/text.h"
 
 namespace catalogcore::app {

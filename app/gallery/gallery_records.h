@@ -1,7 +1,7 @@
 // What is known of each picture of a gallery from one run to the next, so that no file is opened twice. Kept in
 // catalogcore-gallery.json, which also tells a gallery from a folder of something else.
-#ifndef CATALOGCORE_APP_GALLERY_PICTURE_RECORDS_H_
-#define CATALOGCORE_APP_GALLERY_PICTURE_RECORDS_H_
+#ifndef CATALOGCORE_APP_GALLERY_GALLERY_RECORDS_H_
+#define CATALOGCORE_APP_GALLERY_GALLERY_RECORDS_H_
 
 #include <cstdint>
 #include <map>
@@ -35,4 +35,4 @@ void WriteRecords(const Folder& folder, const PictureRecords& records, const Rea
 
 }  // namespace catalogcore::app
 
-#endif  // CATALOGCORE_APP_GALLERY_PICTURE_RECORDS_H_
+#endif  // CATALOGCORE_APP_GALLERY_GALLERY_RECORDS_H_

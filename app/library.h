@@ -1,6 +1,6 @@
 // What the preset indexes are called, and what they hold, in words.
-#ifndef CATALOGCORE_APP_PRESETS_H_
-#define CATALOGCORE_APP_PRESETS_H_
+#ifndef CATALOGCORE_APP_LIBRARY_H_
+#define CATALOGCORE_APP_LIBRARY_H_
 
 #include <array>
 #include <cstdint>
@@ -44,4 +44,4 @@ constexpr const char* PictureClass(std::int32_t preset) {
 
 }  // namespace catalogcore::app
 
-#endif  // CATALOGCORE_APP_PRESETS_H_
+#endif  // CATALOGCORE_APP_LIBRARY_H_

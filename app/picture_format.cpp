@@ -1,4 +1,4 @@
-#include "app/other_formats.h"
+#include "app/picture_format.h"
 
 #include <algorithm>
 #include <cstddef>

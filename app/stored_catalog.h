@@ -1,8 +1,8 @@
 // One catalogue, open: the library's calls, with the checks and the files that the command adds to them.
 //
 // A changing command takes the catalogue's lock before it opens it. One catalogue a process, one thread.
-#ifndef CATALOGCORE_APP_CATALOG_H_
-#define CATALOGCORE_APP_CATALOG_H_
+#ifndef CATALOGCORE_APP_STORED_CATALOG_H_
+#define CATALOGCORE_APP_STORED_CATALOG_H_
 
 #include <cstdint>
 #include <filesystem>
@@ -114,4 +114,4 @@ class Catalog {
 
 }  // namespace catalogcore::app
 
-#endif  // CATALOGCORE_APP_CATALOG_H_
+#endif  // CATALOGCORE_APP_STORED_CATALOG_H_

@@ -1,6 +1,6 @@
 // Formats that pictures have elsewhere and that are not decoded here, so that a message can name them.
-#ifndef CATALOGCORE_APP_OTHER_FORMATS_H_
-#define CATALOGCORE_APP_OTHER_FORMATS_H_
+#ifndef CATALOGCORE_APP_PICTURE_FORMAT_H_
+#define CATALOGCORE_APP_PICTURE_FORMAT_H_
 
 #include <cstdint>
 #include <span>
@@ -14,4 +14,4 @@ std::string WhyNotDecoded(std::span<const std::uint8_t, 12> start);
 
 }  // namespace catalogcore::app
 
-#endif  // CATALOGCORE_APP_OTHER_FORMATS_H_
+#endif  // CATALOGCORE_APP_PICTURE_FORMAT_H_

@@ -1,4 +1,4 @@
-#include "app/gallery/picture_records.h"
+#include "app/gallery/gallery_records.h"
 
 #include <fcntl.h>
 
