@@ -9,12 +9,12 @@
 #include <string_view>
 #include <system_error>
 
-#include "app/stored_catalog.h"
+#include "app/library.h"
 
 namespace catalogcore::app {
 namespace {
 
-// The file's text is "process 4711 (catalogcore sort)", with a line feed at its end.
+// The content of the file is "process 4711 (catalogcore sort)" and a line feed.
 constexpr std::string_view kBegin = "process ";
 constexpr std::string_view kMiddle = " (catalogcore ";
 constexpr std::string_view kEnd = ")\n";
@@ -22,7 +22,7 @@ constexpr std::size_t kLongest = 200;
 
 std::string Reason() { return std::generic_category().message(errno); }
 
-// The file's first bytes, one more than a lock has at most.
+// The first bytes of the file, one more than the longest content of a lock.
 std::string TextOf(const FileDescriptor& file) {
   std::array<char, kLongest + 1> text{};
   const ssize_t size = pread(file.Get(), text.data(), text.size(), 0);
@@ -42,13 +42,13 @@ std::string Holder(const FileDescriptor& file) {
   return IsHolder(text) ? text.substr(0, text.size() - 1) : "another process";
 }
 
-// Why the open file is not a lock that this user made; empty if it is. An empty one is, if it has no other name: its
-// maker did not get to write into it.
+// Why the open file is not a lock of this user; empty if it is. An empty file without another name is a lock: its creator
+// ended before it wrote the holder.
 std::string WhyForeign(const FileDescriptor& file, const struct stat& status) {
   if (status.st_uid != geteuid()) return "another user's file";
   const std::string text = TextOf(file);
   const bool isOurs = text.empty() ? status.st_size == 0 && status.st_nlink == 1 : IsHolder(text);
-  return isOurs ? "" : "a file of something else";
+  return isOurs ? "" : "not a lock file";
 }
 
 FileDescriptor OpenLock(const std::string& name) {
@@ -60,7 +60,7 @@ FileDescriptor OpenLock(const std::string& name) {
     throw CatalogError("cannot lock the catalogue with " + name + ": " + problem +
                        " (nothing was changed; move it away, or name another catalogue with --catalog)");
   }
-  // Some file systems know no permissions; on those nothing can be kept from anybody.
+  // File systems without permissions refuse this; the lock works without it.
   if ((status.st_mode & 0077) != 0) [[maybe_unused]]
     const int result = fchmod(file.Get(), 0600);
   return file;
@@ -74,18 +74,18 @@ bool Lock(const FileDescriptor& file, int operation) {
   return result == 0;
 }
 
-// That a lock cannot be read by the next one is no reason to fail.
+// A failure only affects the message of the next command, so it is ignored.
 void WriteHolder(const FileDescriptor& file, const std::string& command) {
   const std::string holder =
       std::string(kBegin) + std::to_string(getpid()) + std::string(kMiddle) + command + std::string(kEnd);
-  const bool isWritten = ftruncate(file.Get(), 0) == 0 && pwrite(file.Get(), holder.data(), holder.size(), 0) > 0;
-  static_cast<void>(isWritten);
+  [[maybe_unused]] const bool isWritten =
+      ftruncate(file.Get(), 0) == 0 && pwrite(file.Get(), holder.data(), holder.size(), 0) > 0;
 }
 
 FileDescriptor OpenLockIn(const std::filesystem::path& folder) {
   std::error_code error;
   std::filesystem::create_directories(folder, error);
-  if (error) throw CatalogError("cannot make " + folder.string() + ": " + error.message());
+  if (error) throw CatalogError("cannot create " + folder.string() + ": " + error.message());
   return OpenLock((folder / "lock").string());
 }
 

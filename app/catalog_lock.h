@@ -1,4 +1,4 @@
-// One command at a time changes a catalogue.
+// The lock of a catalogue: one command at a time changes it.
 #ifndef CATALOGCORE_APP_CATALOG_LOCK_H_
 #define CATALOGCORE_APP_CATALOG_LOCK_H_
 
@@ -10,15 +10,16 @@
 
 namespace catalogcore::app {
 
-// Holds the lock of a catalogue's folder, which is made if it is not there, until it goes out of scope or the process
-// ends, however it ends. The file "lock" in the folder says who holds it, and stays. Nobody else can open it, so nobody
-// else can keep the catalogue locked; what stands under its name and is not such a file is refused, and left as it is.
+// Holds the lock of a folder until the end of its lifetime or of the process. Creates the folder if it is missing. The
+// file "lock" in the folder names the holder and is never removed. Only its owner can open it, so no other user can keep
+// the catalogue locked. Any other file with that name is refused and left unchanged.
 class CatalogLock {
  public:
-  // Told who holds the lock before it is waited for: "FOLDER is being changed by process 4711 (catalogcore sort)".
+  // Called before the wait for a lock that another command holds, with the holder: "FOLDER is being changed by process
+  // 4711 (catalogcore sort)".
   using Waiting = std::function<void(const std::string& holder)>;
 
-  // Throws CatalogError: who holds the lock (unless there is a `waiting`), or why the folder cannot be used.
+  // Throws CatalogError if the folder cannot be used, or if another command holds the lock and `waiting` is empty.
   CatalogLock(const std::filesystem::path& folder, const std::string& command, const Waiting& waiting);
 
  private:

@@ -19,10 +19,10 @@ namespace fs = std::filesystem;
 
 using Identity = std::pair<dev_t, ino_t>;
 
-constexpr std::size_t kLongestKind = 8;  // what is longer, or not in ASCII letters and digits, is no extension
+constexpr std::size_t kLongestKind = 8;  // of an extension, which has only ASCII letters and digits
 constexpr std::size_t kNamedKinds = 6;
 
-// "PDF" of letter.pdf; empty if the name has no extension.
+// "PDF" for letter.pdf; empty for a name without an extension.
 std::string KindOf(const fs::path& file) {
   std::string kind = file.extension().string().substr(file.has_extension() ? 1 : 0);
   const auto isPlain = [](char c) {
@@ -57,11 +57,11 @@ class Finder {
   }
 
  private:
-  // What can be reached in two ways is searched once, under its own name; what contains itself is a loop.
+  // Searches a folder once, under its own name, however many links lead to it. Reports a link to a folder above.
   void Folder(const fs::path& folder) {
     struct stat status {};
     if (stat(folder.c_str(), &status) != 0) {
-      if (errno != ENOENT) report_(folder.string(), std::generic_category().message(errno));  // else gone meanwhile
+      if (errno != ENOENT) report_(folder.string(), std::generic_category().message(errno));  // else removed meanwhile
       return;
     }
     const Identity identity(status.st_dev, status.st_ino);

@@ -4,20 +4,21 @@
 
 #include <map>
 
-#include "app/catalog_records.h"
+#include "api/index_number.h"
+#include "app/session.h"
 
 namespace catalogcore::app {
 namespace {
 
 std::int32_t ParentOf(std::int32_t number) {
-  const std::string key = KeyOfNumber(number);
-  const std::size_t slash = key.rfind('/');
-  return slash == std::string::npos ? kRoot : NumberOfKey(std::string_view(key).substr(0, slash));
+  const std::string path = IndexPath(number);
+  const std::size_t slash = path.rfind('/');
+  return slash == std::string::npos ? kRoot : NumberOfIndexPath(path.substr(0, slash));
 }
 
-// Whether an index of that number has a place in the tree. A file may hold keys of which the library makes numbers that
-// stand for none (0), for the top (-1), or for another key.
-bool IsPlaced(std::int32_t number) { return number > 0 && NumberOfKey(KeyOfNumber(number)) == number; }
+// Whether the number has a place in the tree. For an invalid key of a file the library makes a number that stands for no
+// index (0), for the root (-1) or for another key.
+bool IsPlaced(std::int32_t number) { return number > 0 && NumberOfIndexPath(IndexPath(number)) == number; }
 
 std::string Listed(const std::vector<const IndexNode*>& nodes) {
   std::string text;
@@ -29,7 +30,7 @@ std::string Listed(const std::vector<const IndexNode*>& nodes) {
 
 }  // namespace
 
-IndexTree::IndexTree(const Catalog& catalog) {
+IndexTree::IndexTree(const StoredCatalog& catalog) {
   std::map<std::int32_t, std::size_t> counts;
   catalog.ForEachImage({}, [&counts](const Image& image) { ++counts[image.index]; });
   for (Index entry : catalog.Calls().Indexes().value()) {
@@ -66,8 +67,8 @@ const IndexNode& IndexTree::Resolve(const std::string& text) const {
   std::vector<const IndexNode*> exact;
   std::vector<const IndexNode*> inAnyCase;
   for (const IndexNode& node : nodes_) {
-    // Numbers first, so that every index can be named whatever the others are called.
-    if (text == std::to_string(node.entry.number) || text == KeyOfNumber(node.entry.number)) return node;
+    // Numbers take precedence over names, so a number always finds its index.
+    if (text == std::to_string(node.entry.number) || text == IndexPath(node.entry.number)) return node;
     if (text == node.path || text == node.entry.name) {
       exact.push_back(&node);
     } else if (strcasecmp(text.c_str(), node.path.c_str()) == 0 ||
@@ -76,8 +77,9 @@ const IndexNode& IndexTree::Resolve(const std::string& text) const {
     }
   }
   const std::vector<const IndexNode*>& found = exact.empty() ? inAnyCase : exact;
-  if (found.empty()) throw UsageError("there is no index \"" + text + "\" (`catalogcore tree` lists them)");
-  if (found.size() > 1) throw UsageError("\"" + text + "\" may be " + Listed(found) + "; give the number");
+  if (found.empty()) throw UsageError("there is no index \"" + text + "\" (`catalogcore tree` lists the indexes)");
+  if (found.size() > 1)
+    throw UsageError("\"" + text + "\" names several indexes: " + Listed(found) + "; give the number");
   return *found.front();
 }
 

@@ -1,11 +1,10 @@
-// The tree of indexes as people see it: names, counts, and finding an index by what a person calls it.
+// The tree of indexes: names, counts, and search by number, path or name.
 #ifndef CATALOGCORE_APP_INDEX_TREE_H_
 #define CATALOGCORE_APP_INDEX_TREE_H_
 
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -13,38 +12,31 @@
 
 namespace catalogcore::app {
 
-// A wrong use of the command; what() says what is wrong and what would be right.
-class UsageError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
 struct IndexNode {
   Index entry;
   std::int32_t parent = kRoot;
   std::size_t level = 0;   // 0: top of the tree
-  std::size_t images = 0;  // filed under it
-  std::size_t below = 0;   // filed under it and the indexes below it
+  std::size_t images = 0;  // filed under this index
+  std::size_t below = 0;   // filed under this index and the indexes below it
   std::string path;        // of names, "Photographs/People"
 };
 
 class IndexTree {
  public:
-  // With the counts as they are now.
-  explicit IndexTree(const Catalog& catalog);
+  // Counts the images now; later changes of the catalogue do not show.
+  explicit IndexTree(const StoredCatalog& catalog);
 
-  // Parents before children. Indexes of numbers that no command can make are passed over.
+  // Parents before children. Indexes with an invalid key are left out.
   const std::vector<IndexNode>& Nodes() const { return nodes_; }
 
-  // Null if there is none.
+  // Null if there is no such index.
   const IndexNode* Find(std::int32_t number) const;
 
-  // The name of an index, its number if it is not there.
+  // The name of an index, or the number of a missing one.
   std::string NameOf(std::int32_t number) const;
 
-  // The index that a person means by its number (1010000), its path in numbers (1/1), or else its path in names
-  // (Photographs/People) or its name, in any letter case if there is none in this one. Throws UsageError if there is
-  // none or more than one.
+  // Finds an index by its number (1010000) or path in numbers (1/1); else by its path in names (Photographs/People) or
+  // its name; else by these in any letter case. Throws UsageError unless exactly one index matches.
   const IndexNode& Resolve(const std::string& text) const;
 
  private:
@@ -52,7 +44,7 @@ class IndexTree {
   std::map<std::int32_t, std::size_t> positions_;  // in nodes_, by number
 };
 
-// The protections among the attributes in words: "move", "remove", "rename".
+// The operations that the attributes forbid: "move", "remove", "rename".
 std::vector<std::string> Protections(Attributes attributes);
 
 }  // namespace catalogcore::app

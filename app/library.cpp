@@ -1,4 +1,4 @@
-#include "app/scene.h"
+#include "app/library.h"
 
 #include <new>
 
@@ -6,7 +6,15 @@
 
 namespace catalogcore::app {
 
-Decision DecideScene(PicturePool& pictures, const catalogcore::Catalog& library, const std::string& file) {
+Catalog OpenLibrary() {
+  // A library without the recognizer's parameters opens; scene detection then reports that they are missing.
+  Result<Catalog> library = Catalog::Open();
+  if (!library) throw CatalogError("cannot open the library: " + Message(library.error()));
+  for (const Preset& preset : kPresets) library->SetPresetName(preset.number, preset.name).value();
+  return *std::move(library);
+}
+
+Decision DecideScene(PicturePool& pictures, const Catalog& library, const std::string& file) {
   Decision decision;
   try {
     pictures.Decode(file, [&](const PictureShape& picture, std::span<const std::uint8_t> pixels) {

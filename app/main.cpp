@@ -2,23 +2,14 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <thread>
 
 #include "app/commands/commands.h"
 #include "app/picture_worker.h"
 
 namespace catalogcore::app {
-
-void AddJobs(CLI::App& command, unsigned& jobs) {
-  jobs = std::max(std::thread::hardware_concurrency(), 1U);
-  command.add_option("--jobs", jobs, "Pictures to work on side by side; as many as there are cores if not given")
-      ->type_name("N")
-      ->check(CLI::Range(1U, 256U));
-}
 
 namespace {
 
@@ -26,9 +17,9 @@ void DescribeCommandLine(CLI::App& app, Session& session) {
   session.catalogFolder = DefaultCatalogFolder();
   app.set_version_flag("--version", "catalogcore " CATALOGCORE_VERSION);
   app.add_option("--catalog", session.catalogFolder,
-                 "Folder of the catalogue; $XDG_DATA_HOME/catalogcore, or ~/.local/share/catalogcore, if not given")
+                 "Folder of the catalogue; default: $XDG_DATA_HOME/catalogcore, or else ~/.local/share/catalogcore")
       ->type_name("DIR");
-  app.add_flag("--wait", session.waits, "Wait while another command changes the catalogue");
+  app.add_flag("--wait", session.waits, "Wait while another command changes the catalogue, instead of failing");
   app.require_subcommand(1);
   app.fallthrough();
   AddSort(app, session);
@@ -42,17 +33,17 @@ void DescribeCommandLine(CLI::App& app, Session& session) {
   AddExport(app, session);
   AddHelp(app);
   app.footer(
-      "Exit status: 0 all done, 1 some files were skipped, 2 wrong use, 3 the catalogue could not be read or "
-      "written.\n\n"
+      "Exit status: 0 success, 1 some files were skipped, 2 wrong use, 3 the catalogue could not be read or "
+      "written,\n130 stopped by Ctrl-C.\n\n"
       "Examples:\n"
-      "  catalogcore sort ~/Pictures        look at every picture and file it\n"
-      "  catalogcore tree                   what there is now\n"
-      "  catalogcore gallery ~/gallery      look at it with a browser\n\n"
-      "`catalogcore help COMMAND`, or `catalogcore COMMAND --help`, tells about each command.");
+      "  catalogcore sort ~/Pictures        classify every picture and file it\n"
+      "  catalogcore tree                   show the indexes and their number of images\n"
+      "  catalogcore gallery ~/gallery      make a page for the browser\n\n"
+      "`catalogcore help COMMAND` or `catalogcore COMMAND --help` describes a command.");
 }
 
-// A file that is opened must not become the standard output of a process that was started without one. What is opened
-// here instead fails when it is written to, and so it is noticed.
+// In a process that was started without standard output, the next file that is opened would become standard output. This
+// opens /dev/null in its place, so that writing fails and is reported.
 void OccupyStandardDescriptors() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) != -1) continue;
@@ -61,12 +52,13 @@ void OccupyStandardDescriptors() {
 }
 
 int Run(int argc, char** argv, Session& session) {
-  CLI::App app("Files pictures by what they show: documents by their size, photographs by whether faces show.",
+  CLI::App app("Files pictures by content: documents by paper size, photographs by whether they show faces.",
                "catalogcore");
   DescribeCommandLine(app, session);
   app.parse_complete_callback([&app, &session] {
     if (app.got_subcommand("help")) return;
-    if (session.catalogFolder.empty()) throw UsageError("there is no home folder; name the catalogue with --catalog");
+    if (session.catalogFolder.empty())
+      throw UsageError("$HOME is not set; name the folder of the catalogue with --catalog");
     session.catalogFolder = std::filesystem::absolute(session.catalogFolder).string();
   });
   try {

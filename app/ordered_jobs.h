@@ -1,4 +1,4 @@
-// Work on many things side by side, with the results taken in order.
+// Parallel work whose results are used in order.
 #ifndef CATALOGCORE_APP_ORDERED_JOBS_H_
 #define CATALOGCORE_APP_ORDERED_JOBS_H_
 
@@ -14,18 +14,18 @@
 
 namespace catalogcore::app {
 
-// Runs `work(i)` for i = 0 to count - 1 on `jobs` threads and `take(i, result)` on the calling thread, i ascending. No
-// thread begins more than a few rounds ahead of what was taken. When `stop` becomes true, what was begun is finished and
-// taken, up to the first that was not begun. Returns how many were taken. What `work` or `take` throws ends the
-// work and is thrown again.
+// Calls `work(i)` for i = 0 to count - 1 on `jobs` threads and `take(i, result)` on the calling thread, i ascending. The
+// threads keep at most kRoundsAhead results a thread that are not taken yet. When `stop` becomes true no further call of
+// `work` begins; those under way finish and their results are taken. Returns the number of results taken. An exception of
+// `work` or `take` ends the work and is thrown again.
 template <typename Work, typename Take>
 std::size_t RunInOrder(std::size_t count, unsigned jobs, const std::atomic<bool>& stop, Work work, Take take) {
-  using Result = decltype(work(std::size_t{}));
+  using Output = decltype(work(std::size_t{}));
   constexpr std::size_t kRoundsAhead = 16;
   const std::size_t threadCount = std::min<std::size_t>(std::max(jobs, 1U), count);
   std::mutex mutex;
   std::condition_variable changed;
-  std::map<std::size_t, Result> done;  // finished, and not taken yet
+  std::map<std::size_t, Output> done;  // not taken yet
   std::size_t next = 0;
   std::size_t taken = 0;
   std::size_t running = threadCount;
@@ -42,7 +42,7 @@ std::size_t RunInOrder(std::size_t count, unsigned jobs, const std::atomic<bool>
     try {
       for (std::size_t i = 0; begin(lock, i);) {
         lock.unlock();
-        Result result = work(i);
+        Output result = work(i);
         lock.lock();
         done.emplace(i, std::move(result));
         changed.notify_all();
@@ -66,7 +66,7 @@ std::size_t RunInOrder(std::size_t count, unsigned jobs, const std::atomic<bool>
     for (;;) {
       changed.wait(lock, [&] { return failure || done.count(taken) != 0 || running == 0; });
       if (failure || done.count(taken) == 0) break;
-      Result result = std::move(done.extract(taken).mapped());
+      Output result = std::move(done.extract(taken).mapped());
       lock.unlock();
       try {
         take(taken, std::move(result));

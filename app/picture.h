@@ -1,7 +1,7 @@
-// Pictures from files: decoding for scene detection, what their headers tell, and small copies of them. Everything that
-// touches libvips is behind this header.
+// Decodes picture files for scene detection, reads the facts of their headers and makes small copies. All use of libvips
+// is behind this header.
 //
-// Any thread may call these functions, after StartPictures.
+// Any thread may call these functions after StartPictures.
 #ifndef CATALOGCORE_APP_PICTURE_H_
 #define CATALOGCORE_APP_PICTURE_H_
 
@@ -10,72 +10,64 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
-#include <vector>
 
 namespace catalogcore::app {
 
-// A file that is no picture, not a whole one, or one too large to be held. what() says which, for a person, without the
-// file's name: "not an image file", "the image is cut short", "the image is damaged: bad Huffman code", "the image is too
-// large", "Permission denied".
+// A file that is not a picture, is incomplete or damaged, or exceeds a limit. what() says why, without the file name: "not
+// an image file", "the image is cut short", "the image is damaged: bad Huffman code", "Permission denied".
 class PictureError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Starts libvips, once a process and before other threads, with one thread a picture: pictures, not parts of one, are
-// worked on side by side. Messages of libvips and GLib are silenced from then on. Throws std::runtime_error.
+// Starts libvips with one thread a picture and silences the messages of libvips and GLib. Call it once a process, before
+// other threads start. Throws std::runtime_error.
 void StartPictures(const char* program);
 
-// Whether a file's name ends like that of a picture that can be decoded here (.jpg, .JPEG, .png, .tif, .webp, .heic, ...).
+// Whether the file name has the extension of a supported format (.jpg, .JPEG, .png, .tif, .webp, .heic, ...).
 bool HasPictureName(const std::filesystem::path& file);
 
-// What a file may have, by its header.
+// Limits on what the header of a file states.
 inline constexpr int kMostSamplesPerPixel = 5;  // four inks and transparency
 inline constexpr int kMostPasses = 100;         // of a JPEG file; encoders write about ten
 inline constexpr std::uint64_t kMostDecodedMegabytes = 2048;
-// Where the decoder holds the whole picture: WebP, HEIF, and JPEG and PNG in several passes. A JPEG decoder holds two
-// bytes a sample.
+// For decoders that hold the whole picture: WebP, HEIF, and JPEG and PNG in several passes. A JPEG decoder holds two bytes
+// a sample.
 inline constexpr std::uint64_t kMostHeldMegabytes = 1024;
 
-inline constexpr std::int32_t kLongestSide = 4096;  // pixels of a picture whose scene can be detected
+inline constexpr std::int32_t kLongestSide = 4096;  // pixels of a picture for scene detection
 inline constexpr std::size_t kMostPixelBytes = std::size_t{3} * kLongestSide * kLongestSide;
 
-// A picture upright, 8 bits a sample, no alpha: one sample a pixel if the file is grey, else three (red, green, blue).
+// A decoded picture: upright, 8 bits a sample, no alpha, one sample a pixel if the file is grey, else red, green, blue.
 struct PictureShape {
   std::int32_t width = 0;         // pixels, 1 to kLongestSide
   std::int32_t height = 0;        // rows, 1 to kLongestSide
   std::int32_t bitsPerPixel = 0;  // 8 or 24
   std::int32_t resolution = 0;    // dots per inch of these pixels; 0: unknown
-  std::string warning;            // what is wrong with a file that could be decoded all the same; empty: nothing
+  std::string warning;            // the defect of a file that could still be decoded; empty: none
 };
 
-struct Picture : PictureShape {
-  std::vector<std::uint8_t> pixels;  // height rows of width * bitsPerPixel / 8 bytes, no padding
-};
+// Returns a block for `bytes` bytes, at most kMostPixelBytes. DecodePicture may call it more than once.
+using PixelAllocator = std::function<std::uint8_t*(std::size_t bytes)>;
 
-// Returns where to decode to: at least `bytes` bytes, at most kMostPixelBytes. May be called again for the same picture.
-using PixelRoom = std::function<std::uint8_t*(std::size_t bytes)>;
+// Decodes the first picture of a file into the block that `allocate` returns last: `height` rows of `width` pixels
+// without padding. Reduces the picture, and its resolution with it, until no side exceeds kLongestSide. The content of
+// the file decides its format: JPEG, PNG, TIFF, WebP or HEIF. A JPEG file without its end is decoded with a warning if it
+// has at least half of its rows, or one complete pass of several. Throws PictureError, std::bad_alloc.
+PictureShape DecodePicture(const std::filesystem::path& file, const PixelAllocator& allocate);
 
-// Decodes the first picture of a file, reduced until no side is above kLongestSide; the resolution goes down with it.
-// The format is told by the file's content: JPEG, PNG, TIFF, WebP or HEIF. A JPEG file whose end is missing is decoded
-// with a warning if at least half of its rows are there, or one whole pass of several. Throws PictureError,
-// std::bad_alloc.
-PictureShape DecodePicture(const std::filesystem::path& file, const PixelRoom& room);
-Picture DecodePicture(const std::filesystem::path& file);
-
-// What the header of a file tells.
 struct PictureFacts {
   std::int32_t width = 0;  // pixels of the file, upright
   std::int32_t height = 0;
-  std::int32_t resolution = 0;  // dots per inch that a scanner could have meant; 0: none
-  std::string date;             // when it was taken, "2024-05-31 18:20:05"; else the file's time of change
+  std::int32_t resolution = 0;  // dots per inch, if a scanner may have written it (picture_facts.cpp); else 0
+  std::string date;             // when the picture was taken, "2024-05-31 18:20:05"; else the file's time of change
 };
 
-// Reads no pixels: a file with facts may still be cut short. Throws PictureError, std::bad_alloc.
+// Reads the header only: a file with facts may still be incomplete. Throws PictureError, std::bad_alloc.
 PictureFacts ReadPictureFacts(const std::filesystem::path& file);
 
-// An upright JPEG copy of at most side x side pixels, as the bytes of a file. Never enlarges. Throws PictureError,
-// std::bad_alloc.
+// The content of a JPEG file: the picture upright and reduced until no side exceeds `side` pixels. Never enlarges. Throws
+// PictureError, std::bad_alloc.
 std::string SmallCopy(const std::filesystem::path& file, int side);
 
 }  // namespace catalogcore::app

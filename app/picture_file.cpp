@@ -9,19 +9,16 @@
 #include <cerrno>
 #include <mutex>
 #include <new>
-#include <optional>
 #include <shared_mutex>
 #include <string_view>
 #include <system_error>
 
-#include "app/picture_format.h"
-
 namespace catalogcore::app {
 namespace {
 
-// A thread that waits to be alone keeps the door, so that those who come later cannot starve it.
-std::mutex door;
-std::shared_mutex room;
+// Held by a thread while it waits for `use`, so that later threads cannot starve a thread that waits for exclusive use.
+std::mutex entry;
+std::shared_mutex use;
 
 [[noreturn]] void FailBySystem() { throw PictureError(std::generic_category().message(errno)); }
 
@@ -30,31 +27,13 @@ bool StartsWith(std::span<const std::uint8_t> bytes, std::string_view start) {
                     [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
 }
 
-// Nothing if it is none of them. Of HEIF, ISO/IEC 23008-12, and AVIF the brands that stand for pictures: films begin
-// like them.
-std::optional<Content> ContentOf(std::span<const std::uint8_t, 12> start) {
-  using namespace std::string_view_literals;
-  if (StartsWith(start, "\xFF\xD8\xFF")) return Content::kJpeg;
-  if (StartsWith(start, "\x89PNG\r\n\x1A\n")) return Content::kPng;
-  if (StartsWith(start, "RIFF") && StartsWith(start.subspan(8), "WEBP")) return Content::kWebP;
-  for (const std::string_view tiff : {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv}) {
-    if (StartsWith(start, tiff)) return Content::kTiff;
-  }
-  for (const std::string_view brand :
-       {"heic", "heix", "heim", "heis", "hevc", "hevx", "mif1", "msf1", "avif", "avis"}) {
-    const bool known = vips_type_find("VipsOperation", "heifload_source") != 0;
-    if (known && StartsWith(start.subspan(4), "ftyp") && StartsWith(start.subspan(8), brand)) return Content::kHeif;
-  }
-  return std::nullopt;
-}
-
 bool Contains(std::string_view text, std::initializer_list<std::string_view> phrases) {
   return std::any_of(phrases.begin(), phrases.end(),
                      [text](std::string_view phrase) { return text.find(phrase) != text.npos; });
 }
 
-// The first line tells the cause, but for those that sound files cause too, and those that say nothing. Without the name
-// of the part of libvips, and without what may not be printed: messages may quote the file.
+// The cause among the messages of libvips: the first line that is not empty and that intact files do not cause. Drops the
+// name of the libvips domain and replaces unprintable characters: messages may quote the file.
 std::string Detail(std::string_view errors) {
   while (!errors.empty()) {
     std::string_view line = errors.substr(0, errors.find('\n'));
@@ -86,7 +65,7 @@ PictureFile::~PictureFile() {
 }
 
 void PictureFile::Examine(const std::filesystem::path& path) {
-  // Opening a pipe without a writer must not wait.
+  // O_NONBLOCK: opening a pipe without a writer must not wait.
   descriptor_ = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
   if (descriptor_ < 0) FailBySystem();
   struct stat status = {};
@@ -96,29 +75,29 @@ void PictureFile::Examine(const std::filesystem::path& path) {
   changeTime_ = status.st_mtime;
   std::array<std::uint8_t, 12> start = {};
   if (!Read(0, start)) throw PictureError(size_ == 0 ? "the file is empty" : "not an image file");
-  const std::optional<Content> content = ContentOf(start);
-  if (!content) throw PictureError(WhyNotDecoded(start));
-  content_ = *content;
+  const std::optional<PictureFormat> format = FormatOf(start);
+  if (!format) throw PictureError(WhyNotDecoded(start));
+  format_ = *format;
   source_.reset(vips_source_new_from_descriptor(descriptor_));
-  if (source_ == nullptr) FailBySystem();  // a copy of the descriptor
+  if (source_ == nullptr) FailBySystem();  // it duplicates the descriptor
 }
 
-Image PictureFile::Open(VipsFailOn failOn, int shrink) const {
+OwnedImage PictureFile::Open(VipsFailOn failOn, int shrink) const {
   VipsImage* out = nullptr;
   const auto load = [&](auto loader, auto... reduction) {
     return Taken(
         loader(source_.get(), &out, "access", VIPS_ACCESS_SEQUENTIAL, "fail_on", failOn, reduction..., nullptr), out);
   };
-  switch (content_) {
-    case Content::kJpeg:
+  switch (format_) {
+    case PictureFormat::kJpeg:
       return load(vips_jpegload_source, "shrink", shrink);
-    case Content::kPng:
+    case PictureFormat::kPng:
       return load(vips_pngload_source);
-    case Content::kTiff:
+    case PictureFormat::kTiff:
       return load(vips_tiffload_source);
-    case Content::kWebP:
+    case PictureFormat::kWebP:
       return load(vips_webpload_source, "scale", 1.0 / shrink);
-    case Content::kHeif:
+    case PictureFormat::kHeif:
       break;
   }
   return load(vips_heifload_source);
@@ -137,12 +116,12 @@ bool PictureFile::Read(std::uint64_t offset, std::span<std::uint8_t> bytes) cons
 }
 
 bool PictureFile::IsCutShort() const {
-  if (content_ == Content::kPng) {
-    std::array<std::uint8_t, 8> end = {};  // the last chunk's name and sum
+  if (format_ == PictureFormat::kPng) {
+    std::array<std::uint8_t, 8> end = {};  // name and checksum of the last chunk
     return !Read(size_ - end.size(), end) || !StartsWith(end, "IEND");
   }
-  if (content_ == Content::kWebP) {
-    std::array<std::uint8_t, 4> stated = {};  // bytes behind these
+  if (format_ == PictureFormat::kWebP) {
+    std::array<std::uint8_t, 4> stated = {};  // number of bytes behind these
     if (!Read(4, stated)) return true;
     std::uint64_t bytes = 0;
     for (std::size_t i = stated.size(); i-- > 0;) bytes = bytes << 8 | stated[i];
@@ -151,12 +130,12 @@ bool PictureFile::IsCutShort() const {
   return false;
 }
 
-LibvipsUse::LibvipsUse(bool alone) : alone_(alone) {
-  const std::lock_guard through(door);
-  alone ? room.lock() : room.lock_shared();
+LibvipsUse::LibvipsUse(bool isExclusive) : isExclusive_(isExclusive) {
+  const std::lock_guard waiting(entry);
+  isExclusive_ ? use.lock() : use.lock_shared();
 }
 
-LibvipsUse::~LibvipsUse() { alone_ ? room.unlock() : room.unlock_shared(); }
+LibvipsUse::~LibvipsUse() { isExclusive_ ? use.unlock() : use.unlock_shared(); }
 
 void ThrowReason(const PictureFile& file, VipsFailOn failOn) {
   const std::string errors = vips_error_buffer();
@@ -170,21 +149,21 @@ void ThrowReason(const PictureFile& file, VipsFailOn failOn) {
                         "IO error during reading", "Read error", "Not enough data", "got 0 bytes"})) {
     throw CutShort();
   }
-  // Bytes between the segments and other oddities, of which the pixels know nothing.
-  const bool warning = failOn == VIPS_FAIL_ON_WARNING;
-  if (warning && !Contains(errors, {"premature end of data segment", "bad Huffman code", "instead of RST"})) return;
+  // Warnings about bytes between segments and the like, which do not affect the pixels.
+  const bool isWarning = failOn == VIPS_FAIL_ON_WARNING;
+  if (isWarning && !Contains(errors, {"premature end of data segment", "bad Huffman code", "instead of RST"})) return;
   const std::string detail = Detail(errors);
   throw PictureError(detail.empty() ? "the image is damaged" : "the image is damaged: " + detail);
 }
 
 void StartPictures(const char* program) {
-  // Libraries have nothing to say to the person but through PictureError; what ends the process is shown.
+  // Messages reach the person only through PictureError. A fatal message is printed before the process ends.
   g_log_set_default_handler(
       [](const char* domain, GLogLevelFlags level, const char* message, void* data) {
         if ((level & G_LOG_FLAG_FATAL) != 0) g_log_default_handler(domain, level, message, data);
       },
       nullptr);
-  if (VIPS_INIT(program) != 0) throw std::runtime_error(std::string("libvips does not start: ") + vips_error_buffer());
+  if (VIPS_INIT(program) != 0) throw std::runtime_error(std::string("cannot start libvips: ") + vips_error_buffer());
   vips_concurrency_set(1);
   vips_cache_set_max(0);
 }

@@ -1,8 +1,7 @@
-// An image file as libvips reads it, and what its failures are called.
+// An open picture file, and the errors of libvips in words. Internal to the files that call libvips.
 //
-// libvips keeps one text of errors a process, so with several threads at work nobody knows whose it is. A picture that
-// fails is therefore tried again while no other is worked on; what the text says then is its own. Damage is rare, and
-// the reason is worth a second try.
+// libvips keeps one error text a process, so with several threads nobody knows whose error it holds. A picture that fails is
+// decoded again with exclusive use of libvips; the error text then is its own. Damage is rare, so the second attempt is cheap.
 #ifndef CATALOGCORE_APP_PICTURE_FILE_H_
 #define CATALOGCORE_APP_PICTURE_FILE_H_
 
@@ -17,13 +16,14 @@
 #include <string>
 
 #include "app/picture.h"
+#include "app/picture_format.h"
 
 namespace catalogcore::app {
 
 struct Unreference {
   void operator()(void* object) const { g_object_unref(object); }
 };
-using Image = std::unique_ptr<VipsImage, Unreference>;
+using OwnedImage = std::unique_ptr<VipsImage, Unreference>;
 
 // The file ends before the image does.
 class CutShort : public PictureError {
@@ -31,43 +31,39 @@ class CutShort : public PictureError {
   CutShort() : PictureError("the image is cut short") {}
 };
 
-// A call of libvips failed; why is in its text of errors. Never leaves UseLibvips.
+// A call of libvips failed; the error text says why. Caught by UseLibvips.
 struct LibvipsFailure {};
 
-// The image that a call has written to `image`. A reference, as arguments are evaluated in any order.
-inline Image Taken(int failed, VipsImage* const& image) {
+// The image that a call of libvips wrote to `image`. `image` is a reference because arguments are evaluated in any order.
+inline OwnedImage Taken(int failed, VipsImage* const& image) {
   if (failed != 0 || image == nullptr) throw LibvipsFailure();
-  return Image(image);
+  return OwnedImage(image);
 }
-
-// By the file's first bytes; its name does not count. No other format reaches libvips, which would hand some to
-// libraries that were never meant for a stranger's files.
-enum class Content { kJpeg, kPng, kTiff, kWebP, kHeif };
 
 class PictureFile {
  public:
-  // Throws PictureError: cannot be opened, is no image file, or no regular file, so that nothing waits for a pipe.
+  // Never waits for a pipe. Throws PictureError if the file cannot be opened, is not a regular file or not a picture.
   explicit PictureFile(const std::filesystem::path& path);
   PictureFile(const PictureFile&) = delete;
   PictureFile& operator=(const PictureFile&) = delete;
   ~PictureFile();
 
-  // The first picture of the file, of which only the header is read yet; rows have to be taken from the top down. An
-  // image must be gone before the next one is opened: they share the place in the file. `shrink` is what its decoder
-  // divides the sides by: JPEG 1, 2, 4 or 8, WebP any, others 1. To be called inside UseLibvips.
-  Image Open(VipsFailOn failOn, int shrink = 1) const;
+  // Opens the first picture of the file and reads its header. Read the rows from the top down. Destroy an image before
+  // opening the next: they share the file position. The decoder divides the sides by `shrink`: 1, 2, 4 or 8 for JPEG, any
+  // number for WebP, else 1. REQUIRES: inside UseLibvips.
+  OwnedImage Open(VipsFailOn failOn, int shrink = 1) const;
 
-  // What to fail on. Libraries for other formats than JPEG fail where pixels are lost, and warn of what harms nobody;
-  // that for JPEG never fails, and warns of everything.
-  VipsFailOn Strictness() const { return content_ == Content::kJpeg ? VIPS_FAIL_ON_WARNING : VIPS_FAIL_ON_ERROR; }
+  // The errors that a first attempt fails on. Decoders other than JPEG's report an error where pixels are lost, and a
+  // harmless defect as a warning. JPEG's reports everything as a warning.
+  VipsFailOn Strictness() const { return format_ == PictureFormat::kJpeg ? VIPS_FAIL_ON_WARNING : VIPS_FAIL_ON_ERROR; }
 
-  // Reads the bytes at `offset`; false if the file is not that long.
+  // Fills `bytes` from `offset` on. False if the file ends before.
   bool Read(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
 
   std::uint64_t Size() const { return size_; }
-  Content FileContent() const { return content_; }
+  PictureFormat Format() const { return format_; }
   std::time_t ChangeTime() const { return changeTime_; }
-  bool IsCutShort() const;  // as far as its first and last bytes tell
+  bool IsCutShort() const;  // by the first and last bytes of the file
 
  private:
   void Examine(const std::filesystem::path& path);
@@ -75,26 +71,29 @@ class PictureFile {
   int descriptor_ = -1;
   std::uint64_t size_ = 0;
   std::time_t changeTime_ = 0;
-  Content content_ = Content::kJpeg;
+  PictureFormat format_ = PictureFormat::kJpeg;
   std::unique_ptr<VipsSource, Unreference> source_;
 };
 
-// Holds off the threads that look for a reason, or (`alone`) all others.
+// Shared or exclusive use of libvips by one thread.
 class LibvipsUse {
  public:
-  explicit LibvipsUse(bool alone);
+  explicit LibvipsUse(bool isExclusive);
   LibvipsUse(const LibvipsUse&) = delete;
   LibvipsUse& operator=(const LibvipsUse&) = delete;
   ~LibvipsUse();
 
  private:
-  const bool alone_;
+  const bool isExclusive_;
 };
 
-// Throws what libvips' text of errors means for a file, and clears it; returns if it holds harmless warnings alone.
+// Throws the error for the error text of libvips, and clears the text. Returns if it holds only harmless warnings.
 void ThrowReason(const PictureFile& file, VipsFailOn failOn);
 
-// Returns work(failOn), which throws LibvipsFailure when a call of libvips fails; that becomes a PictureError here.
+// Width, height and resolution of a file. `header` is its header at full size.
+PictureFacts FactsOf(const PictureFile& file, VipsImage* header);
+
+// Returns work(failOn). When a call of libvips fails, `work` throws LibvipsFailure, and this PictureError.
 template <typename Work>
 auto UseLibvips(const PictureFile& file, const Work& work) {
   try {

@@ -1,8 +1,12 @@
 #include "app/picture_format.h"
 
+#include <vips/vips.h>
+
 #include <algorithm>
 #include <cstddef>
 #include <string_view>
+
+#include "app/picture.h"
 
 namespace catalogcore::app {
 namespace {
@@ -15,7 +19,7 @@ struct Signature {
   std::string_view bytes;
 };
 
-// The first that matches counts.
+// Formats that are not decoded. The first match counts.
 constexpr Signature kSignatures[] = {
     {"GIF", 0, "GIF8"sv},
     {"PDF", 0, "%PDF-"sv},
@@ -34,10 +38,16 @@ constexpr Signature kSignatures[] = {
     {"a film", 4, "ftyp"sv},
 };
 
-// Two letters alone would take texts for pictures; the four bytes behind the file's size are 0.
+std::string TextOf(std::span<const std::uint8_t, 12> start) {
+  std::string text(start.size(), '\0');
+  std::transform(start.begin(), start.end(), text.begin(), [](std::uint8_t byte) { return static_cast<char>(byte); });
+  return text;
+}
+
+// "BM" alone also begins texts; the four bytes behind the file size of a bitmap are 0.
 bool IsBmp(std::string_view start) { return start.substr(0, 2) == "BM" && start.substr(6, 4) == "\0\0\0\0"sv; }
 
-const char* FormatOf(std::string_view start) {
+const char* NameOfOtherFormat(std::string_view start) {
   if (IsBmp(start)) return "BMP";
   for (const Signature& signature : kSignatures) {
     if (start.substr(signature.offset, signature.bytes.size()) == signature.bytes) return signature.format;
@@ -45,12 +55,43 @@ const char* FormatOf(std::string_view start) {
   return nullptr;
 }
 
+// Whether this libvips decodes HEIF and AVIF.
+bool CanDecodeHeif() { return vips_type_find("VipsOperation", "heifload_source") != 0; }
+
+// HEIF is ISO/IEC 23008-12. These brands of HEIF and AVIF stand for pictures; films begin with the same bytes.
+bool IsHeif(std::string_view start) {
+  const auto brands = {"heic"sv, "heix"sv, "heim"sv, "heis"sv, "hevc"sv,
+                       "hevx"sv, "mif1"sv, "msf1"sv, "avif"sv, "avis"sv};
+  return start.substr(4, 4) == "ftyp" && std::ranges::find(brands, start.substr(8, 4)) != brands.end();
+}
+
 }  // namespace
 
+bool HasPictureName(const std::filesystem::path& file) {
+  std::string extension = file.extension().string();
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  for (const char* const known : {".jpg", ".jpeg", ".jpe", ".jfif", ".png", ".tif", ".tiff", ".webp"}) {
+    if (extension == known) return true;
+  }
+  const bool isHeif = extension == ".heic" || extension == ".heif" || extension == ".hif" || extension == ".avif";
+  return isHeif && CanDecodeHeif();
+}
+
+std::optional<PictureFormat> FormatOf(std::span<const std::uint8_t, 12> bytes) {
+  const std::string start = TextOf(bytes);
+  if (start.starts_with("\xFF\xD8\xFF")) return PictureFormat::kJpeg;
+  if (start.starts_with("\x89PNG\r\n\x1A\n")) return PictureFormat::kPng;
+  if (start.starts_with("RIFF") && start.ends_with("WEBP")) return PictureFormat::kWebP;
+  for (const std::string_view tiff : {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv}) {
+    if (start.starts_with(tiff)) return PictureFormat::kTiff;
+  }
+  if (IsHeif(start) && CanDecodeHeif()) return PictureFormat::kHeif;
+  return std::nullopt;
+}
+
 std::string WhyNotDecoded(std::span<const std::uint8_t, 12> start) {
-  std::string bytes(start.size(), '\0');
-  std::transform(start.begin(), start.end(), bytes.begin(), [](std::uint8_t byte) { return static_cast<char>(byte); });
-  const char* const format = FormatOf(bytes);
+  const char* const format = NameOfOtherFormat(TextOf(start));
   return format ? std::string(format) + " is not a supported format (JPEG, PNG, TIFF, WebP and HEIF are)"
                 : "not an image file";
 }

@@ -1,15 +1,22 @@
-// Formats that pictures have elsewhere and that are not decoded here, so that a message can name them.
+// The formats of picture files: those that are decoded, and those that messages name.
 #ifndef CATALOGCORE_APP_PICTURE_FORMAT_H_
 #define CATALOGCORE_APP_PICTURE_FORMAT_H_
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 
 namespace catalogcore::app {
 
-// Why a file that begins with these bytes, and is in no format that is decoded here, is not: "GIF is not a supported
-// format (JPEG, PNG, TIFF, WebP and HEIF are)", or "not an image file" if the bytes are unknown.
+// No other format reaches libvips, which would pass some to libraries that were not written for untrusted files.
+enum class PictureFormat { kJpeg, kPng, kTiff, kWebP, kHeif };
+
+// The format of a file with these first bytes. Nothing for a format that is not decoded.
+std::optional<PictureFormat> FormatOf(std::span<const std::uint8_t, 12> start);
+
+// Why a file for which FormatOf returns nothing is not decoded: "GIF is not a supported format (JPEG, PNG, TIFF, WebP and
+// HEIF are)", or "not an image file" for unknown bytes.
 std::string WhyNotDecoded(std::span<const std::uint8_t, 12> start);
 
 }  // namespace catalogcore::app

@@ -17,7 +17,7 @@ bool IsSet(VipsImage* header, const char* field) {
 
 bool HasSeveralPasses(VipsImage* header) { return IsSet(header, "interlaced") || IsSet(header, "jpeg-multiscan"); }
 
-// The bytes of a file one after the other, read in large pieces.
+// Reads the bytes of a file in order, with a buffer.
 class ByteReader {
  public:
   explicit ByteReader(const PictureFile& file) : file_(file) {}
@@ -41,7 +41,7 @@ class ByteReader {
   std::size_t length_ = 0;
 };
 
-// The code of the next marker, ITU-T T.81, B.1.1.2. Among entropy-coded bytes FF is followed by 0 or a restart marker.
+// The code of the next marker segment (ITU-T T.81, B.1.1.2). In entropy-coded data FF precedes 0 or a restart marker.
 std::optional<std::uint8_t> NextMarker(ByteReader& bytes) {
   std::optional<std::uint8_t> byte = bytes.Next();
   for (;;) {
@@ -52,7 +52,7 @@ std::optional<std::uint8_t> NextMarker(ByteReader& bytes) {
   }
 }
 
-// The scans of a JPEG file, counted until there are more than `most`.
+// The number of scans in a JPEG file, or most + 1 for more than `most`.
 int CountScans(const PictureFile& file, int most) {
   constexpr std::uint8_t kEndOfImage = 0xD9;
   constexpr std::uint8_t kStartOfScan = 0xDA;
@@ -65,7 +65,7 @@ int CountScans(const PictureFile& file, int most) {
     const std::optional<std::uint8_t> high = bytes.Next();
     const std::optional<std::uint8_t> low = bytes.Next();
     if (!high || !low) break;
-    const int length = *high << 8 | *low;  // with these two bytes
+    const int length = *high << 8 | *low;  // includes these two bytes
     bytes.Skip(static_cast<std::uint64_t>(std::max(length, 2) - 2));
   }
   return scans;
@@ -82,7 +82,7 @@ int RowsThatDecode(VipsImage* image) {
   return height;
 }
 
-// Whole numbers of 8 to 32 bits, and floating-point numbers of 32.
+// Integers of 8 to 32 bits and floating-point numbers of 32 bits.
 bool IsKnownFormat(VipsBandFormat format) { return format >= VIPS_FORMAT_UCHAR && format <= VIPS_FORMAT_FLOAT; }
 
 void RefuseBytes(std::uint64_t bytes, std::uint64_t mostMegabytes, const char* what) {
@@ -102,13 +102,13 @@ void RefuseBeyondLimits(const PictureFile& file, VipsImage* header) {
   if (!IsKnownFormat(vips_image_get_format(header))) {
     throw PictureError("the image has samples of 64 bits or complex numbers, which cannot be decoded");
   }
-  const bool isJpeg = file.FileContent() == Content::kJpeg;
+  const bool isJpeg = file.Format() == PictureFormat::kJpeg;
   const auto pixels = static_cast<std::uint64_t>(vips_image_get_width(header)) *
                       static_cast<std::uint64_t>(vips_image_get_height(header));
   const auto bytesPerPixel =
       std::uint64_t{vips_format_sizeof(vips_image_get_format(header))} * static_cast<std::uint64_t>(samples);
   RefuseBytes(pixels * bytesPerPixel, kMostDecodedMegabytes, "to decode");
-  if (HasSeveralPasses(header) || file.FileContent() == Content::kWebP || file.FileContent() == Content::kHeif) {
+  if (HasSeveralPasses(header) || file.Format() == PictureFormat::kWebP || file.Format() == PictureFormat::kHeif) {
     RefuseBytes(pixels * bytesPerPixel * (isJpeg ? 2 : 1), kMostHeldMegabytes, "to hold at once");
   }
   if (isJpeg && HasSeveralPasses(header) && CountScans(file, kMostPasses) > kMostPasses) {
@@ -117,10 +117,10 @@ void RefuseBeyondLimits(const PictureFile& file, VipsImage* header) {
 }
 
 bool HasMostOf(const PictureFile& file) {
-  if (file.FileContent() != Content::kJpeg) return false;
+  if (file.Format() != PictureFormat::kJpeg) return false;
   const LibvipsUse use(false);
   try {
-    const Image image = file.Open(VIPS_FAIL_ON_TRUNCATED);
+    const OwnedImage image = file.Open(VIPS_FAIL_ON_TRUNCATED);
     if (HasSeveralPasses(image.get())) return CountScans(file, 1) > 1;
     return RowsThatDecode(image.get()) >= vips_image_get_height(image.get()) / 2;
   } catch (const LibvipsFailure&) {

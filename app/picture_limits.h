@@ -1,5 +1,5 @@
-// What a picture may cost to decode, checked on its header before any pixel is decoded, and what is decoded of a picture
-// whose end is missing.
+// Limits on the cost of a picture, checked on its header before any pixel is decoded, and the rule for a picture without
+// its end.
 #ifndef CATALOGCORE_APP_PICTURE_LIMITS_H_
 #define CATALOGCORE_APP_PICTURE_LIMITS_H_
 
@@ -7,14 +7,14 @@
 
 namespace catalogcore::app {
 
-// Throws PictureError, which names the limit. `header` is the file's, at full size. To be called inside UseLibvips.
+// Throws PictureError, which names the limit. `header` is the header of the file at full size. REQUIRES: inside UseLibvips.
 void RefuseBeyondLimits(const PictureFile& file, VipsImage* header);
 
 // Whether at least half of the rows of a JPEG file can be decoded, or the first of several passes. False for other
-// files: their decoders give nothing of a part, or a part that cannot be trusted.
+// formats: their decoders return nothing or unreliable pixels for an incomplete file.
 bool HasMostOf(const PictureFile& file);
 
-// As UseLibvips; work(VIPS_FAIL_ON_NONE) once more for a file whose end alone is missing.
+// As UseLibvips. Calls work(VIPS_FAIL_ON_NONE) for a file without its end if HasMostOf(file).
 template <typename Work>
 auto UseMostOf(const PictureFile& file, const Work& work) {
   try {

@@ -1,8 +1,9 @@
-// What the pool and its workers say to each other: one packet a request, one a reply. Both are the same program, so
-// the structures go as they lie in memory. What a worker says is not trusted: a picture may have taken it over.
+// The messages between the pool and its workers: each request and each reply is one packet. Pool and worker are the same
+// program, so the structures are sent as they lie in memory. The pool does not trust a reply: a picture may have taken
+// control of the worker.
 //
-// The pixels, or the bytes of a small copy, lie in a file in memory of kMostPixelBytes that both have mapped. Its size is
-// sealed, so that no worker can pull it away from under the pool.
+// The pixels, or the bytes of a small copy, lie in a memory file of kMostPixelBytes that both processes map. Its size is
+// sealed, so a worker cannot shrink it while the pool reads.
 #ifndef CATALOGCORE_APP_PICTURE_MESSAGES_H_
 #define CATALOGCORE_APP_PICTURE_MESSAGES_H_
 
@@ -11,13 +12,13 @@
 
 namespace catalogcore::app {
 
-// The first argument of a worker's command line. Behind it: the descriptors of the socket and of the file in memory, and
-// the megabytes that it may allocate.
+// The first argument of a worker's command line. The others: the descriptors of the socket and of the memory file, and the
+// megabytes that the worker may allocate.
 inline constexpr char kWorkerArgument[] = "--decode-pictures";
 
 enum class Task : std::uint32_t { kDecode, kFacts, kSmallCopy };
 
-struct Request {  // the file's path follows
+struct Request {  // the path of the file follows in the packet
   Task task = Task::kDecode;
   std::int32_t side = 0;  // of a small copy
 };
@@ -32,10 +33,10 @@ struct Reply {
   std::int32_t resolution = 0;
   std::uint32_t copyBytes = 0;
   std::array<char, 20> date{};   // ends with a 0
-  std::array<char, 400> text{};  // why it failed, or a warning; ends with a 0
+  std::array<char, 400> text{};  // the reason of a failure, or a warning; ends with a 0
 };
 
-// The status of a worker that ends because it got no memory.
+// The exit status of a worker that is out of memory.
 inline constexpr int kOutOfMemoryStatus = 112;
 
 }  // namespace catalogcore::app

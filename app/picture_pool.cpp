@@ -13,11 +13,11 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <optional>
 #include <stdexcept>
 #include <system_error>
 
 #include "app/picture_messages.h"
+#include "persist/file_descriptor.h"
 
 extern char** environ;
 
@@ -33,23 +33,6 @@ constexpr std::chrono::seconds kTimeToStart(60);
   throw std::runtime_error("cannot start a process to decode pictures: " + std::generic_category().message(why));
 }
 
-class Descriptor {
- public:
-  explicit Descriptor(int number) : number_(number) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() { Close(); }
-
-  int Number() const { return number_; }
-  void Close() {
-    if (number_ >= 0) close(number_);
-    number_ = -1;
-  }
-
- private:
-  int number_;
-};
-
 template <std::size_t size>
 std::string TextOf(const std::array<char, size>& from) {
   std::string text(from.begin(), std::find(from.begin(), from.end(), '\0'));
@@ -60,7 +43,7 @@ std::string TextOf(const std::array<char, size>& from) {
 
 bool IsSide(std::int32_t side) { return side >= 1 && side <= kLongestSide; }
 
-// The bytes of a picture's pixels; 0 if the reply cannot be one to kDecode.
+// The number of bytes of the pixels; 0 for an invalid reply to kDecode.
 std::size_t PixelBytes(const Reply& reply) {
   const bool isGrey = reply.bitsPerPixel == 8;
   if (!IsSide(reply.width) || !IsSide(reply.height) || (!isGrey && reply.bitsPerPixel != 24)) return 0;
@@ -84,14 +67,14 @@ unsigned DefaultMegabytes() {
 
 class PicturePool::Worker {
  public:
-  // Waits until the process is ready: if it is not, that is no picture's fault.
+  // Returns when the process is ready, so that a failure to start is not reported as a failure of a picture.
   explicit Worker(unsigned megabytes)
       : megabytes_(megabytes), memory_(memfd_create("pictures", MFD_CLOEXEC | MFD_ALLOW_SEALING)) {
-    if (memory_.Number() < 0 || ftruncate(memory_.Number(), static_cast<off_t>(kMostPixelBytes)) != 0 ||
-        fcntl(memory_.Number(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) != 0) {
+    if (memory_.Get() < 0 || ftruncate(memory_.Get(), static_cast<off_t>(kMostPixelBytes)) != 0 ||
+        fcntl(memory_.Get(), F_ADD_SEALS, F_SEAL_SHRINK | F_SEAL_GROW | F_SEAL_SEAL) != 0) {
       FailToStart(errno);
     }
-    void* const mapped = mmap(nullptr, kMostPixelBytes, PROT_READ, MAP_SHARED, memory_.Number(), 0);
+    void* const mapped = mmap(nullptr, kMostPixelBytes, PROT_READ, MAP_SHARED, memory_.Get(), 0);
     if (mapped == MAP_FAILED) FailToStart(errno);
     shared_ = static_cast<const std::uint8_t*>(mapped);
     try {
@@ -108,15 +91,15 @@ class PicturePool::Worker {
   const std::uint8_t* Shared() const { return shared_; }
   const Reply& LastReply() const { return reply_; }
 
-  // How a process ended that crashed, for a person.
+  // How a crashed process ended, for messages.
   std::string Death() const {
     if (WIFSIGNALED(status_)) return strsignal(WTERMSIG(status_));
     return "status " + std::to_string(WEXITSTATUS(status_));
   }
 
-  // How the process ended, unless it answered: then it can be asked again.
+  // Sends a request and waits for the reply. After any result but kAnswered and kRefused the process has ended.
   Ending Ask(const std::string& packet, std::chrono::seconds limit) {
-    if (send(socket_->Number(), packet.data(), packet.size(), MSG_NOSIGNAL) < 0 && errno == EMSGSIZE) {
+    if (send(socket_.Get(), packet.data(), packet.size(), MSG_NOSIGNAL) < 0 && errno == EMSGSIZE) {
       throw PictureError(std::generic_category().message(ENAMETOOLONG));
     }
     const Ending ending = Receive(limit);
@@ -129,21 +112,21 @@ class PicturePool::Worker {
   void Start() {
     std::array<int, 2> pair{};
     if (socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, pair.data()) != 0) FailToStart(errno);
-    socket_.emplace(pair[0]);
-    Descriptor far(pair[1]);
-    std::string name = "catalogcore", argument = kWorkerArgument, socket = std::to_string(far.Number()),
-                memory = std::to_string(memory_.Number()), megabytes = std::to_string(megabytes_);
+    socket_ = FileDescriptor(pair[0]);
+    FileDescriptor far(pair[1]);
+    std::string name = "catalogcore", argument = kWorkerArgument, socket = std::to_string(far.Get()),
+                memory = std::to_string(memory_.Get()), megabytes = std::to_string(megabytes_);
     const std::array<char*, 6> arguments = {name.data(),   argument.data(),  socket.data(),
                                             memory.data(), megabytes.data(), nullptr};
     posix_spawn_file_actions_t files;
     posix_spawnattr_t attributes;
     posix_spawn_file_actions_init(&files);
     posix_spawnattr_init(&attributes);
-    // A descriptor copied onto itself stays open in the new process.
-    posix_spawn_file_actions_adddup2(&files, far.Number(), far.Number());
-    posix_spawn_file_actions_adddup2(&files, memory_.Number(), memory_.Number());
+    // A descriptor duplicated to its own number stays open in the new process.
+    posix_spawn_file_actions_adddup2(&files, far.Get(), far.Get());
+    posix_spawn_file_actions_adddup2(&files, memory_.Get(), memory_.Get());
     posix_spawn_file_actions_addopen(&files, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    // Ctrl-C reaches the whole group, and the pool wants to finish what was begun.
+    // Ctrl-C sends SIGINT to the whole process group, but the pool still waits for pictures under way.
     sigset_t blocked;
     sigemptyset(&blocked);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&blocked, signal);
@@ -156,7 +139,7 @@ class PicturePool::Worker {
       process_ = 0;
       FailToStart(why);
     }
-    far.Close();
+    far = FileDescriptor(-1);
     switch (Receive(kTimeToStart)) {
       case Ending::kAnswered:
       case Ending::kRefused:
@@ -170,11 +153,11 @@ class PicturePool::Worker {
     }
   }
 
-  // Waits in steps: while this process is stopped, or the machine asleep, no more than a step counts.
+  // Waits in steps: time during which this process is stopped or the machine sleeps counts as at most one step.
   Ending Receive(std::chrono::seconds limit) {
     constexpr Milliseconds kStep(500);
     for (Milliseconds left = limit;;) {
-      pollfd event = {socket_->Number(), POLLIN, 0};
+      pollfd event = {socket_.Get(), POLLIN, 0};
       const Clock::time_point begin = Clock::now();
       const int ready = poll(&event, 1, static_cast<int>(std::min(left, kStep).count()));
       if (ready > 0) break;
@@ -182,7 +165,7 @@ class PicturePool::Worker {
       if (left <= Milliseconds(0)) return Kill(), Ending::kTooSlow;
     }
     Reply reply;
-    const ssize_t got = recv(socket_->Number(), &reply, sizeof reply, MSG_DONTWAIT);
+    const ssize_t got = recv(socket_.Get(), &reply, sizeof reply, MSG_DONTWAIT);
     if (got == sizeof reply && reply.outcome <= Outcome::kOutOfMemory) {
       reply_ = reply;
       return Ending::kAnswered;
@@ -192,7 +175,7 @@ class PicturePool::Worker {
     return isMemory ? Ending::kOutOfMemory : Ending::kCrashed;
   }
 
-  // The status of the process, which has closed its socket and so ends. Whatever keeps it from that.
+  // The exit status of a process that closed its socket. Kills it if it has not ended after a second.
   int Wait() {
     for (int i = 0; i < 100; ++i) {
       int status = 0;
@@ -221,8 +204,8 @@ class PicturePool::Worker {
   }
 
   const unsigned megabytes_;
-  Descriptor memory_;
-  std::optional<Descriptor> socket_;
+  FileDescriptor memory_;
+  FileDescriptor socket_{-1};
   const std::uint8_t* shared_ = nullptr;
   pid_t process_ = 0;  // 0: there is none (any more)
   int status_ = 0;     // what it ended with
@@ -239,7 +222,7 @@ class PicturePool::Turn {
         lock, [&] { return pool_.working_ + places_ <= pool_.jobs_ && (alone || pool_.waitingToBeAlone_ == 0); });
     if (alone) --pool_.waitingToBeAlone_;
     pool_.working_ += places_;
-    if (alone) pool_.idle_.clear();  // they keep memory, too
+    if (alone) pool_.idle_.clear();  // idle workers hold memory too
   }
   Turn(const Turn&) = delete;
   Turn& operator=(const Turn&) = delete;
@@ -256,8 +239,8 @@ class PicturePool::Turn {
 
 PicturePool::PicturePool(const PictureLimits& limits)
     : limits_(limits), jobs_(std::clamp(limits.megabytes / kLeastMegabytes, 1U, std::max(limits.jobs, 1U))) {
-  std::signal(SIGCHLD, SIG_DFL);  // how a worker ended would be lost if it was ignored
-  std::signal(SIGXFSZ, SIG_IGN);  // a limit of file sizes counts for shared memory, too, and is reported
+  std::signal(SIGCHLD, SIG_DFL);  // ignored, it would discard the exit status of a worker
+  std::signal(SIGXFSZ, SIG_IGN);  // RLIMIT_FSIZE also limits shared memory; the error is reported
 }
 
 PicturePool::~PicturePool() = default;

@@ -1,8 +1,9 @@
-// Pictures decoded in other processes, one for each job. Whatever a picture does to its decoder (take its memory, hang,
-// crash), the picture alone is lost, and the reason is told.
+// Decodes pictures in worker processes, one a job. A picture that makes its decoder crash, hang or run out of memory is
+// reported and affects no other picture.
 //
-// A picture whose worker crashes or runs out of memory is tried once more, alone, with the whole memory, in a new worker:
-// its share may have been too small, or an earlier picture may have damaged the worker.
+// When a worker crashes or runs out of memory, its picture is decoded once more in a new worker, which has all the memory
+// while no other worker runs: the share of the first worker may have been too small, or an earlier picture may have
+// damaged it.
 #ifndef CATALOGCORE_APP_PICTURE_POOL_H_
 #define CATALOGCORE_APP_PICTURE_POOL_H_
 
@@ -24,17 +25,18 @@ struct Reply;
 
 struct PictureLimits {
   unsigned jobs = 1;
-  unsigned megabytes = 0;  // for all jobs together; at least kLeastMegabytes
+  unsigned megabytes = 0;  // for all jobs together, at least kLeastMegabytes
   unsigned seconds = 60;   // for one picture
 };
 
-inline constexpr unsigned kLeastMegabytes = 256;  // that a job works with
+inline constexpr unsigned kLeastMegabytes = 256;  // for one job
 
-// 4096, or half of the machine's memory where that is less.
+// Half of the machine's memory, at most 4096.
 unsigned DefaultMegabytes();
 
-// Any thread may call the operations; at most Jobs() are at work at a time. They throw PictureError, also for a picture
-// that exceeds the limits or crashes its decoder, and std::runtime_error if no process can be started.
+// Any thread may call Decode, ReadFacts and SmallCopy; at most Jobs() pictures are decoded at a time. These functions throw
+// PictureError, also for a picture that exceeds the limits or crashes its decoder, and std::runtime_error if a worker
+// cannot be started.
 class PicturePool {
  public:
   explicit PicturePool(const PictureLimits& limits);
@@ -42,11 +44,11 @@ class PicturePool {
   PicturePool& operator=(const PicturePool&) = delete;
   ~PicturePool();
 
-  // As many as asked for, but no more than have kLeastMegabytes each.
+  // The number of jobs in the limits, reduced until each job has kLeastMegabytes.
   unsigned Jobs() const { return jobs_; }
 
-  // Decodes a picture, as DecodePicture does, and calls `use` with it. The pixels lie in memory shared with the worker and
-  // are valid during that call.
+  // Decodes a picture as DecodePicture does and calls `use`. The pixels lie in memory shared with the worker; they are
+  // valid until `use` returns.
   using Use = std::function<void(const PictureShape& shape, std::span<const std::uint8_t> pixels)>;
   void Decode(const std::filesystem::path& file, const Use& use);
 
@@ -57,7 +59,8 @@ class PicturePool {
   class Worker;
   class Turn;
   enum class Ending { kAnswered, kRefused, kTooSlow, kOutOfMemory, kCrashed };
-  using Take = std::function<bool(const Reply& reply, const std::uint8_t* shared)>;  // false: the reply is invalid
+  using Take =
+      std::function<bool(const Reply& reply, const std::uint8_t* shared)>;  // returns whether the reply is valid
 
   void Run(const std::string& packet, const Take& take);
   Ending Attempt(const std::string& packet, const Take& take, bool alone, std::string& reason);
@@ -65,7 +68,7 @@ class PicturePool {
 
   const PictureLimits limits_;
   const unsigned jobs_;
-  std::mutex mutex_;  // of what follows
+  std::mutex mutex_;  // guards the members below
   std::condition_variable changed_;
   std::vector<std::unique_ptr<Worker>> idle_;
   unsigned working_ = 0;

@@ -32,10 +32,10 @@ constexpr bool kIsSanitized = __has_feature(address_sanitizer) || __has_feature(
 constexpr bool kIsSanitized = false;
 #endif
 
-pid_t pool = 0;  // the process that this one works for
+pid_t pool = 0;  // the process that started this one
 
-// The kernel's death signal would come when the thread ends that started this process; it is the process that counts.
-// While the worker is idle the closed socket ends it; this is for one that hangs.
+// Ends this process within a second of the pool's end. An idle worker ends when its socket closes; the timer ends a worker
+// that is decoding. (The kernel's parent-death signal comes too early: when the starting thread ends.)
 void EndWithPool() {
   pool = getppid();
   std::signal(SIGALRM, [](int) {
@@ -45,7 +45,7 @@ void EndWithPool() {
   setitimer(ITIMER_REAL, &everySecond, nullptr);
 }
 
-// Beyond what the process has mapped already. Sanitizers map terabytes.
+// Limits the memory that the process maps from now on. Not with sanitizers, which map terabytes.
 void LimitMemory(std::uint64_t megabytes) {
   mallopt(M_ARENA_MAX, 1);  // each further arena would reserve 64 MB
   std::uint64_t pages = 0;
@@ -57,16 +57,16 @@ void LimitMemory(std::uint64_t megabytes) {
   setrlimit(RLIMIT_AS, &limit);
 }
 
-// What a crash leaves behind: the pool tells the person.
-void LeaveNoTraces() {
+// A crash writes no core file and prints nothing; the pool reports it.
+void SilenceCrashes() {
   const rlimit none = {0, 0};
   setrlimit(RLIMIT_CORE, &none);
   const int nowhere = kIsSanitized ? -1 : open("/dev/null", O_WRONLY | O_CLOEXEC);
   if (nowhere >= 0) dup2(nowhere, STDERR_FILENO);
 }
 
-// GLib ends the process when it gets no memory; the pool has to know that it was that.
-void TellMemoryFromCrash() {
+// GLib aborts when an allocation fails. Exits with kOutOfMemoryStatus instead.
+void ReportLackOfMemory() {
   g_log_set_default_handler(
       [](const char*, GLogLevelFlags level, const char* message, void*) {
         const bool isMemory = message != nullptr && std::strstr(message, "failed to allocate") != nullptr;
@@ -80,10 +80,10 @@ void PutText(std::string_view text, std::array<char, size>& to) {
   std::copy_n(text.begin(), std::min(text.size(), size - 1), to.begin());
 }
 
-Reply Do(const Request& request, const std::string& path, std::uint8_t* room) {
+Reply Do(const Request& request, const std::string& path, std::uint8_t* shared) {
   Reply reply;
   if (request.task == Task::kDecode) {
-    const PictureShape shape = DecodePicture(path, [room](std::size_t) { return room; });
+    const PictureShape shape = DecodePicture(path, [shared](std::size_t) { return shared; });
     reply.width = shape.width;
     reply.height = shape.height;
     reply.bitsPerPixel = shape.bitsPerPixel;
@@ -98,16 +98,16 @@ Reply Do(const Request& request, const std::string& path, std::uint8_t* room) {
   } else {
     const std::string copy = SmallCopy(path, request.side);
     if (copy.size() > kMostPixelBytes) throw std::bad_alloc();
-    std::copy(copy.begin(), copy.end(), room);
+    std::copy(copy.begin(), copy.end(), shared);
     reply.copyBytes = static_cast<std::uint32_t>(copy.size());
   }
   return reply;
 }
 
-Reply Answer(const Request& request, const std::string& path, std::uint8_t* room) {
+Reply Answer(const Request& request, const std::string& path, std::uint8_t* shared) {
   Reply reply;
   try {
-    return Do(request, path, room);
+    return Do(request, path, shared);
   } catch (const PictureError& error) {
     reply.outcome = Outcome::kRefused;
     PutText(error.what(), reply.text);
@@ -124,23 +124,23 @@ bool IsPictureWorker(int argc, char** argv) { return argc == 5 && std::strcmp(ar
 int RunPictureWorker(char** argv) {
   const int socket = std::atoi(argv[2]);
   EndWithPool();
-  LeaveNoTraces();
+  SilenceCrashes();
   StartPictures("catalogcore");
-  TellMemoryFromCrash();
+  ReportLackOfMemory();
   LimitMemory(std::strtoull(argv[4], nullptr, 10));
-  void* const room = mmap(nullptr, kMostPixelBytes, PROT_READ | PROT_WRITE, MAP_SHARED, std::atoi(argv[3]), 0);
-  if (room == MAP_FAILED) return kOutOfMemoryStatus;
+  void* const shared = mmap(nullptr, kMostPixelBytes, PROT_READ | PROT_WRITE, MAP_SHARED, std::atoi(argv[3]), 0);
+  if (shared == MAP_FAILED) return kOutOfMemoryStatus;
   const Reply ready;
   if (send(socket, &ready, sizeof ready, MSG_NOSIGNAL) != sizeof ready) return 0;
   std::string packet(65536, '\0');
   for (;;) {
     const ssize_t got = recv(socket, packet.data(), packet.size(), 0);
     if (got < 0 && errno == EINTR) continue;
-    if (got < static_cast<ssize_t>(sizeof(Request))) return 0;  // the pool is gone
+    if (got < static_cast<ssize_t>(sizeof(Request))) return 0;  // the pool has closed the socket
     Request request;
     std::memcpy(&request, packet.data(), sizeof request);
     const std::string path = packet.substr(sizeof request, static_cast<std::size_t>(got) - sizeof request);
-    const Reply reply = Answer(request, path, static_cast<std::uint8_t*>(room));
+    const Reply reply = Answer(request, path, static_cast<std::uint8_t*>(shared));
     if (send(socket, &reply, sizeof reply, MSG_NOSIGNAL) != sizeof reply) return 0;
   }
 }

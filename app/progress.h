@@ -1,4 +1,5 @@
-// What a person sees while work goes on: one line on a terminal, rewritten a few times a second; nothing elsewhere.
+// Messages and the progress line on standard error. The progress line is rewritten a few times a second, on a terminal
+// only.
 #ifndef CATALOGCORE_APP_PROGRESS_H_
 #define CATALOGCORE_APP_PROGRESS_H_
 
@@ -8,8 +9,7 @@
 
 namespace catalogcore::app {
 
-// Messages and the progress line share the terminal through this; everything on standard error goes through it. Not for
-// two threads at a time.
+// Everything that the command prints to standard error goes through this class. One thread at a time.
 class Progress {
  public:
   Progress();
@@ -20,21 +20,21 @@ class Progress {
   // "Looking for pictures: 1,204".
   void Count(const std::string& what, std::size_t found);
 
-  // "1,204 of 5,000, 12 a second, 5:16 left, beach.jpg", the name cut to what the line has room for. The rate counts
-  // from the first call.
+  // "1,204 of 5,000, 12 a second, 5:16 left, beach.jpg", with the name cut to the width of the terminal. The rate is
+  // the mean since the first call.
   void Step(std::size_t done, std::size_t total, const std::string& file);
 
   // "catalogcore: MESSAGE", above the progress line.
   void Say(const std::string& message);
 
-  // Takes the line away.
+  // Removes the progress line.
   void Clear();
 
  private:
   using Clock = std::chrono::steady_clock;
 
   bool IsDue();
-  void Show(const std::string& numbers, const std::string& name);  // the name gets the room that is left
+  void Show(const std::string& numbers, const std::string& name);  // cuts the name
 
   bool isOnTerminal_;
   bool isShown_ = false;

@@ -16,16 +16,16 @@ struct Character {
   bool isValid = false;  // UTF-8
 };
 
-// The one that begins there; a byte that begins none is an invalid one.
+// The character at `at`. A byte that begins no character is an invalid character of one byte.
 Character CharacterAt(const std::string& text, std::size_t at) {
   const gunichar code = g_utf8_get_char_validated(text.data() + at, static_cast<gssize>(text.size() - at));
-  constexpr gunichar kInvalid = 0xFFFFFFFE;  // this and the next
+  constexpr gunichar kInvalid = 0xFFFFFFFE;  // and 0xFFFFFFFF
   if (code >= kInvalid || code == 0) return {};
   const std::size_t columns = g_unichar_iszerowidth(code) ? 0 : g_unichar_iswide(code) ? 2 : 1;
   return {static_cast<std::size_t>(g_unichar_to_utf8(code, nullptr)), columns, code, true};
 }
 
-// Whether the character acts on its surroundings: control characters, and what breaks lines or turns their direction.
+// Whether the character changes the text around it: control characters, line separators, bidirectional controls.
 bool IsActive(gunichar code) {
   return g_unichar_iscntrl(code) != 0 || code == 0x61C || code == 0x200E || code == 0x200F ||
          (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
@@ -37,7 +37,7 @@ std::string Hexadecimal(const char* prefix, gunichar number, int digits) {
   return text;
 }
 
-// A byte and the character of its number are written differently: \x9B, \u009B.
+// An invalid byte and the character with the same number get different escapes: \x9B, \u009B.
 std::string Escape(const Character& character, char first) {
   if (first == '\n') return "\\n";
   if (first == '\r') return "\\r";
@@ -46,7 +46,7 @@ std::string Escape(const Character& character, char first) {
   return Hexadecimal("\\x", static_cast<unsigned char>(first), 2);
 }
 
-// The bytes of as many characters as `width` columns hold.
+// The number of bytes of the first characters that fit into `width` columns.
 std::size_t Fitting(const std::string& text, std::size_t width) {
   std::size_t end = 0;
   while (end < text.size()) {
@@ -121,7 +121,7 @@ std::string JsonText(const nlohmann::ordered_json& value) {
   text.reserve(dump.size());
   for (std::size_t at = 0; at < dump.size();) {
     const Character character = CharacterAt(dump, at);
-    if (IsActive(character.code)) {  // inside a string, since the rest is ASCII
+    if (IsActive(character.code)) {  // only strings hold such characters; the rest is ASCII
       text += Hexadecimal("\\u", character.code, 4);
     } else {
       text.append(dump, at, character.size);

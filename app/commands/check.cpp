@@ -1,4 +1,4 @@
-// catalogcore check: the state of the catalogue, and which files are gone.
+// catalogcore check: the state of the catalogue files, and the missing images.
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -16,15 +16,15 @@ struct CheckOptions {
 
 std::string StateWords(const FileState& state) {
   if (!state.problem.empty()) return state.problem;
-  if (state.lost > 0) return Counted(state.lost, "record") + " that the catalogue does not take";
-  return FileStatusWords(state.status);
+  if (state.lost > 0) return Counted(state.lost, "record") + " that the library rejects";
+  return FileStatusText(state.status);
 }
 
 nlohmann::ordered_json StateJson(const FileState& state) {
   return {{"file", state.file.string()}, {"code", state.status}, {"lost", state.lost}, {"status", StateWords(state)}};
 }
 
-void Report(Session& session, const Catalog& catalog, bool isJson) {
+void Report(Session& session, const StoredCatalog& catalog, bool isJson) {
   std::vector<std::string> missing;
   std::size_t images = 0;
   catalog.ForEachImage({}, [&](const Image& image) {
@@ -51,13 +51,13 @@ void Report(Session& session, const Catalog& catalog, bool isJson) {
   std::printf("%td indexes, %s, %s missing\n", indexes, Counted(images, "image").c_str(),
               Grouped(missing.size()).c_str());
   if (catalog.Displaced() > 0) {
-    std::printf("%s in \"Other\", since their indexes are not there\n", Counted(catalog.Displaced(), "image").c_str());
+    std::printf("%s in \"Other\" because the index is missing\n", Counted(catalog.Displaced(), "image").c_str());
   }
   for (const std::string& path : missing) std::printf("  missing: %s\n", ForOutput(path).c_str());
-  if (!missing.empty()) std::puts("They stay in the catalogue; `catalogcore check --forget` drops them.");
+  if (!missing.empty()) std::puts("Missing images stay in the catalogue; `catalogcore check --forget` drops them.");
 }
 
-void Forget(Session& session, Catalog& catalog, bool isJson) {
+void Forget(Session& session, StoredCatalog& catalog, bool isJson) {
   catalog.RequireReadable();
   const std::size_t records = catalog.IndexFile().lost + catalog.ImageFile().lost;
   const bool isIndexFileChanged = catalog.IndexFile().lost > 0;
@@ -72,20 +72,19 @@ void Forget(Session& session, Catalog& catalog, bool isJson) {
 
 void AddCheck(CLI::App& app, Session& session) {
   const auto options = std::make_shared<CheckOptions>();
-  CLI::App* const command =
-      app.add_subcommand("check", "Look whether the catalogue is whole, and which files are gone");
-  command->add_flag("--forget", options->isForgetting,
-                    "Drop images whose file is gone, and records that cannot be read");
+  CLI::App* const command = app.add_subcommand("check", "Verify the catalogue and list missing files");
+  command->add_flag("--forget", options->isForgetting, "Drop missing images and invalid records");
   command->add_flag("--json", options->isJson, "Print one JSON object");
   command->footer(
-      "Images whose file is gone stay in the catalogue until they are forgotten: a drive may only be unplugged.\n"
-      "Exits with 1 if something is missing or not in its place, 3 if a file of the catalogue cannot be read.\n\n"
+      "Images whose file is missing stay in the catalogue until --forget: a drive may only be unplugged.\n"
+      "Exits with 1 if an image, an index or a record is missing or invalid, 3 if a catalogue file cannot be read.\n\n"
       "Example:\n  catalogcore check");
   command->callback([options, &session] {
     if (options->isForgetting) {
-      return ChangeUnchecked(session, "check", [&](Catalog& catalog) { Forget(session, catalog, options->isJson); });
+      return ChangeUnchecked(session, "check",
+                             [&](StoredCatalog& catalog) { Forget(session, catalog, options->isJson); });
     }
-    const Catalog catalog(session.catalogFolder);
+    const StoredCatalog catalog(session.catalogFolder);
     Report(session, catalog, options->isJson);
   });
 }

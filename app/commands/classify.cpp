@@ -1,15 +1,13 @@
-// catalogcore classify: what pictures are, without filing them.
+// catalogcore classify: classifies pictures without filing them.
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 #include "app/commands/commands.h"
 #include "app/file_finder.h"
-#include "app/interrupt.h"
+#include "app/library.h"
 #include "app/ordered_jobs.h"
 #include "app/picture.h"
-#include "app/library.h"
-#include "app/scene.h"
 #include "app/text.h"
 
 namespace catalogcore::app {
@@ -38,9 +36,9 @@ void Print(const std::string& file, const Decision& decision, bool isJson) {
 
 void Classify(Session& session, const ClassifyOptions& options) {
   StartPictures("catalogcore");
-  const catalogcore::Catalog library = OpenLibrary();
+  const Catalog library = OpenLibrary();
   const std::atomic<bool>& stop =
-      CatchInterrupts("finishing the pictures under way; press Ctrl-C again to stop at once");
+      CatchInterrupts("finishing the pictures under way; press Ctrl-C again to stop immediately");
   FoundFiles found;
   const auto report = [&](const std::string& file, const std::string& reason) {
     Print(file, {-1, reason, ""}, options.isJson);
@@ -60,18 +58,18 @@ void Classify(Session& session, const ClassifyOptions& options) {
       });
   session.progress.Clear();
   if (!found.others.empty()) session.progress.Say(OtherKinds(found.others));
-  if (stop) session.status = kInterruptedStatus;
+  if (stop) session.status = kInterrupted;
 }
 
 }  // namespace
 
 void AddClassify(CLI::App& app, Session& session) {
   const auto options = std::make_shared<ClassifyOptions>();
-  CLI::App* const command = app.add_subcommand("classify", "Say what pictures are, without filing them");
+  CLI::App* const command = app.add_subcommand("classify", "Classify pictures without filing them");
   command->add_option("FILE", options->paths, "Image files, and folders to search")->type_name("")->required();
-  command->add_flag("--json", options->isJson, "Print one JSON object a line");
+  command->add_flag("--json", options->isJson, "Print one JSON object for each file");
   AddPictureLimits(*command, options->limits);
-  command->footer(TellPictureLimits() +
+  command->footer(FixedPictureLimits() +
                   "\n\nExamples:\n"
                   "  catalogcore classify scan.tif\n"
                   "  catalogcore classify --json ~/Scans | jq -r 'select(.class == \"document\").file'");

@@ -1,9 +1,11 @@
-// The commands, each added to the command line with its options, its help and what it does.
+// The commands. Each Add function adds one to the command line with its options and its help text. The options that several
+// commands share follow.
 #ifndef CATALOGCORE_APP_COMMANDS_COMMANDS_H_
 #define CATALOGCORE_APP_COMMANDS_COMMANDS_H_
 
 #include <CLI/CLI.hpp>
 
+#include "app/index_tree.h"
 #include "app/picture_pool.h"
 #include "app/session.h"
 
@@ -20,17 +22,35 @@ void AddGallery(CLI::App& app, Session& session);
 void AddExport(CLI::App& app, Session& session);
 void AddHelp(CLI::App& app);
 
-// The option --jobs: threads to work with, as many as there are cores if it is not given.
-void AddJobs(CLI::App& command, unsigned& jobs);
-
-// What is wrong with a command line that `app` failed to parse, and where to read on.
+// The message for a command line that `app` failed to parse.
 std::string WrongUse(const CLI::App& app, const CLI::ParseError& error);
 
-// The options --jobs, --memory and --time-limit.
+// Adds the options --jobs, --memory and --time-limit.
 void AddPictureLimits(CLI::App& command, PictureLimits& limits);
 
-// Of the help: what is refused whatever the options say.
-std::string TellPictureLimits();
+// The paragraph of the help text about the limits that have no option.
+std::string FixedPictureLimits();
+
+inline constexpr Attributes kAllProtections = Attributes::kNoMove | Attributes::kNoRemove | Attributes::kNoRename;
+
+struct ProtectionOptions {
+  bool noMove = false;
+  bool noRemove = false;
+  bool noRename = false;
+  bool none = false;
+
+  // Throws UsageError if no option was given.
+  void RequireAny() const;
+
+  // The attributes after --none removed the protections and the other options added theirs. Other bits are unchanged.
+  Attributes Applied(Attributes attributes) const;
+};
+
+// Adds --no-move and --no-remove, and for an index --no-rename.
+void AddProtection(CLI::App& command, ProtectionOptions& options, bool isIndex);
+
+// The options of a change with or without --force.
+constexpr Options ForcedIf(bool isForced) { return isForced ? Options::kForce : Options::kNone; }
 
 }  // namespace catalogcore::app
 

@@ -1,4 +1,4 @@
-// catalogcore export: every image, for other programs.
+// catalogcore export: all images as CSV or JSON.
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -10,7 +10,7 @@
 namespace catalogcore::app {
 namespace {
 
-void ExportCsv(const Catalog& catalog, const IndexTree& tree) {
+void ExportCsv(const StoredCatalog& catalog, const IndexTree& tree) {
   std::fputs("file,folder,index,name,attribute,missing\r\n", stdout);
   catalog.ForEachImage({}, [&](const Image& image) {
     std::printf("%s,%s,%d,%s,%d,%d\r\n", CsvField(ForOutput(image.path)).c_str(),
@@ -20,8 +20,8 @@ void ExportCsv(const Catalog& catalog, const IndexTree& tree) {
   });
 }
 
-// A list with a line for each image, made line by line, for catalogues that are larger than is good for one text.
-void ExportJson(const Catalog& catalog, const IndexTree& tree) {
+// A JSON list with one image a line. Printed line by line: a large catalogue should not become one text in memory.
+void ExportJson(const StoredCatalog& catalog, const IndexTree& tree) {
   bool isFirst = true;
   catalog.ForEachImage({}, [&](const Image& image) {
     std::puts(isFirst ? "[" : ",");
@@ -41,20 +41,20 @@ void ExportJson(const Catalog& catalog, const IndexTree& tree) {
 
 void AddExport(CLI::App& app, Session& session) {
   const auto format = std::make_shared<std::string>();
-  CLI::App* const command = app.add_subcommand("export", "Print every image with its index, folder and attribute");
+  CLI::App* const command = app.add_subcommand("export", "Print every image with its folder, index and attribute");
   command->add_option("--format", *format, "json or csv")
       ->type_name("FORMAT")
       ->required()
       ->check(CLI::IsMember({"json", "csv"}));
   command->footer(
-      "In CSV, text that begins with = + - @ tab or CR gets an apostrophe (') in front, so that no spreadsheet takes "
+      "In CSV, text that begins with = + - @ tab or CR gets an apostrophe (') in front, so that no spreadsheet runs "
       "it\n"
-      "for a formula; JSON has every name as it is. On a terminal, control characters in CSV are shown as escapes\n"
-      "(\\x1B, \\u202E) and a backslash as two.\n\n"
+      "as a formula. JSON holds every name unchanged. On a terminal, CSV shows control characters as escapes (\\x1B,\n"
+      "\\u202E) and a backslash as two.\n\n"
       "Example:\n  catalogcore export --format csv > pictures.csv");
   command->callback([format, &session] {
-    std::optional<Catalog> opened;
-    const Catalog& catalog = OpenForReading(session, opened);
+    std::optional<StoredCatalog> opened;
+    const StoredCatalog& catalog = OpenForReading(session, opened);
     const IndexTree tree(catalog);
     *format == "csv" ? ExportCsv(catalog, tree) : ExportJson(catalog, tree);
   });

@@ -1,4 +1,4 @@
-// catalogcore help, and what is said of a command line that is wrong.
+// catalogcore help, and the messages for an invalid command line.
 #include <algorithm>
 #include <cstdio>
 #include <memory>
@@ -8,7 +8,7 @@
 namespace catalogcore::app {
 namespace {
 
-// How many letters have to be added, left out, replaced or swapped with the next to make one word of the other.
+// The number of letters to insert, delete, replace or swap with the next one to turn one word into the other.
 std::size_t Distance(const std::string& a, const std::string& b) {
   std::vector<std::vector<std::size_t>> distances(a.size() + 1, std::vector<std::size_t>(b.size() + 1));
   for (std::size_t i = 0; i <= a.size(); ++i) {
@@ -25,10 +25,10 @@ std::size_t Distance(const std::string& a, const std::string& b) {
   return distances[a.size()][b.size()];
 }
 
-// The subcommand that was probably meant; empty if none is like it.
+// The subcommand with the most similar name; empty if none is similar.
 std::string Nearest(const CLI::App& command, const std::string& name) {
-  constexpr std::size_t kLongest = 32;  // of what is compared
-  constexpr std::size_t kFar = 3;
+  constexpr std::size_t kLongest = 32;  // longer names are not compared
+  constexpr std::size_t kFar = 3;       // not similar
   std::string nearest;
   std::size_t least = kFar;
   for (const CLI::App* const other : command.get_subcommands([](const CLI::App*) { return true; })) {
@@ -64,8 +64,8 @@ void PrintHelp(const CLI::App& root, const std::vector<std::string>& names) {
 
 void AddHelp(CLI::App& app) {
   const auto names = std::make_shared<std::vector<std::string>>();
-  CLI::App* const command = app.add_subcommand("help", "Tell about a command");
-  command->add_option("COMMAND", *names, "The command; all of them without one")->type_name("");
+  CLI::App* const command = app.add_subcommand("help", "Describe a command");
+  command->add_option("COMMAND", *names, "The command; without it, list all commands")->type_name("");
   command->footer("Examples:\n  catalogcore help sort\n  catalogcore help index add");
   command->callback([names, &app] { PrintHelp(app, *names); });
 }

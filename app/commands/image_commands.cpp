@@ -1,4 +1,4 @@
-// catalogcore mv, rm, protect: changing images of the catalogue. Their files are never touched.
+// catalogcore mv, rm, protect: change images of the catalogue, never their files.
 #include <array>
 #include <cerrno>
 #include <cstdio>
@@ -9,22 +9,22 @@
 
 #include "app/commands/commands.h"
 #include "app/file_finder.h"
-#include "app/protection.h"
+#include "app/index_tree.h"
 
 namespace catalogcore::app {
 namespace {
 
 struct ImageOptions {
   std::vector<std::string> files;
-  std::string listFile;  // with more files; "-": standard input
+  std::string listFile;  // of more files; "-": standard input
   bool isNullSeparated = false;
   std::optional<std::string> index;
   ProtectionOptions protection;
   bool isForced = false;
 };
 
-// By the name as it is given first: since its images were filed, a folder may have become a link.
-std::optional<Image> FindNamed(Catalog& catalog, const std::string& file) {
+// Tries the given path before the resolved one: a folder may have become a link after its images were filed.
+std::optional<Image> FindNamed(StoredCatalog& catalog, const std::string& file) {
   std::error_code error;
   const std::optional<Image> image =
       catalog.FindImage(std::filesystem::absolute(file, error).lexically_normal().string());
@@ -47,20 +47,21 @@ std::string ReadAll(const std::string& listFile) {
                    std::generic_category().message(errno));
 }
 
-// Adds the files that a list names, and takes the index from the end of the arguments if no option gave it. Read before
-// the catalogue is locked: whoever writes the list may take long, or look at the catalogue.
+// Adds the files of the list, and takes the index from the end of the arguments if --to is missing. Reads the list before
+// the catalogue is locked: the program that writes it may be slow, or read the catalogue.
 void CompleteFiles(ImageOptions& options, bool hasIndex) {
   if (hasIndex && !options.index) {
-    if (options.files.empty()) throw UsageError("an index is missing, at the end or with --to");
+    if (options.files.empty()) throw UsageError("the index is missing; name it last, or with --to");
     options.index = std::move(options.files.back());
     options.files.pop_back();
   }
   if (options.listFile.empty() && options.isNullSeparated) throw UsageError("--null needs --files-from");
-  if (options.listFile.empty() && options.files.empty()) throw UsageError("say which files, or use --files-from");
+  if (options.listFile.empty() && options.files.empty())
+    throw UsageError("no files given; name files, or use --files-from");
   if (options.listFile.empty()) return;
   const std::string list = ReadAll(options.listFile);
   if (!options.isNullSeparated && list.find('\0') != std::string::npos) {
-    throw UsageError("the list of files has null bytes; read it with --null");
+    throw UsageError("the list of files contains null bytes; use --null");
   }
   std::istringstream names(list);
   for (std::string name; std::getline(names, name, options.isNullSeparated ? '\0' : '\n');) {
@@ -73,9 +74,9 @@ std::string Refusal(const std::string& verb, const std::string& file, Status sta
          (status == Status::kProtected ? " (--force overrides the protection)" : "");
 }
 
-// Changes image after image, names those that cannot be changed, and writes the others.
-void ChangeImages(Session& session, Catalog& catalog, const std::vector<std::string>& files, const std::string& verb,
-                  const std::function<Result<void>(const Image&)>& change) {
+// Changes each image and reports those that cannot be changed; writes the file if any image changed.
+void ChangeImages(Session& session, StoredCatalog& catalog, const std::vector<std::string>& files,
+                  const std::string& verb, const std::function<Result<void>(const Image&)>& change) {
   bool isChanged = false;
   for (const std::string& file : files) {
     const std::optional<Image> image = FindNamed(catalog, file);
@@ -90,19 +91,19 @@ void ChangeImages(Session& session, Catalog& catalog, const std::vector<std::str
   if (isChanged) catalog.SaveImages();
 }
 
-void Move(Session& session, Catalog& catalog, const ImageOptions& options) {
+void Move(Session& session, StoredCatalog& catalog, const ImageOptions& options) {
   const std::int32_t index = IndexTree(catalog).Resolve(options.index.value()).entry.number;
   ChangeImages(session, catalog, options.files, "move", [&](const Image& image) {
     return catalog.Calls().ChangeImage(image.path, {.index = index}, ForcedIf(options.isForced));
   });
 }
 
-void Remove(Session& session, Catalog& catalog, const ImageOptions& options) {
+void Remove(Session& session, StoredCatalog& catalog, const ImageOptions& options) {
   ChangeImages(session, catalog, options.files, "remove",
                [&](const Image& image) { return catalog.RemoveImage(image.path, ForcedIf(options.isForced)); });
 }
 
-void Protect(Session& session, Catalog& catalog, const ImageOptions& options) {
+void Protect(Session& session, StoredCatalog& catalog, const ImageOptions& options) {
   options.protection.RequireAny();
   ChangeImages(session, catalog, options.files, "protect", [&](const Image& image) {
     return catalog.Calls().ChangeImage(image.path, {.attributes = options.protection.Applied(image.attributes)});
@@ -111,22 +112,21 @@ void Protect(Session& session, Catalog& catalog, const ImageOptions& options) {
 
 CLI::App* AddChange(CLI::App& app, Session& session, const std::shared_ptr<ImageOptions>& options,
                     const std::string& name, const std::string& description,
-                    void (*change)(Session&, Catalog&, const ImageOptions&)) {
+                    void (*change)(Session&, StoredCatalog&, const ImageOptions&)) {
   CLI::App* const command = app.add_subcommand(name, description);
   const bool hasIndex = name == "mv";
   command
       ->add_option(hasIndex ? "FILE... INDEX" : "FILE", options->files,
-                   hasIndex ? "Image files, and at the end the index, unless --to names it" : "Image files")
+                   hasIndex ? "Image files, then the index unless --to names it" : "Image files")
       ->type_name("")
       ->expected(0, -1);
   command
-      ->add_option("--files-from", options->listFile,
-                   "Read more image files from LIST, one a line; - for standard input")
+      ->add_option("--files-from", options->listFile, "Read more file names from LIST, one a line; -: standard input")
       ->type_name("LIST");
-  command->add_flag("-0,--null", options->isNullSeparated, "The files in LIST end with a null byte, not a line feed");
+  command->add_flag("-0,--null", options->isNullSeparated, "Names in LIST end with a null byte instead of a line feed");
   command->callback([options, &session, name, hasIndex, change] {
     CompleteFiles(*options, hasIndex);
-    Change(session, name, [&](Catalog& catalog) { change(session, catalog, *options); });
+    Change(session, name, [&](StoredCatalog& catalog) { change(session, catalog, *options); });
   });
   return command;
 }
@@ -137,21 +137,22 @@ void AddImageCommands(CLI::App& app, Session& session) {
   const auto options = std::make_shared<ImageOptions>();
 
   CLI::App* const move = AddChange(app, session, options, "mv", "Move images to another index", Move);
-  move->add_option("-t,--to", options->index, "The index; all arguments are files then")->type_name("INDEX");
-  move->add_flag("--force", options->isForced, "Even if they are protected");
+  move->add_option("-t,--to", options->index, "The index; then all arguments are files")->type_name("INDEX");
+  move->add_flag("--force", options->isForced, "Override protections");
   move->footer(
-      "The files stay where they are.\n\n"
+      "The files themselves do not move.\n\n"
       "Examples:\n"
       "  catalogcore mv beach.jpg dune.jpg Holiday\n"
       "  find ~/Pictures/2024 -name '*.jpg' -print0 | catalogcore mv --files-from - -0 -t Holiday");
 
-  CLI::App* const remove = AddChange(app, session, options, "rm", "Take images out of the catalogue", Remove);
-  remove->add_flag("--force", options->isForced, "Even if they are protected");
-  remove->footer("The files stay where they are.\n\nExample:\n  catalogcore rm beach.jpg");
+  CLI::App* const remove = AddChange(app, session, options, "rm", "Remove images from the catalogue", Remove);
+  remove->add_flag("--force", options->isForced, "Override protections");
+  remove->footer("The files themselves are not removed.\n\nExample:\n  catalogcore rm beach.jpg");
 
-  CLI::App* const protect = AddChange(app, session, options, "protect", "Say what may not be done to images", Protect);
+  CLI::App* const protect =
+      AddChange(app, session, options, "protect", "Protect images from being moved or removed", Protect);
   AddProtection(*protect, options->protection, false);
-  protect->add_flag("--none", options->protection.none, "Take all protections away first");
+  protect->add_flag("--none", options->protection.none, "First remove all protections");
   protect->footer(
       "Examples:\n  catalogcore protect contract.tif --no-move --no-remove\n  catalogcore protect contract.tif --none");
 }

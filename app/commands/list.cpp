@@ -1,4 +1,4 @@
-// catalogcore ls: the images of an index or of a folder.
+// catalogcore ls: lists the images of an index or of a folder.
 #include <unistd.h>
 
 #include <cstdio>
@@ -19,12 +19,13 @@ struct ListOptions {
 };
 
 void List(Session& session, const ListOptions& options) {
-  std::optional<Catalog> opened;
-  const Catalog& catalog = OpenForReading(session, opened);
+  std::optional<StoredCatalog> opened;
+  const StoredCatalog& catalog = OpenForReading(session, opened);
   const IndexTree tree(catalog);
   const std::int32_t index = options.index.empty() ? kRoot : tree.Resolve(options.index).entry.number;
   const std::string folder = options.folder.empty() ? "" : CatalogPath(options.folder);
-  if (!IsText(folder)) throw UsageError("the folder's name is no valid UTF-8; the catalogue holds nothing of it");
+  if (!IsText(folder))
+    throw UsageError("the name of the folder is not valid UTF-8; the catalogue cannot hold its images");
   const bool isTerminal = isatty(STDOUT_FILENO) != 0;
   catalog.ForEachImage({.index = index, .folder = folder}, [&](const Image& image) {
     const bool isMissing = catalog.IsMissing(image.path);
@@ -44,13 +45,13 @@ void List(Session& session, const ListOptions& options) {
 
 void AddList(CLI::App& app, Session& session) {
   const auto options = std::make_shared<ListOptions>();
-  CLI::App* const command = app.add_subcommand("ls", "List the images of an index, or of a folder");
-  command->add_option("INDEX", options->index, "Number, path or name of an index; all images without one")
+  CLI::App* const command = app.add_subcommand("ls", "List the images of an index or of a folder");
+  command->add_option("INDEX", options->index, "Number, path or name of an index; without it, list all images")
       ->type_name("");
   command->add_option("--folder", options->folder, "Only images in this folder and below it")->type_name("DIR");
-  command->add_flag("--json", options->isJson, "Print one JSON object a line");
+  command->add_flag("--json", options->isJson, "Print one JSON object for each image");
   command->footer(
-      "Images of the indexes below are listed too.\n\n"
+      "Lists the images of the indexes below too.\n\n"
       "Examples:\n"
       "  catalogcore ls People\n"
       "  catalogcore ls 2030000 --folder ~/Scans\n"

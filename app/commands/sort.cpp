@@ -1,28 +1,25 @@
-// catalogcore sort: pictures file themselves.
+// catalogcore sort: classifies pictures and files them.
 #include <chrono>
 #include <cstdio>
 #include <map>
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "app/catalog_lock.h"
 #include "app/commands/commands.h"
 #include "app/file_finder.h"
-#include "app/interrupt.h"
+#include "app/library.h"
 #include "app/ordered_jobs.h"
 #include "app/picture.h"
-#include "app/library.h"
-#include "app/scene.h"
 #include "app/text.h"
 
 namespace catalogcore::app {
 namespace {
 
-// What is lost at most when the machine fails during a long sort.
+// Bounds what is lost when the machine fails during a long sort.
 constexpr std::size_t kPicturesBetweenWrites = 1000;
 constexpr std::chrono::minutes kTimeBetweenWrites(3);
 
-constexpr std::size_t kNameColumns = 24;  // no preset's name is longer
+constexpr std::size_t kNameColumns = 24;  // at least the longest preset name
 
 struct SortOptions {
   std::vector<std::string> paths;
@@ -34,13 +31,13 @@ struct SortOptions {
 
 class Sorter {
  public:
-  Sorter(Session& session, const SortOptions& options, Catalog& catalog)
+  Sorter(Session& session, const SortOptions& options, StoredCatalog& catalog)
       : session_(session),
         options_(options),
         catalog_(catalog),
         pictures_(options.limits),
         stop_(CatchInterrupts(options.isDryRun
-                                  ? "finishing the pictures under way; press Ctrl-C again to stop at once"
+                                  ? "finishing the pictures under way; press Ctrl-C again to stop immediately"
                                   : "finishing the pictures under way; press Ctrl-C again to stop without saving")) {}
 
   void Run() {
@@ -53,7 +50,7 @@ class Sorter {
     };
     try {
       std::optional<IgnoredPipes> pipes;
-      if (!options_.isDryRun) pipes.emplace();  // what was filed counts, whoever listens
+      if (!options_.isDryRun) pipes.emplace();  // a closed output must not stop the filing
       notReached_ = files.size() - RunInOrder(files.size(), pictures_.Jobs(), stop_, decide, take);
     } catch (const CatalogError&) {
       throw;
@@ -64,16 +61,16 @@ class Sorter {
     Write();
     session_.progress.Clear();
     options_.isJson ? PrintJson() : Print();
-    if (stop_) session_.status = kInterruptedStatus;
+    if (stop_) session_.status = kInterrupted;
   }
 
  private:
-  // The files to decide on: those that the catalogue lacks and can hold.
+  // The files to classify: those that the catalogue can hold and, without --again, does not hold yet.
   std::vector<std::string> Find() {
     found_ = FindPictures(
         options_.paths,
         [this](std::size_t count) {
-          session_.progress.Count("Looking for pictures", count);
+          session_.progress.Count("Searching for pictures", count);
           return stop_.load();
         },
         [this](const std::string& file, const std::string& reason) { Skip("read", file, reason); });
@@ -106,7 +103,7 @@ class Sorter {
     ++filed_[decision.preset];
   }
 
-  // Says where the picture would go; false if it may not.
+  // Prints the preset of a dry run. False if a protection forbids the move.
   bool Announce(const std::string& file, std::int32_t preset) {
     const std::optional<Image> image = catalog_.FindImage(file);
     if (image && image->index != preset && HasAny(image->attributes, Attributes::kNoMove)) {
@@ -124,7 +121,7 @@ class Sorter {
 
   Result<void> File(const std::string& file, std::int32_t preset) {
     const std::optional<Image> image = catalog_.FindImage(file);
-    if (image && image->index == preset) return {};  // a protected one may stay where it is
+    if (image && image->index == preset) return {};  // no move, so a protection does not matter
     ++unwritten_;
     return image ? catalog_.Calls().ChangeImage(file, {.index = preset}) : catalog_.AddImage(file, preset);
   }
@@ -171,7 +168,7 @@ class Sorter {
     for (const auto& [reason, count] : reasons)
       std::printf("  %8s  %s\n", Grouped(count).c_str(), ForOutput(reason).c_str());
     if (!found_.others.empty()) std::printf("%s.\n", OtherKinds(found_.others).c_str());
-    if (stop_) std::printf("Stopped before the end: %s not looked at.\n", Counted(notReached_, "picture").c_str());
+    if (stop_) std::printf("Stopped: %s not classified.\n", Counted(notReached_, "picture").c_str());
   }
 
   void PrintJson() const {
@@ -202,12 +199,12 @@ class Sorter {
 
   Session& session_;
   const SortOptions& options_;
-  Catalog& catalog_;
+  StoredCatalog& catalog_;
   PicturePool pictures_;
   const std::atomic<bool>& stop_;
   FoundFiles found_;
-  std::vector<std::pair<std::string, std::int32_t>> planned_;  // by a dry run: file, preset
-  std::map<std::int32_t, std::size_t> filed_;                  // how many, by preset
+  std::vector<std::pair<std::string, std::int32_t>> planned_;  // file and preset of a dry run
+  std::map<std::int32_t, std::size_t> filed_;                  // number of pictures by preset
   std::vector<std::pair<std::string, std::string>> skipped_;
   std::vector<std::pair<std::string, std::string>> warnings_;
   std::size_t already_ = 0;
@@ -219,29 +216,30 @@ class Sorter {
 void Sort(Session& session, const SortOptions& options) {
   StartPictures("catalogcore");
   if (options.isDryRun) {
-    std::optional<Catalog> catalog;
+    std::optional<StoredCatalog> catalog;
     return Sorter(session, options, OpenForReading(session, catalog)).Run();
   }
-  Change(session, "sort", [&](Catalog& catalog) { Sorter(session, options, catalog).Run(); });
+  Change(session, "sort", [&](StoredCatalog& catalog) { Sorter(session, options, catalog).Run(); });
 }
 
 }  // namespace
 
 void AddSort(CLI::App& app, Session& session) {
   const auto options = std::make_shared<SortOptions>();
-  CLI::App* const command = app.add_subcommand("sort", "Look at pictures and file each where it belongs");
+  CLI::App* const command = app.add_subcommand("sort", "Classify pictures and file each under its preset index");
   command->add_option("PATH", options->paths, "Image files, and folders to search")->type_name("")->required();
-  command->add_flag("--again", options->isAgain, "Decide on pictures that are in the catalogue too, and move them");
-  command->add_flag("--dry-run", options->isDryRun, "Only print each file with the index that it would be filed in");
+  command->add_flag("--again", options->isAgain, "Also classify pictures in the catalogue again, and move them");
+  command->add_flag("--dry-run", options->isDryRun, "Print the index for each file without filing anything");
   command->add_flag("--json", options->isJson, "Print the result as one JSON object");
   AddPictureLimits(*command, options->limits);
   command->footer(
-      "Folders are searched with all that is below them for JPEG, PNG, TIFF, WebP and HEIF files; hidden files and\n"
-      "folders, and galleries, are passed over, and so are files of other kinds, which are counted. The files\n"
-      "themselves are never changed or moved. Ctrl-C ends the search and keeps what was filed; pressed a second time,\n"
-      "it ends the command at once, without the pictures filed since the last write (1,000 or three minutes' worth at\n"
-      "most).\n\n" +
-      TellPictureLimits() +
+      "Searches folders and the folders below them for JPEG, PNG, TIFF, WebP and HEIF files. Passes over hidden "
+      "files,\n"
+      "hidden folders, galleries and files of other kinds, which are counted. Never changes or moves the files\n"
+      "themselves. The first Ctrl-C stops the command and keeps what was filed. A second Ctrl-C ends it immediately "
+      "and\n"
+      "loses the pictures filed since the last write: at most 1,000 pictures or three minutes of work.\n\n" +
+      FixedPictureLimits() +
       "\n\nExamples:\n"
       "  catalogcore sort ~/Pictures ~/Scans\n"
       "  catalogcore sort --dry-run --json holiday/*.jpg");

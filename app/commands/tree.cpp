@@ -1,4 +1,4 @@
-// catalogcore tree: the tree of indexes.
+// catalogcore tree: prints the tree of indexes.
 #include <algorithm>
 #include <cstdio>
 #include <memory>
@@ -18,7 +18,7 @@ std::string ProtectionText(const Index& entry) {
   return text;
 }
 
-void PrintText(const Catalog& catalog, const IndexTree& tree) {
+void PrintText(const StoredCatalog& catalog, const IndexTree& tree) {
   std::size_t width = 0;
   std::size_t images = 0;
   for (const IndexNode& node : tree.Nodes()) {
@@ -58,10 +58,10 @@ void AddTree(CLI::App& app, Session& session) {
   const auto isJson = std::make_shared<bool>(false);
   CLI::App* const command = app.add_subcommand("tree", "Show the tree of indexes");
   command->add_flag("--json", *isJson, "Print a JSON list");
-  command->footer("An index's count has the images of the indexes below it, too.\n\nExample:\n  catalogcore tree");
+  command->footer("The count of an index includes the images of the indexes below it.\n\nExample:\n  catalogcore tree");
   command->callback([isJson, &session] {
-    std::optional<Catalog> opened;
-    const Catalog& catalog = OpenForReading(session, opened);
+    std::optional<StoredCatalog> opened;
+    const StoredCatalog& catalog = OpenForReading(session, opened);
     const IndexTree tree(catalog);
     *isJson ? PrintJson(tree) : PrintText(catalog, tree);
   });

@@ -4,32 +4,30 @@
 
 #include <cerrno>
 #include <chrono>
-#include <exception>
-#include <mutex>
 #include <set>
 #include <system_error>
-#include <thread>
 
 #include "app/folder.h"
 #include "app/gallery/gallery_data.h"
-#include "app/gallery/page_files.h"
 #include "app/gallery/gallery_records.h"
+#include "app/gallery/page_files.h"
 #include "app/gallery/small_copies.h"
+#include "app/ordered_jobs.h"
 
 namespace catalogcore::app {
 namespace {
 
 namespace fs = std::filesystem;
 
-// One run. Every image has a record and a failure (empty: none) at its own place, which one thread at a time works on.
+// One run. Each image has a record and a failure (empty: none) at the image's position. One thread works on an image.
 class GalleryRun {
  public:
   explicit GalleryRun(const GalleryRequest& request)
       : request_(request),
         readers_(ReadersOf(request.catalogueFile)),
         folder_(request.folder),
-        former_(OpenRecords(folder_, readers_)),
-        copies_(folder_, request.pictures),
+        earlier_(OpenRecords(folder_, readers_)),
+        copies_(folder_, request),
         records_(request.images.size()),
         failures_(request.images.size()) {}
 
@@ -44,23 +42,23 @@ class GalleryRun {
  private:
   bool IsStopped() const { return request_.stop != nullptr && *request_.stop; }
 
-  // Gives every image the record of a former run and finds those whose file has to be opened.
+  // Copies the records of an earlier run and finds the images whose file must be opened.
   void TakeOver() {
     for (std::size_t i = 0; i < records_.size(); ++i) {
       const GalleryImage& image = request_.images[i];
-      const auto found = former_.find(image.path);
-      if (found != former_.end()) records_[i] = std::move(found->second);
-      PictureRecord now;
+      const auto found = earlier_.find(image.path);
+      if (found != earlier_.end()) records_[i] = std::move(found->second);
+      GalleryRecord now;
       Readers readers;
       const bool isThere = !image.missing && !ReadStamp(image.path, now, readers);
       const bool hasCopies = copies_.Check(image.path, records_[i], readers);
       const bool isSame = isThere && now.changed == records_[i].changed && now.size == records_[i].size;
       if (!image.missing && !(isSame && hasCopies)) stale_.push_back(i);
     }
-    former_.clear();
+    earlier_.clear();
   }
 
-  static std::error_code ReadStamp(const fs::path& file, PictureRecord& record, Readers& readers) {
+  static std::error_code ReadStamp(const fs::path& file, GalleryRecord& record, Readers& readers) {
     struct stat status {};
     if (stat(file.c_str(), &status) != 0) return {errno, std::generic_category()};
     const auto changed = std::chrono::seconds(status.st_mtim.tv_sec) + std::chrono::nanoseconds(status.st_mtim.tv_nsec);
@@ -73,57 +71,44 @@ class GalleryRun {
   }
 
   static Readers ReadersOf(const fs::path& file) {
-    PictureRecord unused;
+    GalleryRecord unused;
     Readers readers;
     ReadStamp(file, unused, readers);
     return readers;
   }
 
   void MakeCopies() {
-    std::vector<std::jthread> threads;
-    for (unsigned i = 1; i < request_.jobs && i < stale_.size(); ++i) threads.emplace_back([this] { WorkOff(); });
-    WorkOff();
-    threads.clear();  // joins
-    if (thrown_) std::rethrow_exception(thrown_);
+    static const std::atomic<bool> never{false};
+    RunInOrder(
+        stale_.size(), request_.jobs, request_.stop != nullptr ? *request_.stop : never,
+        [this](std::size_t at) { return MakeCopiesOf(stale_[at]); },
+        [this](std::size_t at, bool isNew) {
+          made_ += isNew ? 1 : 0;
+          if (request_.progress) request_.progress(at + 1, stale_.size(), request_.images[stale_[at]].path);
+        });
   }
 
-  // What a thread does: takes the next picture until there is none.
-  void WorkOff() try {
-    for (std::size_t at = next_++; at < stale_.size() && !IsStopped(); at = next_++) {
-      const std::size_t i = stale_[at];
-      const bool made = MakeCopiesOf(i);
-      const std::lock_guard lock(mutex_);
-      made_ += made;
-      ++done_;
-      if (request_.progress) request_.progress(done_, stale_.size(), request_.images[i].path);
-    }
-  } catch (...) {
-    next_ = stale_.size();
-    const std::lock_guard lock(mutex_);
-    thrown_ = std::current_exception();
-  }
-
-  // Returns whether a thumbnail was made. A file that cannot even be asked for its size keeps what a former run saw.
+  // Returns whether the thumbnail is new. A file without a status keeps its record of an earlier run.
   bool MakeCopiesOf(std::size_t i) {
     const std::string& path = request_.images[i].path;
-    PictureRecord record;
+    GalleryRecord record;
     Readers readers;
     if (const std::error_code error = ReadStamp(path, record, readers)) {
       failures_[i] = error.message();
       return false;
     }
-    bool made = false;
+    bool isNew = false;
     try {
-      made = copies_.Make(path, record, readers);
+      isNew = copies_.Make(path, record, readers);
     } catch (const PictureError& error) {
       failures_[i] = error.what();
     }
     records_[i] = std::move(record);
-    return made;
+    return isNew;
   }
 
   void WriteFiles() const {
-    PictureRecords records;
+    GalleryRecords records;
     for (std::size_t i = 0; i < records_.size(); ++i) records.emplace(request_.images[i].path, records_[i]);
     WriteRecords(folder_, records, readers_);
     folder_.Replace("data.js", GalleryData(request_.indexes, request_.images, records_), readers_);
@@ -137,7 +122,7 @@ class GalleryRun {
 
   void RemoveOthers() const {
     std::set<std::string> thumbnails, previews;
-    for (const PictureRecord& record : records_) {
+    for (const GalleryRecord& record : records_) {
       thumbnails.insert(record.thumbnail);
       if (record.preview) previews.insert(record.thumbnail);
     }
@@ -158,16 +143,12 @@ class GalleryRun {
   const GalleryRequest& request_;
   const Readers readers_;  // of the catalogue
   const Folder folder_;
-  PictureRecords former_;  // what a former run left
+  GalleryRecords earlier_;  // of an earlier run
   const SmallCopies copies_;
-  std::vector<PictureRecord> records_;
+  std::vector<GalleryRecord> records_;
   std::vector<std::string> failures_;
-  std::vector<std::size_t> stale_;    // images whose file has to be opened
-  std::atomic<std::size_t> next_{0};  // place in stale_
-  std::mutex mutex_;                  // of the three below
+  std::vector<std::size_t> stale_;  // positions of the images whose file must be opened
   std::size_t made_ = 0;
-  std::size_t done_ = 0;
-  std::exception_ptr thrown_;
 };
 
 }  // namespace

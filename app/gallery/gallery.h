@@ -1,11 +1,11 @@
-// The catalogue as a static page: a folder that a browser opens from disk, without a server and without the network.
+// The catalogue as a static page: a folder that a browser opens from disk, without a server and without a network.
 //
 // The folder holds
-//   index.html, assets/                   the page, the same for every catalogue
-//   data.js                               the catalogue, see gallery_data.h
-//   thumbs/ab/ab....jpg                   thumbnails, named by the file's path, time of change and size
-//   previews/ab/ab....jpg                 larger copies of what browsers cannot show (TIFF, HEIF)
-//   catalogcore-gallery.json              what the files told when they were last read; marks the folder as a gallery
+//   index.html, assets/        the page, the same for every catalogue
+//   data.js                    the catalogue, see gallery_data.h
+//   thumbs/ab/ab....jpg        thumbnails, see small_copies.h
+//   previews/ab/ab....jpg      larger copies of pictures that browsers cannot show (TIFF, HEIF)
+//   catalogcore-gallery.json   the facts of the pictures, see gallery_records.h; marks the folder as a gallery
 #ifndef CATALOGCORE_APP_GALLERY_GALLERY_H_
 #define CATALOGCORE_APP_GALLERY_GALLERY_H_
 
@@ -18,51 +18,53 @@
 #include <utility>
 #include <vector>
 
+#include "app/picture.h"
+
 namespace catalogcore::app {
 
 // The file that marks a folder as a gallery.
 inline constexpr char kGalleryMark[] = "catalogcore-gallery.json";
 
-class PicturePool;
-
 struct GalleryIndex {
   std::int32_t number = 0;
-  std::int32_t parent = 0;  // a number; -1: top of the tree
+  std::int32_t parent = 0;  // number of the parent; -1: top of the tree
   std::string name;
-  std::string meaning;  // what a preset holds, "photographs that show faces"; empty for others
+  std::string meaning;  // of a preset, "photographs that show faces"; else empty
 };
 
 struct GalleryImage {
-  std::string path;        // full path of the file; no two are the same
-  std::int32_t index = 0;  // a number; one that is not among the indexes shows under "All pictures" alone
-  bool missing = false;    // the file is not there now: shown as a former run saw it
+  std::string path;        // absolute path of the file; unique
+  std::int32_t index = 0;  // number of the index; an image of an unknown index is listed under "All pictures" only
+  bool missing = false;    // the file is missing: shown with its facts of an earlier run
 };
 
 struct GalleryRequest {
-  std::vector<GalleryIndex> indexes;  // parents before children, siblings in the order in which they are shown
+  std::vector<GalleryIndex> indexes;  // parents before children, siblings in the order on the page
   std::vector<GalleryImage> images;   // in any order
-  std::filesystem::path folder;       // made if it is not there
-  // The files that hold the paths of pictures are no more readable than this one. A missing file restricts nothing.
+  std::filesystem::path folder;       // created if it is missing
+  // Files with paths of pictures are never more readable than this file. A missing file restricts nothing.
   std::filesystem::path catalogueFile;
-  unsigned jobs = 1;                // threads that make thumbnails, 1 or more
-  PicturePool* pictures = nullptr;  // what decodes the pictures; null: this process does
-  // After each file that had to be opened, of `total` such files. One thread at a time, not always the caller's.
+  unsigned jobs = 1;  // threads that call the next two functions
+  // As ReadPictureFacts and SmallCopy. May throw PictureError.
+  std::function<PictureFacts(const std::filesystem::path& file)> readFacts;
+  std::function<std::string(const std::filesystem::path& file, int side)> makeCopy;
+  // Called on the caller's thread after each file that had to be opened; `total` is the number of these files.
   std::function<void(std::size_t done, std::size_t total, const std::string& file)> progress;
-  // Becomes true: no further file is opened, and the page is written with what there is. May be null.
+  // When it becomes true, no further file is opened and the page is written without the rest. May be null.
   const std::atomic<bool>* stop = nullptr;
 };
 
 struct GalleryReport {
-  std::size_t made = 0;  // pictures whose thumbnail was made now; those of the others were there
-  std::vector<std::pair<std::string, std::string>> failed;  // file, why: shown without a thumbnail
+  std::size_t made = 0;                                     // number of new thumbnails
+  std::vector<std::pair<std::string, std::string>> failed;  // file and reason; shown without a thumbnail
 };
 
-// Writes the page into the folder. What a former run left there is used where it is still true and removed where it is
-// not, also after a run that was interrupted. Nothing else is removed, and links in the folder are not followed. A copy is
-// no more readable than its picture. Each file is the old or the new one, whole, and index.html comes last.
+// Writes the page into the folder. Keeps the valid files of an earlier run, also of an interrupted one, and removes the
+// outdated ones. Removes no other files and does not follow links in the folder. A copy is never more readable than its
+// picture. Each file is replaced as a whole, index.html last.
 //
-// Throws std::runtime_error when the folder cannot be written, holds something and is no gallery, or has a link in the
-// place of a folder of the gallery's; std::bad_alloc; what request.progress throws. REQUIRES: StartPictures was called.
+// Throws std::runtime_error if the folder cannot be written, holds other files and is not a gallery, or has a link in place
+// of a folder of the gallery; std::bad_alloc; the exceptions of the request's functions other than PictureError.
 GalleryReport WriteGallery(const GalleryRequest& request);
 
 }  // namespace catalogcore::app

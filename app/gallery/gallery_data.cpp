@@ -15,7 +15,7 @@ enum State { kMissing = 1, kHasThumbnail = 2, kHasPreview = 4 };
 
 std::size_t NameStart(std::string_view path) { return path.rfind('/') + 1; }  // 0 without a slash
 
-// The slash comes before every other byte, which keeps a folder and what is below it together.
+// Sorts the slash before every other byte, so that a folder directly precedes the folders below it.
 bool FolderBefore(std::string_view a, std::string_view b) {
   const auto rank = [](char byte) { return byte == '/' ? -1 : int{static_cast<unsigned char>(byte)}; };
   return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
@@ -59,7 +59,7 @@ std::int64_t DateNumber(std::string_view date) {
   return number;
 }
 
-char StateDigit(const GalleryImage& image, const PictureRecord& record) {
+char StateDigit(const GalleryImage& image, const GalleryRecord& record) {
   int state = 0;
   if (image.missing) state += kMissing;
   if (!record.thumbnail.empty()) state += kHasThumbnail;
@@ -70,7 +70,7 @@ char StateDigit(const GalleryImage& image, const PictureRecord& record) {
 Json IndexRows(const std::vector<GalleryIndex>& indexes, const std::unordered_map<std::int32_t, int>& positions) {
   Json rows = Json::array();
   for (const GalleryIndex& index : indexes) {
-    // No index is above itself, whatever the request says.
+    // A parent that does not precede its index would make a loop; the index then stands at the top.
     const int parent = PositionOf(positions, index.parent);
     const bool isAbove = parent < static_cast<int>(rows.size());
     rows.push_back({index.number, isAbove ? parent : -1, index.name, index.meaning});
@@ -83,7 +83,7 @@ std::string AsciiText(const Json& json) { return json.dump(-1, ' ', true, Json::
 }  // namespace
 
 std::string GalleryData(const std::vector<GalleryIndex>& indexes, const std::vector<GalleryImage>& images,
-                        const std::vector<PictureRecord>& records) {
+                        const std::vector<GalleryRecord>& records) {
   const std::unordered_map<std::int32_t, int> positions = Positions(indexes);
   std::vector<std::string_view> folders, names;
   std::vector<std::size_t> starts;
@@ -98,7 +98,7 @@ std::string GalleryData(const std::vector<GalleryIndex>& indexes, const std::vec
       folders.push_back(folder);
       starts.push_back(names.size());
     }
-    const PictureRecord& record = records[i];
+    const GalleryRecord& record = records[i];
     names.push_back(path.substr(folder.size()));
     filed.push_back(PositionOf(positions, images[i].index));
     widths.push_back(record.facts.width);
@@ -119,7 +119,7 @@ std::string GalleryData(const std::vector<GalleryIndex>& indexes, const std::vec
                           {"dates", dates},
                           {"states", states},
                           {"copies", copies}};
-  // Browsers read a long JSON text faster than the same written as a program.
+  // Browsers parse a long JSON text faster than the same data as a script.
   return "const CATALOGUE = JSON.parse(" + AsciiText(AsciiText(catalogue)) + ");\n";
 }
 

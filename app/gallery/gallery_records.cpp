@@ -15,16 +15,16 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr int kFormat = 1;  // records of another format are made anew
+constexpr int kFormat = 1;  // records of another format are discarded
 
-Json ToJson(const PictureRecord& record) {
+Json ToJson(const GalleryRecord& record) {
   const PictureFacts& facts = record.facts;
   return {record.changed,   record.size, facts.width,      facts.height,
           facts.resolution, facts.date,  record.thumbnail, record.preview};
 }
 
-PictureRecord FromJson(const Json& json) {
-  PictureRecord record;
+GalleryRecord FromJson(const Json& json) {
+  GalleryRecord record;
   json.at(0).get_to(record.changed);
   json.at(1).get_to(record.size);
   json.at(2).get_to(record.facts.width);
@@ -33,19 +33,19 @@ PictureRecord FromJson(const Json& json) {
   json.at(5).get_to(record.facts.date);
   json.at(6).get_to(record.thumbnail);
   json.at(7).get_to(record.preview);
-  if (!IsCopyName(record.thumbnail)) record.thumbnail.clear();  // names become paths
+  if (!IsCopyName(record.thumbnail)) record.thumbnail.clear();  // the name becomes part of a path
   return record;
 }
 
-PictureRecords ReadRecords(const FileDescriptor& file, const std::string& name) try {
+GalleryRecords ReadRecords(const FileDescriptor& file, const std::string& name) try {
   const Json json = Json::parse(ReadWholeFile(file));
-  PictureRecords records;
+  GalleryRecords records;
   if (json.at("format") != kFormat) return records;
   for (const auto& [path, record] : json.at("pictures").items()) records.emplace(path, FromJson(record));
   return records;
 } catch (const Json::exception&) {
-  throw std::runtime_error(name +
-                           " is damaged or not a gallery's: remove it with the folder, or choose another folder");
+  throw std::runtime_error(
+      name + " is damaged or belongs to another program: remove it with its folder, or choose another folder");
 } catch (const std::system_error& error) {
   throw std::runtime_error("cannot read " + name + ": " + error.code().message());
 }
@@ -56,7 +56,7 @@ bool IsCopyName(std::string_view name) {
   return name.size() == 16 && name.find_first_not_of("0123456789abcdef") == name.npos;
 }
 
-PictureRecords OpenRecords(const Folder& folder, const Readers& readers) {
+GalleryRecords OpenRecords(const Folder& folder, const Readers& readers) {
   const FileDescriptor file = OpenRegularFile(folder.Descriptor(), kGalleryMark, O_RDONLY | O_NOFOLLOW);
   const std::string name = (folder.Path() / kGalleryMark).string();
   if (file.IsOpen()) return ReadRecords(file, name);
@@ -67,13 +67,13 @@ PictureRecords OpenRecords(const Folder& folder, const Readers& readers) {
   const std::vector<std::string> names = folder.Names();
   if (!std::all_of(names.begin(), names.end(), Folder::IsTemporary)) {
     throw std::runtime_error(folder.Path().string() +
-                             " holds other files and no gallery: choose an empty or a new folder");
+                             " holds other files and is not a gallery: choose an empty or a new folder");
   }
-  WriteRecords(folder, {}, readers);  // a first run that is interrupted leaves a gallery too
+  WriteRecords(folder, {}, readers);  // marks the folder even if this run is interrupted
   return {};
 }
 
-void WriteRecords(const Folder& folder, const PictureRecords& records, const Readers& readers) {
+void WriteRecords(const Folder& folder, const GalleryRecords& records, const Readers& readers) {
   Json pictures = Json::object();
   for (const auto& [path, record] : records) pictures[path] = ToJson(record);
   const Json json = {{"format", kFormat}, {"pictures", std::move(pictures)}};

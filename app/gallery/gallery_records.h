@@ -1,5 +1,5 @@
-// What is known of each picture of a gallery from one run to the next, so that no file is opened twice. Kept in
-// catalogcore-gallery.json, which also tells a gallery from a folder of something else.
+// The facts of each picture of a gallery, kept from one run to the next so that an unchanged file is not opened again.
+// Their file, catalogcore-gallery.json, marks the folder as a gallery.
 #ifndef CATALOGCORE_APP_GALLERY_GALLERY_RECORDS_H_
 #define CATALOGCORE_APP_GALLERY_GALLERY_RECORDS_H_
 
@@ -13,25 +13,25 @@
 
 namespace catalogcore::app {
 
-struct PictureRecord {
-  std::int64_t changed = 0;  // the file's time of change, in units of the file system's clock
+struct GalleryRecord {
+  std::int64_t changed = 0;  // time of change of the file, in units of std::filesystem's clock
   std::uintmax_t size = 0;   // bytes of the file
   PictureFacts facts;        // width 0: unknown
-  std::string thumbnail;     // name of the thumbnail and of the preview, see small_copies.h; empty: there is none
+  std::string thumbnail;     // name of thumbnail and preview (small_copies.h); empty: none
   bool preview = false;
 };
 
-using PictureRecords = std::map<std::string, PictureRecord>;  // by path
+using GalleryRecords = std::map<std::string, GalleryRecord>;  // by path
 
-// Whether it may be the name of a thumbnail: 16 hexadecimal digits.
+// Whether the name is 16 hexadecimal digits, as names of thumbnails are.
 bool IsCopyName(std::string_view name);
 
-// Makes the folder a gallery, if it is not one, and returns what a former run left there. Throws std::runtime_error when
-// it holds something and is no gallery, or cannot be written.
-PictureRecords OpenRecords(const Folder& folder, const Readers& readers);
+// Reads the records of an earlier run. Makes an empty folder a gallery without records. Throws std::runtime_error if the
+// folder holds other files and is not a gallery, or cannot be written.
+GalleryRecords OpenRecords(const Folder& folder, const Readers& readers);
 
 // Throws std::runtime_error.
-void WriteRecords(const Folder& folder, const PictureRecords& records, const Readers& readers);
+void WriteRecords(const Folder& folder, const GalleryRecords& records, const Readers& readers);
 
 }  // namespace catalogcore::app
 

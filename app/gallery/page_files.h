@@ -1,4 +1,4 @@
-// The page's own files, which the build puts into the program (cmake/embed_files.cmake).
+// The files of the page, which the build embeds into the program (cmake/embed_files.cmake).
 #ifndef CATALOGCORE_APP_GALLERY_PAGE_FILES_H_
 #define CATALOGCORE_APP_GALLERY_PAGE_FILES_H_
 
@@ -12,7 +12,7 @@ struct EmbeddedFile {
   std::string_view content;
 };
 
-// In the order in which they are to be written: index.html last.
+// In the order in which to write them: index.html last.
 std::span<const EmbeddedFile> PageFiles();
 
 }  // namespace catalogcore::app

@@ -9,8 +9,6 @@
 #include <optional>
 #include <string_view>
 
-#include "app/picture_pool.h"
-
 namespace catalogcore::app {
 namespace {
 
@@ -18,17 +16,17 @@ namespace fs = std::filesystem;
 
 constexpr int kThumbnailSide = 256;  // pixels
 constexpr int kPreviewSide = 1600;
-constexpr std::size_t kFolderDigits = 2;  // of a copy's name, in that of its folder
+constexpr std::size_t kFolderDigits = 2;  // first digits of a copy's name, the name of its folder
 constexpr std::string_view kCopyExtension = ".jpg";
 
-// Fowler, Noll and Vo, variant 1a; RFC 9923 has the constants.
+// The hash of Fowler, Noll and Vo, variant 1a (RFC 9923).
 std::uint64_t HashFnv1a(std::string_view text) {
   std::uint64_t hash = 0xcbf29ce484222325;
   for (const char byte : text) hash = (hash ^ static_cast<unsigned char>(byte)) * 0x100000001b3;
   return hash;
 }
 
-std::string CopyName(const std::string& path, const PictureRecord& record) {
+std::string CopyName(const std::string& path, const GalleryRecord& record) {
   const std::string key = path + '\0' + std::to_string(record.changed) + '\0' + std::to_string(record.size);
   std::array<char, 17> digits{};
   std::snprintf(digits.data(), digits.size(), "%016llx", static_cast<unsigned long long>(HashFnv1a(key)));
@@ -39,7 +37,7 @@ std::string FolderOf(const std::string& name) { return name.substr(0, kFolderDig
 
 std::string FileOf(const std::string& name) { return name + std::string(kCopyExtension); }
 
-// Whether the gallery has the copy, which it then takes from whoever may not read the picture.
+// Whether the gallery has the copy. Makes an existing copy unreadable for others than `readers`.
 bool CheckCopy(const Folder& folder, const std::string& name, const Readers& readers) {
   if (name.empty()) return false;
   const std::optional<Folder> inner = folder.FindInner(FolderOf(name));
@@ -49,7 +47,7 @@ bool CheckCopy(const Folder& folder, const std::string& name, const Readers& rea
   return true;
 }
 
-// Browsers show these themselves.
+// Whether browsers show the format, so that no preview is needed.
 bool IsShownByBrowsers(const fs::path& file) {
   std::string extension = file.extension().string();
   std::transform(extension.begin(), extension.end(), extension.begin(),
@@ -58,7 +56,7 @@ bool IsShownByBrowsers(const fs::path& file) {
   return std::find(kShown.begin(), kShown.end(), extension) != kShown.end();
 }
 
-// Whether it is a file's name, in a folder of that name, that only a copy has.
+// Whether a file with this name in this folder is a copy.
 bool IsCopyFile(const std::string& folder, const std::string& file) {
   if (!file.ends_with(kCopyExtension) || !file.starts_with(folder)) return false;
   return IsCopyName(std::string_view(file).substr(0, file.size() - kCopyExtension.size()));
@@ -79,24 +77,24 @@ void RemoveOthersIn(const Folder& folder, const std::set<std::string>& names) {
 
 }  // namespace
 
-bool SmallCopies::Check(const std::string& path, PictureRecord& record, const Readers& readers) const {
+bool SmallCopies::Check(const std::string& path, GalleryRecord& record, const Readers& readers) const {
   if (!CheckCopy(thumbnails_, record.thumbnail, readers)) record.thumbnail.clear();
   record.preview = record.preview && CheckCopy(previews_, record.thumbnail, readers);
   return !record.thumbnail.empty() && (record.preview || IsShownByBrowsers(path));
 }
 
-// Returns whether the copy was made.
+// Returns whether the copy is new.
 bool SmallCopies::MakeCopy(const std::string& picture, const Folder& folder, const std::string& name, int side,
                            const Readers& readers) const {
   const Folder inner = folder.Inner(FolderOf(name));
   if (inner.FindFile(FileOf(name))) return false;
-  const std::string copy = pictures_ != nullptr ? pictures_->SmallCopy(picture, side) : SmallCopy(picture, side);
+  const std::string copy = request_.makeCopy(picture, side);
   inner.Replace(FileOf(name), copy, readers);
   return true;
 }
 
-bool SmallCopies::Make(const std::string& path, PictureRecord& record, const Readers& readers) const {
-  record.facts = pictures_ != nullptr ? pictures_->ReadFacts(path) : ReadPictureFacts(path);
+bool SmallCopies::Make(const std::string& path, GalleryRecord& record, const Readers& readers) const {
+  record.facts = request_.readFacts(path);
   const std::string name = CopyName(path, record);
   const bool made = MakeCopy(path, thumbnails_, name, kThumbnailSide, readers);
   record.thumbnail = name;

@@ -1,4 +1,4 @@
-"""The command as people use it: command_test.py CATALOGCORE MAN-PAGE COMPLETION [unittest arguments]"""
+"""The command: command_test.py CATALOGCORE MAN-PAGE COMPLETION [unittest arguments]"""
 import contextlib
 import csv
 import fcntl
@@ -14,16 +14,15 @@ import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import termios
 import unicodedata
 import unittest
 
 import pictures
+from pictures import OTHER, OTHER_PHOTOGRAPHS, PAGES
 
 COMMAND, MAN_PAGE, COMPLETION = sys.argv[1:4]
 PAGE, PHOTOGRAPH = pictures.page(), pictures.photograph()
-PAGES, OTHER_PHOTOGRAPHS, OTHER = 2030000, 1090000, 9000000
 
 
 def bucket(path):
@@ -33,23 +32,15 @@ def bucket(path):
     return value % 1987
 
 
-class CommandTest(unittest.TestCase):
+class CommandTest(pictures.CommandCase):
+    program = COMMAND
+
     def setUp(self):
-        self.root = pathlib.Path(tempfile.mkdtemp()).resolve()
-        self.addCleanup(shutil.rmtree, self.root)
-        self.catalog = self.root / "catalog"
+        super().setUp()
         self.pictures = self.root / "pictures"
         (self.pictures / "scans").mkdir(parents=True)
         (self.pictures / "beach.png").write_bytes(PHOTOGRAPH)
         (self.pictures / "scans" / "page.png").write_bytes(PAGE)
-
-    def command(self, *arguments):
-        return [COMMAND, "--catalog", str(self.catalog), *map(str, arguments)]
-
-    def run_command(self, *arguments, status=0):
-        done = subprocess.run(self.command(*arguments), capture_output=True, text=True, errors="surrogateescape")
-        self.assertEqual(done.returncode, status, (arguments, done.stdout, done.stderr))
-        return done.stdout, done.stderr
 
     def listed(self, *arguments):
         return [json.loads(line) for line in self.run_command("ls", "--json", *arguments)[0].splitlines()]
@@ -171,12 +162,12 @@ class CommandTest(unittest.TestCase):
         self.run_command("index", "add", ".", "Work")
         whole = (self.catalog / "images.plist").read_bytes()
 
-        def item(text):
-            return plistlib.dumps({"IDXImage": text + b"\0", "Other": 1})
+        def item(*records, **tag):
+            return pictures.catalogue_file("IDXImage", *records, Other=1, **tag)
 
-        record = b"CatalogCoreVer1.0\n1/9,0," + bytes(self.pictures / "beach.png") + b"\n"
-        for content in (whole[:300], b"", item(b"CatalogCoreVer9\n"), item(record + b"1/9,0"),
-                        item(record + b"1/9,0,no-folder\n")):
+        record = f"1/9,0,{self.pictures / 'beach.png'}"
+        for content in (whole[:300], b"", item(tag="CatalogCoreVer9"),
+                        item(record, "1/9,0"), item(record, "1/9,0,no-folder")):
             (self.catalog / "images.plist").write_bytes(content)
             err = self.run_command("sort", self.pictures, status=3)[1]
             self.assertIn("nothing was changed", err)
@@ -186,7 +177,7 @@ class CommandTest(unittest.TestCase):
         self.assertEqual(plistlib.loads((self.catalog / "images.plist").read_bytes().rstrip(b"\0"))["Other"], 1)
         self.run_command("sort", self.pictures)
         (self.catalog / "index.plist").unlink()
-        (self.catalog / "images.plist").write_bytes(item(record.replace(b"1/9", b"10")))
+        (self.catalog / "images.plist").write_bytes(item(record.replace("1/9", "10")))
         self.assertIn('now in "Other"', self.run_command("ls")[1])
         self.assertEqual(self.listed()[0]["index"], OTHER)
         self.run_command("check", status=1)
@@ -214,9 +205,9 @@ class CommandTest(unittest.TestCase):
         for arguments, reason in (
                 (("add", "Photographs", "Summer"), "of that name already"), (("add", "Photographs", ""), "not empty"),
                 (("add", "Nowhere", "x"), "no index \"Nowhere\""), (("rename", "People", "x"), "is a preset"),
-                (("add", "Photographs", "x", "--no-move", "--no-remove", "--no-rename"), "not written"),
-                (("protect", "Summer", "--no-move", "--no-rename"), "not written"),
-                (("protect", "Summer"), "say what may not be done"),
+                (("add", "Photographs", "x", "--no-move", "--no-remove", "--no-rename"), "omit one"),
+                (("protect", "Summer", "--no-move", "--no-rename"), "omit one"),
+                (("protect", "Summer"), "no protection given"),
                 (("rm", "Summer"), "--force"), (("rm", "1000000"), "is a preset")):
             self.assertIn(reason, self.run_command("index", *arguments, status=2)[1], arguments)
         self.run_command("sort", self.pictures)
@@ -237,7 +228,7 @@ class CommandTest(unittest.TestCase):
             self.assertEqual(done.returncode, status, (options, done.stderr))
             self.assertIn(str(self.pictures / "scans/page.png"), self.run_command("ls", index)[0], options)
         self.run_command("index", "protect", "Summer", "--none")
-        self.assertIn("1 image would leave", self.run_command("index", "rm", "Summer", status=2)[1])
+        self.assertIn("1 image would be removed", self.run_command("index", "rm", "Summer", status=2)[1])
         self.run_command("index", "rm", "--force", "Summer")
         self.assertEqual([image["index"] for image in self.listed()], [PAGES])
         for number in range(20):
@@ -329,7 +320,7 @@ class CommandTest(unittest.TestCase):
                               (("",), 'no command ""'), (("help", "index", "ad"), 'mean "add"?'),
                               (("nonsense\x1b",), r'no command "nonsense\x1B" ('),
                               (("--nonsense",), "no option --nonsense"),
-                              (("mv", "Other"), "which files"), (("mv", "-0", "a", "Other"), "needs --files-from"),
+                              (("mv", "Other"), "no files given"), (("mv", "-0", "a", "Other"), "needs --files-from"),
                               (("sort", "--jobs", "0", "."), "--jobs"), (("export", "--format", "xml"), "xml not in")):
             self.assertIn(reason, self.run_command(*wrong, status=2)[1])
 

@@ -1,4 +1,4 @@
-// The gallery's folder from run to run. The pictures here are files of text: "bad" is a broken one.
+// The folder of a gallery from run to run. The pictures are text files; "bad" is a damaged one.
 #include "app/gallery/gallery.h"
 
 #include <gtest/gtest.h>
@@ -7,16 +7,12 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "app/picture.h"
-
 namespace catalogcore::app {
 namespace {
 
 namespace fs = std::filesystem;
 using nlohmann::json;
 using testing::TempDir;
-
-std::atomic<int> opened{0};
 
 std::string ReadText(const fs::path& file) {
   std::ostringstream text;
@@ -29,24 +25,19 @@ void WriteText(const fs::path& file, const std::string& text) {
   std::ofstream(file) << text;
 }
 
-}  // namespace
-
-PictureFacts ReadPictureFacts(const fs::path& file) {
-  ++opened;
-  if (ReadText(file) == "bad") throw PictureError("not an image file");
-  return {1240, 1754, 150, "2024-05-31 18:20:05"};
-}
-
-std::string SmallCopy(const fs::path& file, int side) { return ReadText(file) + " " + std::to_string(side); }
-
-namespace {
-
 class GalleryTest : public testing::Test {
  protected:
   GalleryTest() {
     fs::remove_all(home_);
     request_.folder = home_ / "page";
     request_.jobs = 3;
+    request_.stop = &stop_;
+    request_.readFacts = [this](const fs::path& file) {
+      stop_ = ++opened_ == stopAt_;
+      if (ReadText(file) == "bad") throw PictureError("not an image file");
+      return PictureFacts{1240, 1754, 150, "2024-05-31 18:20:05"};
+    };
+    request_.makeCopy = [](const fs::path& file, int side) { return ReadText(file) + " " + std::to_string(side); };
     request_.indexes = {{1000000, -1, "Photographs", ""}, {1010000, 1000000, "People", "photographs that show faces"}};
     for (const char* name : {"a/1.jpg", "a/2.jpg", "b.tif"}) Add(name, name);
   }
@@ -63,7 +54,6 @@ class GalleryTest : public testing::Test {
     return json::parse(json::parse(script.substr(start, script.rfind('"') + 1 - start)).get<std::string>());
   }
 
-  // The contents of the thumbnails or previews, sorted.
   std::multiset<std::string> Copies(const char* kind) const {
     std::multiset<std::string> contents;
     for (const auto& entry : fs::recursive_directory_iterator(request_.folder / kind)) {
@@ -72,17 +62,21 @@ class GalleryTest : public testing::Test {
     return contents;
   }
 
-  // Files that were opened by a run which makes that many thumbnails.
+  // The number of files that a run opens; checks its numbers of new thumbnails and of failures.
   int OpenedBy(std::size_t made, std::size_t failed = 0) {
-    opened = 0;
+    opened_ = 0;
+    stop_ = false;
     const GalleryReport report = WriteGallery(request_);
     EXPECT_EQ(report.made, made);
     EXPECT_EQ(report.failed.size(), failed);
-    return opened;
+    return opened_;
   }
 
   const fs::path home_ = fs::path(TempDir()) / ("gallery_" + std::to_string(::getpid()));
   GalleryRequest request_;
+  std::atomic<int> opened_{0};
+  int stopAt_ = 0;  // the file whose opening stops the run; 0: none
+  std::atomic<bool> stop_{false};
 };
 
 TEST_F(GalleryTest, OpensFilesOnceAndAgainWhenTheyChange) {
@@ -133,17 +127,17 @@ TEST_F(GalleryTest, ReportsABrokenPictureUntilItIsMended) {
 }
 
 TEST_F(GalleryTest, GoesOnAfterARunThatWasStopped) {
-  std::atomic<bool> stop{false};
   request_.jobs = 1;
-  request_.stop = &stop;
+  stopAt_ = 2;
+  std::size_t reported = 0;
   request_.progress = [&](std::size_t done, std::size_t total, const std::string&) {
-    EXPECT_EQ(total, 3);
-    stop = done == 2;
+    EXPECT_TRUE(done == ++reported && total == 3);
   };
   EXPECT_EQ(OpenedBy(2), 2);
+  EXPECT_EQ(reported, 2);
   EXPECT_EQ(Data().at("names").size(), 3);
   EXPECT_TRUE(fs::exists(request_.folder / "index.html"));
-  stop = false;
+  stopAt_ = 0;
   request_.progress = nullptr;
   EXPECT_EQ(OpenedBy(1), 1);
 

@@ -1,13 +1,12 @@
-"""gallery_test.py MAKE_GALLERY CHROMIUM CHROMEDRIVER: makes galleries and reads them from disk in a browser without a window."""
-
+"""The page of a gallery in a headless browser: gallery_test.py CATALOGCORE CHROMIUM CHROMEDRIVER"""
 import json
 import os
 import pathlib
+import re
 import struct
 import subprocess
 import sys
 import tempfile
-import zlib
 
 from selenium import webdriver
 from selenium.common.exceptions import TimeoutException
@@ -15,20 +14,17 @@ from selenium.webdriver.common.by import By
 from selenium.webdriver.common.keys import Keys
 from selenium.webdriver.support.ui import WebDriverWait
 
-MAKE_GALLERY, CHROMIUM, CHROMEDRIVER = sys.argv[1:]
-PEOPLE, OTHER_PHOTO, PAGE, OTHER = 1010000, 1090000, 2030000, 9000000
+import pictures
+from pictures import OTHER, OTHER_PHOTOGRAPHS, PAGES, PEOPLE
+
+COMMAND, CHROMIUM, CHROMEDRIVER = sys.argv[1:]
 HOSTILE = ["<img src=x onerror=document.title='run'>.png", "50% #1? &amp; \"it's\" \u00e9t\u00e9 \U0001f389.png", "n" * 200 + ".png"]
+KEYS = {PEOPLE: "1/1", OTHER_PHOTOGRAPHS: "1/9", PAGES: "2/3", OTHER: "9"}
 
 
-def write_png(file, width, height, dots_per_metre=0):
-    def chunk(kind, data):
-        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
-
-    rows = b"".join(b"\0" + bytes([y % 256, 90, 128]) * width for y in range(height))
-    header = struct.pack(">IIBBBBB", width, height, 8, 2, 0, 0, 0)
-    resolution = chunk(b"pHYs", struct.pack(">IIB", dots_per_metre, dots_per_metre, 1)) if dots_per_metre else b""
+def write_png(file, width, height, dots_per_inch=0):
     file.parent.mkdir(parents=True, exist_ok=True)
-    file.write_bytes(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + resolution + chunk(b"IDAT", zlib.compress(rows)) + chunk(b"IEND", b""))
+    file.write_bytes(pictures.png(width, height, 90, dots_per_inch))
 
 
 def write_tiff(file, width, height):
@@ -38,8 +34,14 @@ def write_tiff(file, width, height):
 
 
 def make_gallery(folder, images):
-    lines = "".join(f"{index}\t{int(not path.exists())}\t{path}\n" for path, index in images.items())
-    return subprocess.run([MAKE_GALLERY, folder], input=lines, text=True, check=True, capture_output=True).stdout.splitlines()
+    """Returns the number of new thumbnails, and the messages."""
+    catalog = folder.parent / "catalog"
+    catalog.mkdir(exist_ok=True)
+    records = (f"{KEYS[index]},0,{path}" for path, index in images.items())
+    (catalog / "images.plist").write_bytes(pictures.catalogue_file("IDXImage", *records))
+    done = subprocess.run([COMMAND, "--catalog", catalog, "gallery", folder], text=True, capture_output=True)
+    assert done.returncode in (0, 1), done.stderr
+    return int(re.search(r"(\d+) thumbnails? created", done.stdout)[1]), done.stderr
 
 
 class Page:
@@ -99,28 +101,29 @@ class Page:
 
 
 def check_small(home):
-    pictures = {home / "photos/2024/sea" / f"shore {n}.png": PEOPLE for n in (1, 2, 10)}
-    pictures |= {home / "photos/2025/town.png": OTHER_PHOTO, home / "scans/letter.png": PAGE, home / "scans/card.tif": PAGE}
-    pictures |= {home / "photos/2025" / name: OTHER for name in HOSTILE}
-    for picture in pictures:
+    images = {home / "photos/2024/sea" / f"shore {n}.png": PEOPLE for n in (1, 2, 10)}
+    images |= {home / "photos/2025/town.png": OTHER_PHOTOGRAPHS, home / "scans/letter.png": PAGES, home / "scans/card.tif": PAGES}
+    images |= {home / "photos/2025" / name: OTHER for name in HOSTILE}
+    for picture in images:
         write_png(picture, 640, 400)
-    write_png(home / "scans/letter.png", 1240, 1754, 5906)
+    write_png(home / "scans/letter.png", 1240, 1754, 150)
     write_tiff(home / "scans/card.tif", 2000, 1200)
     (home / "scans/broken.jpg").write_text("no picture")
-    pictures[home / "scans/broken.jpg"] = OTHER
-    made, failed = make_gallery(home / "page", pictures)
-    assert made == "9" and failed.startswith(f"{home}/scans/broken.jpg: "), (made, failed)
+    images[home / "scans/broken.jpg"] = OTHER
+    made, failed = make_gallery(home / "page", images)
+    assert made == 9 and f"thumbnail of {home}/scans/broken.jpg: " in failed, (made, failed)
     os.remove(home / "photos/2025/town.png")
-    assert make_gallery(home / "page", pictures)[0] == "0"
+    assert make_gallery(home / "page", images)[0] == 0
 
     page = Page(home / "page")
-    counts = {item.text.split("\n")[0]: item.text.split("\n")[1] for item in page.all("[role=treeitem]")}
+    counts = dict(item.text.split("\n")[:2] for item in page.all("[role=treeitem]"))
+    counts = {name: count for name, count in counts.items() if count != "0"}
     assert counts == {"Photographs": "4", "People": "3", "Other photographs": "1", "Documents": "2", "Pages": "2",
-                      "Other documents": "0", "Other": "4", str(home): "10", "photos": "7", "scans": "3"}, counts
+                      "Other": "4", str(home): "10", "photos": "7", "scans": "3"}, counts
     page.check_names_of_controls()
     assert page.text("#count") == "10 pictures" and page.js("document.title") == "Catalogue"
 
-    # With the keyboard alone: to the folders, into one, a search in it, a picture, back.
+    # With the keyboard only: the tree of folders, one folder, a search in it, a picture, and back.
     for _ in range(5): page.press(Keys.TAB)
     page.check_focus("Photographs, 4 pictures")
     page.press(Keys.TAB, Keys.ARROW_DOWN, Keys.ARROW_RIGHT, Keys.ARROW_RIGHT)
@@ -144,7 +147,7 @@ def check_small(home):
     page.press(Keys.HOME, Keys.ESCAPE)
     page.check_focus("shore 1.png, ")
 
-    # By the mouse, from index to index; what cannot be shown says so.
+    # With the mouse: pictures of several formats, a missing one, and another index.
     page.load("#q=ete&sort=name")
     assert page.names() == [HOSTILE[1]]
     page.load()
@@ -168,7 +171,7 @@ def check_small(home):
     page.press(Keys.ESCAPE)
     page.check_focus("Indexes and folders")
 
-    # Indexes that are above themselves, at once or by way of another, stand at the top.
+    # An index below itself, directly or through another index, is shown at the top.
     data = home / "page/data.js"
     data.write_text(data.read_text().replace("[1000000,-1,", "[1000000,0,").replace("[2000000,-1,", "[2000000,4,"))
     page.load()
@@ -177,14 +180,14 @@ def check_small(home):
 
 
 def check_large(home):
-    """As many pictures as a drive that is not there may hold: they show the few thumbnails that there are."""
+    """100,000 missing pictures that share a few thumbnails."""
     records_file = home / "page/catalogcore-gallery.json"
     records = json.loads(records_file.read_text())
     kept = [record for record in records["pictures"].values() if record[6]]
     paths = [pathlib.Path(f"/nowhere/{n // 10:04}/{n:06}.jpg") for n in range(100_000)]
     records["pictures"] = {str(path): kept[n % len(kept)] for n, path in enumerate(paths)}
     records_file.write_text(json.dumps(records))
-    make_gallery(home / "page", dict.fromkeys(paths, PAGE))
+    make_gallery(home / "page", dict.fromkeys(paths, PAGES))
     page = Page(home / "page")
     for width in (1200, 320):
         page.resize(width, 900)
@@ -196,7 +199,7 @@ def check_large(home):
     page.js("document.querySelector('.tile').focus()")
     page.press(Keys.END, Keys.ENTER, Keys.ARROW_LEFT, Keys.ESCAPE)
     page.check_focus("099998.jpg, ")
-    # The tile with the focus stays in the page when it is scrolled out of view.
+    # The focused tile stays in the document when it is scrolled out of view.
     for top, key, name in [(0, Keys.ARROW_RIGHT, "099999"), (0, Keys.HOME, "000000"), (1e9, Keys.ARROW_RIGHT, "000001")]:
         page.js("document.getElementById('scroller').scrollTo(0, arguments[0])", top)
         page.wait("document.elementFromPoint(innerWidth - 90, 500).closest('.tile') !== null")

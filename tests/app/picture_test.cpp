@@ -7,8 +7,8 @@
 
 #include <array>
 #include <fstream>
-#include <iterator>
 #include <memory>
+#include <sstream>
 #include <thread>
 
 namespace catalogcore::app {
@@ -16,19 +16,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct Unreference {
-  void operator()(void* object) const { g_object_unref(object); }
-};
-using Image = std::unique_ptr<VipsImage, Unreference>;
+using Source = std::shared_ptr<VipsImage>;
 using Samples = std::vector<std::uint8_t>;
 
-Image Made(int width, int height, int bands, const Samples& samples) {
-  Image image(vips_image_new_from_memory_copy(samples.data(), samples.size(), width, height, bands, VIPS_FORMAT_UCHAR));
-  image->Type = bands < 3 ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB;
-  return image;
+struct Decoded : PictureShape {
+  Samples pixels;
+};
+
+Decoded Decode(const fs::path& file) {
+  Samples pixels;
+  const auto allocate = [&pixels](std::size_t bytes) { return (pixels = Samples(bytes)).data(); };
+  return {DecodePicture(file, allocate), pixels};
 }
 
-Image Plain(int width, int height, const Samples& pixel) {
+Source Made(int width, int height, int bands, const Samples& samples) {
+  VipsImage* image =
+      vips_image_new_from_memory_copy(samples.data(), samples.size(), width, height, bands, VIPS_FORMAT_UCHAR);
+  image->Type = bands < 3 ? VIPS_INTERPRETATION_B_W : VIPS_INTERPRETATION_sRGB;
+  return {image, g_object_unref};
+}
+
+Source Plain(int width, int height, const Samples& pixel) {
   Samples samples;
   for (int i = 0; i < width * height; ++i) samples.insert(samples.end(), pixel.begin(), pixel.end());
   return Made(width, height, static_cast<int>(pixel.size()), samples);
@@ -41,7 +49,7 @@ class PictureTest : public testing::Test {
   ~PictureTest() override { fs::remove_all(folder_); }
 
   // `name` may end with options of libvips' saver, "a.tif[miniswhite]".
-  fs::path Saved(const Image& image, const std::string& name) {
+  fs::path Saved(const Source& image, const std::string& name) {
     EXPECT_EQ(vips_image_write_to_file(image.get(), (folder_ / name).c_str(), nullptr), 0) << vips_error_buffer();
     return folder_ / name.substr(0, name.find('['));
   }
@@ -50,12 +58,13 @@ class PictureTest : public testing::Test {
     return folder_ / name;
   }
   static std::string Bytes(const fs::path& file) {
-    std::ifstream in(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
+    std::ostringstream bytes;
+    bytes << std::ifstream(file, std::ios::binary).rdbuf();
+    return bytes.str();
   }
   static std::string ErrorOf(const fs::path& file) {
     try {
-      const std::string warning = DecodePicture(file).warning;
+      const std::string warning = Decode(file).warning;
       return warning.empty() ? "none" : warning;
     } catch (const PictureError& error) {
       return error.what();
@@ -97,26 +106,26 @@ TEST_F(PictureTest, EveryKindOfSamplesBecomesEightBitsGreyOrColour) {
     if (fs::path(c.name).extension().string().starts_with(".avif") && !HasPictureName("a.avif")) continue;
     VipsImage* converted = nullptr;
     ASSERT_EQ(vips_colourspace(Plain(40, 30, c.pixel).get(), &converted, c.as, nullptr), 0);
-    const Picture picture = DecodePicture(Saved(Image(converted), c.name));
+    const Decoded picture = Decode(Saved({converted, g_object_unref}, c.name));
     EXPECT_EQ(picture.bitsPerPixel, static_cast<int>(c.expected.size()) * 8);
     ASSERT_EQ(picture.pixels.size(), 1200 * c.expected.size());
     for (std::size_t s = 0; s < c.expected.size(); ++s) EXPECT_NEAR(picture.pixels[s], c.expected[s], c.tolerance);
   }
   const std::string png = Bytes(folder_ / "alpha.png");
-  EXPECT_EQ(DecodePicture(Written("png.jpg", png)).pixels, DecodePicture(folder_ / "alpha.png").pixels);
+  EXPECT_EQ(Decode(Written("png.jpg", png)).pixels, Decode(folder_ / "alpha.png").pixels);
   EXPECT_TRUE(HasPictureName("a/B.JPEG"));
   EXPECT_FALSE(HasPictureName("a/jpg") || HasPictureName("a.gif"));
 }
 
 TEST_F(PictureTest, PicturesComeUpright) {
-  const Image image = Made(3, 2, 1, {10, 20, 30, 40, 50, 60});
+  const Source image = Made(3, 2, 1, {10, 20, 30, 40, 50, 60});
   const std::array<Samples, 8> topCorners = {
       {{10, 30}, {30, 10}, {60, 40}, {40, 60}, {10, 40}, {40, 10}, {60, 30}, {30, 60}}};
   for (int orientation = 1; orientation <= 8; ++orientation) {
     SCOPED_TRACE(orientation);
     vips_image_set_int(image.get(), VIPS_META_ORIENTATION, orientation);
     const fs::path file = Saved(image, "a.tif");
-    const Picture picture = DecodePicture(file);
+    const Decoded picture = Decode(file);
     const int width = orientation < 5 ? 3 : 2;
     EXPECT_EQ(picture.width, width);
     EXPECT_EQ(picture.height, 5 - width);
@@ -128,11 +137,11 @@ TEST_F(PictureTest, PicturesComeUpright) {
 
 TEST_F(PictureTest, AResolutionCountsIfAScannerCouldHaveMeantIt) {
   const auto saved = [this](const char* name, double across, double down, const char* field = nullptr) {
-    const Image plain = Plain(20, 10, {1, 2, 3});
+    const Source plain = Plain(20, 10, {1, 2, 3});
     VipsImage* out = nullptr;
     vips_copy(plain.get(), &out, "xres", across / 25.4, "yres", down / 25.4, nullptr);
     if (field != nullptr) vips_image_set_string(out, field, "1/125 (1/125, Rational, 1 components, 8 bytes)");
-    return Saved(Image(out), name);
+    return Saved({out, g_object_unref}, name);
   };
   struct Case {
     double across, down;
@@ -149,7 +158,8 @@ TEST_F(PictureTest, AResolutionCountsIfAScannerCouldHaveMeantIt) {
 
   std::string jpeg = Bytes(saved("a.jpg", 72, 72));
   const std::string jfif("\xFF\xE0\0\x10JFIF\0\1\1\1\1\x2C\1\x2C\0\0", 18);  // 300 dots per inch
-  EXPECT_EQ(ReadPictureFacts(Written("both.jpg", jpeg.insert(2, jfif))).resolution, 300) << "72 only for form's sake";
+  EXPECT_EQ(ReadPictureFacts(Written("both.jpg", jpeg.insert(2, jfif))).resolution, 300)
+      << "the 72 of EXIF is a default";
   jpeg[13] = 0;
   EXPECT_EQ(ReadPictureFacts(Written("shape.jpg", jpeg)).resolution, 0) << "the shape of pixels";
   std::string png = Bytes(saved("a.png", 300, 300));
@@ -168,9 +178,9 @@ TEST_F(PictureTest, LargePicturesAreReducedWithTheirResolution) {
     SCOPED_TRACE(c.name + std::to_string(c.width));
     Samples samples(static_cast<std::size_t>(c.width * c.height), 200);
     std::fill_n(samples.begin(), samples.size() / 2, 50);
-    const Image image = Made(c.width, c.height, 1, samples);
+    const Source image = Made(c.width, c.height, 1, samples);
     image->Xres = image->Yres = 600 / 25.4;
-    const Picture picture = DecodePicture(Saved(image, c.name));
+    const Decoded picture = Decode(Saved(image, c.name));
     EXPECT_EQ(picture.width, c.reducedWidth);
     EXPECT_EQ(picture.height, c.reducedHeight);
     EXPECT_EQ(picture.resolution, c.resolution);
@@ -183,7 +193,7 @@ TEST_F(PictureTest, WhatIsNoWholePictureIsRefusedWithItsReason) {
   Samples noise;
   for (unsigned i = 0, value = 1; i < 200 * 150 * 3; ++i)
     noise.push_back(static_cast<std::uint8_t>((value *= 69069) >> 24));
-  const Image image = Made(200, 150, 3, noise);
+  const Source image = Made(200, 150, 3, noise);
   std::vector<std::pair<fs::path, std::string>> cases;
   for (const char* const name :
        {"a.jpg", "b.jpg[interlace]", "a.png", "b.png[interlace]", "a.tif", "a.webp", "a.avif"}) {
@@ -196,7 +206,7 @@ TEST_F(PictureTest, WhatIsNoWholePictureIsRefusedWithItsReason) {
         whole.extension() == ".jpg" ? "the image is cut short: its end is missing" : "the image is cut short");
   }
   const auto rows = Written("rows.jpg", Bytes(folder_ / "a.jpg").substr(0, Bytes(folder_ / "a.jpg").size() / 3));
-  EXPECT_THROW(DecodePicture(rows), PictureError) << "more than half is missing";
+  EXPECT_THROW(Decode(rows), PictureError) << "more than half is missing";
   const std::string jpeg = Bytes(folder_ / "a.jpg");
   const std::string passes = Bytes(folder_ / "b.jpg");
   const auto enlarged = [](std::string bytes, const char* frame) {
@@ -227,7 +237,7 @@ TEST_F(PictureTest, WhatIsNoWholePictureIsRefusedWithItsReason) {
     cases.emplace_back(Written("locked.jpg", jpeg), "Permission denied");
     fs::permissions(folder_ / "locked.jpg", fs::perms::none);
   }
-  std::vector<std::thread> threads;  // every reason is that of its own file, whatever fails at the same time
+  std::vector<std::thread> threads;  // a thread never gets the reason of another's file
   for (std::size_t first = 0; first < 4; ++first) {
     threads.emplace_back([&cases, first] {
       for (std::size_t i = 0; i < cases.size(); ++i) {
@@ -240,7 +250,7 @@ TEST_F(PictureTest, WhatIsNoWholePictureIsRefusedWithItsReason) {
 }
 
 TEST_F(PictureTest, TheDateIsThatOfTakingOrOfTheFile) {
-  const Image image = Plain(20, 10, {1, 2, 3});
+  const Source image = Plain(20, 10, {1, 2, 3});
   const auto dateWith = [&](const char* field, const char* value) {
     if (field != nullptr) vips_image_set_string(image.get(), field, value);
     return ReadPictureFacts(Saved(image, "a.jpg")).date;
@@ -257,17 +267,17 @@ TEST_F(PictureTest, TheDateIsThatOfTakingOrOfTheFile) {
 }
 
 TEST_F(PictureTest, SmallCopiesAreUprightBareAndWhole) {
-  const Image image = Plain(300, 200, {10, 100, 200, 128});
+  const Source image = Plain(300, 200, {10, 100, 200, 128});
   vips_image_set_int(image.get(), VIPS_META_ORIENTATION, 6);
   const fs::path file = Saved(image, "a.tif");
   for (const auto& [side, height] : {std::pair{100, 100}, std::pair{1000, 300}}) {
     const fs::path copy = Written("copy.jpg", SmallCopy(file, side));
-    const Image read(vips_image_new_from_file(copy.c_str(), nullptr));
+    const Source read(vips_image_new_from_file(copy.c_str(), nullptr), g_object_unref);
     ASSERT_NE(read, nullptr);
     EXPECT_EQ(vips_image_get_height(read.get()), height);
     EXPECT_EQ(vips_image_get_width(read.get()), (height * 2 + 1) / 3);
     EXPECT_EQ(vips_image_get_typeof(read.get(), VIPS_META_EXIF_NAME), 0u);
-    EXPECT_NEAR(DecodePicture(copy).pixels[0], 132, 3);
+    EXPECT_NEAR(Decode(copy).pixels[0], 132, 3);
   }
   EXPECT_THROW(SmallCopy(Written("cut.tif", Bytes(file).substr(0, 5000)), 50), PictureError);
 }

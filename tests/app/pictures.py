@@ -1,23 +1,34 @@
-"""Pictures for the tests, written without a library: PNG files, some with a resolution."""
+"""Pictures and catalogue files for the tests, written without the library; and test cases that run the command."""
 import math
+import pathlib
+import plistlib
+import shutil
 import struct
+import subprocess
+import tempfile
+import unittest
 import zlib
 
+PAGES, PEOPLE, OTHER_PHOTOGRAPHS, OTHER = 2030000, 1010000, 1090000, 9000000
 
-def _chunk(kind, data):
+
+def chunk(kind, data):
     body = kind + data
     return struct.pack(">I", len(data)) + body + struct.pack(">I", zlib.crc32(body))
 
 
 def png(width, height, tone, dots_per_inch=0):
-    """A grey PNG file; tone(x, y) is 0 to 255."""
-    rows = b"".join(b"\0" + bytes(tone(x, y) for x in range(width)) for y in range(height))
+    """A grey PNG file; tone is 0 to 255, or a function of x and y."""
+    if isinstance(tone, int):
+        rows = (b"\0" + bytes([tone]) * width) * height
+    else:
+        rows = b"".join(b"\0" + bytes(tone(x, y) for x in range(width)) for y in range(height))
     resolution = b""
     if dots_per_inch:
         per_metre = round(dots_per_inch / 0.0254)
-        resolution = _chunk(b"pHYs", struct.pack(">IIB", per_metre, per_metre, 1))
-    header = _chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0))
-    return b"\x89PNG\r\n\x1a\n" + header + resolution + _chunk(b"IDAT", zlib.compress(rows, 1)) + _chunk(b"IEND", b"")
+        resolution = chunk(b"pHYs", struct.pack(">IIB", per_metre, per_metre, 1))
+    header = chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0))
+    return b"\x89PNG\r\n\x1a\n" + header + resolution + chunk(b"IDAT", zlib.compress(rows, 1)) + chunk(b"IEND", b"")
 
 
 def page_tone(x, y):
@@ -41,3 +52,28 @@ def page(dots_per_inch=75):
 
 def photograph():
     return png(300, 200, hills_tone)
+
+
+def catalogue_file(key, *records, tag="CatalogCoreVer1.0", **others):
+    payload = "\n".join([tag, *records, "\0"])
+    return plistlib.dumps({key: payload.encode(), **others})
+
+
+class CommandCase(unittest.TestCase):
+    """Runs the command `program` on a catalogue in a folder of its own."""
+    program = None
+
+    def setUp(self):
+        self.root = pathlib.Path(tempfile.mkdtemp()).resolve()
+        self.addCleanup(shutil.rmtree, self.root)
+        self.catalog = self.root / "catalog"
+
+    def command(self, *arguments):
+        return [self.program, "--catalog", str(self.catalog), *map(str, arguments)]
+
+    def run_command(self, *arguments, status=0, command=None):
+        """Returns standard output and standard error. A command that hangs fails after ten minutes."""
+        done = subprocess.run(command or self.command(*arguments), capture_output=True, text=True,
+                              errors="surrogateescape", timeout=600)
+        self.assertEqual(done.returncode, status, (arguments, done.stdout, done.stderr))
+        return done.stdout, done.stderr

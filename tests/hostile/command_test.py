@@ -1,42 +1,35 @@
-"""What others plant for the command: command_test.py CATALOGCORE PICTURES [unittest arguments]
+"""Files that others plant for the command: command_test.py CATALOGCORE PICTURES [unittest arguments]
 
-PICTURES is the folder of pictures.py. What the command did not make it neither changes nor waits for.
+PICTURES is the folder of pictures.py. The command never changes files that it did not create, and never waits for them.
 """
 import os
-import pathlib
-import plistlib
 import re
 import shutil
 import signal
 import socket
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 
 COMMAND = sys.argv[1]
 sys.path.insert(0, sys.argv[2])
 import pictures
+from pictures import catalogue_file
 
 PHOTOGRAPH = pictures.photograph()
-HANGS = 60  # seconds; a command that waits for ever is killed then
-
-
-def catalogue_file(key, *records):
-    payload = "\n".join(["CatalogCoreVer1.0", *records]) + "\n\0"
-    return plistlib.dumps({key: payload.encode()})
 
 
 def mode(file):
     return oct(file.stat().st_mode & 0o777)
 
 
-class HostileTest(unittest.TestCase):
+class HostileTest(pictures.CommandCase):
+    program = COMMAND
+
     def setUp(self):
-        self.root = pathlib.Path(tempfile.mkdtemp()).resolve()
-        self.addCleanup(shutil.rmtree, self.root)
-        self.catalog, self.gallery = self.root / "catalog", self.root / "gallery"
+        super().setUp()
+        self.gallery = self.root / "gallery"
         self.victim = self.root / "victim"
         self.victim.write_text("mine")
         os.umask(0o022)
@@ -51,13 +44,10 @@ class HostileTest(unittest.TestCase):
 
     def run_command(self, *arguments, status=0, before=""):
         """`before` runs in a shell that then becomes the command, so that $$ is the command's process."""
-        command = [COMMAND, "--catalog", str(self.catalog), *map(str, arguments)]
-        if before:
-            command = ["sh", "-c", before + '\nexec "$0" "$@"', *command]
-        done = subprocess.run(command, capture_output=True, text=True, timeout=HANGS)
-        self.assertEqual(done.returncode, status, (arguments, done.stdout, done.stderr))
+        result = super().run_command(*arguments, status=status,
+                                     command=["sh", "-c", before + '\nexec "$0" "$@"', *self.command(*arguments)])
         self.assertEqual(self.victim.read_text(), "mine", arguments)
-        return done.stdout, done.stderr
+        return result
 
     def copies(self, kind="thumbs"):
         return sorted((self.gallery / kind).glob("*/*.jpg"))
@@ -184,12 +174,11 @@ class HostileTest(unittest.TestCase):
         self.write_images(*files)
         for ending in (signal.SIGINT, signal.SIGTERM):
             shutil.rmtree(self.gallery, ignore_errors=True)
-            process = subprocess.Popen([COMMAND, "--catalog", self.catalog, "gallery", "--jobs", "1", self.gallery],
-                                       stdout=subprocess.DEVNULL)
+            process = subprocess.Popen(self.command("gallery", "--jobs", "1", self.gallery), stdout=subprocess.DEVNULL)
             while not self.copies() and process.poll() is None:
                 time.sleep(0.001)
             process.send_signal(ending)
-            self.assertEqual(process.wait(HANGS), 130, ending)
+            self.assertEqual(process.wait(600), 130, ending)
             self.assertTrue(0 < len(self.copies()) < len(files))
             self.assertTrue((self.gallery / "index.html").exists())
 

@@ -1,19 +1,18 @@
-"""Pictures made to cost much, and workers that die: pictures_test.py CATALOGCORE SANITIZED [unittest arguments]"""
+"""Pictures that are expensive to decode, and workers that die: pictures_test.py CATALOGCORE SANITIZED [unittest arguments]"""
 import json
 import os
 import pathlib
-import shutil
 import signal
 import struct
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 import zlib
 
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "app"))
 import pictures
+from pictures import chunk
 
 COMMAND, SANITIZED = sys.argv[1], sys.argv[2] not in ("", "0", "OFF")
 
@@ -39,8 +38,8 @@ def tiff(width, height, samples, rows=1):
 
 
 def interlaced_png(side):
-    return (b"\x89PNG\r\n\x1a\n" + pictures._chunk(b"IHDR", struct.pack(">IIBBBBB", side, side, 16, 6, 0, 0, 1)) +
-            pictures._chunk(b"IDAT", zlib.compress(b"")) + pictures._chunk(b"IEND", b""))
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", side, side, 16, 6, 0, 0, 1)) +
+            chunk(b"IDAT", zlib.compress(b"")) + chunk(b"IEND", b""))
 
 
 def jpeg(side, scans):
@@ -79,17 +78,14 @@ def processor_seconds(stat):
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
-class PicturesTest(unittest.TestCase):
-    def setUp(self):
-        self.root = pathlib.Path(tempfile.mkdtemp()).resolve()
-        self.addCleanup(shutil.rmtree, self.root)
+class PicturesTest(pictures.CommandCase):
+    program = COMMAND
 
     def start(self, files, *arguments, command="classify"):
         for name, content in files.items():
             (self.root / name).write_bytes(content)
-        return subprocess.Popen([COMMAND, "--catalog", self.root / "catalog", command, *arguments,
-                                 *(self.root / name for name in files)],
-                                stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        command = self.command(command, *arguments, *(self.root / name for name in files))
+        return subprocess.Popen(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
 
     def finish(self, process, status):
         out, err = process.communicate()
