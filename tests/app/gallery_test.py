@@ -152,7 +152,7 @@ def check_small(home):
     assert page.names() == [HOSTILE[1]]
     page.load()
     for name, size, note in [(HOSTILE[0], 640, ""), (HOSTILE[1], 640, ""), (HOSTILE[2], 640, ""), ("card.tif", 1600, ""),
-                             ("town.png", 256, "The file is not there now."), ("letter.png", 1240, "")]:
+                             ("town.png", 256, "The file is missing."), ("letter.png", 1240, "")]:
         page.all(".tile")[page.names().index(name)].click()
         page.wait(f"document.querySelector('#stage img')?.naturalWidth === {size}")
         assert page.text("#viewer-note") == note and page.text("#viewer-name") == name

@@ -1,8 +1,7 @@
 'use strict';
 
-// The catalogue as data.js brings it (its arrays are described in the program's gallery_data.h), and what can be asked of
-// it. A picture is its number in those arrays. An entry is one line of the trees: {id, label, title, note, count, children,
-// holds(picture)}.
+// The catalogue of data.js (gallery_data.h describes its arrays), and the queries of the page. A picture is its position in
+// these arrays. An entry is one line of a tree: {id, label, title, note, count, children, holds(picture)}.
 
 const numberText = new Intl.NumberFormat('en-GB');
 const dayText = new Intl.DateTimeFormat('en-GB', {day: 'numeric', month: 'short', year: 'numeric', timeZone: 'UTC'});
@@ -10,13 +9,13 @@ const timeText = new Intl.DateTimeFormat('en-GB', {dateStyle: 'long', timeStyle:
 
 const picturesText = (count) => `${numberText.format(count)} ${count === 1 ? 'picture' : 'pictures'}`;
 
-// Without case and diacritics, for searching.
+// The text without case and diacritics, for searching.
 function fold(text) {
   if (/^[\x20-\x7e]*$/.test(text)) return text.toLowerCase();
   return text.normalize('NFD').replace(/\p{M}/gu, '').toLowerCase();
 }
 
-// For sorting: numbers in names count as numbers.
+// The order of names: digits in names compare as numbers.
 const sortKey = (text) => fold(text).replace(/\d+/g, (digits) => digits.padStart(12, '0'));
 
 class Catalogue {
@@ -24,7 +23,7 @@ class Catalogue {
   static #THUMBNAIL = 2;
   static #PREVIEW = 4;
   static #COPY_NAME = 16;  // digits
-  static #DOCUMENTS = 2;   // first position in the numbers of indexes that hold documents
+  static #DOCUMENTS = 2;   // first digit of the index numbers of documents
 
   #data;
   #folderOf;   // of each picture
@@ -32,7 +31,7 @@ class Catalogue {
   #orders = new Map();
 
   constructor(data) {
-    // Parents come before their children, so that the way up from an index has an end.
+    // Accepts only parents that precede their children, so that no index is below itself.
     const indexes = data.indexes.map(([number, parent, ...texts], at) => [number, parent < at ? parent : -1, ...texts]);
     this.#data = {...data, indexes};
     this.count = data.names.length;
@@ -53,7 +52,7 @@ class Catalogue {
     return Math.floor(number / 1e6) === Catalogue.#DOCUMENTS;
   }
 
-  // Addresses of the picture's copies and of the picture itself. null: there is no such copy.
+  // Addresses of the copies of a picture (null: none) and of the picture itself.
   thumbnail(picture) { return this.#has(picture, Catalogue.#THUMBNAIL) ? this.#copy('thumbs', picture) : null; }
   preview(picture) { return this.#has(picture, Catalogue.#PREVIEW) ? this.#copy('previews', picture) : null; }
   original(picture) { return 'file://' + this.path(picture).split('/').map(encodeURIComponent).join('/'); }
@@ -69,7 +68,7 @@ class Catalogue {
   day(picture) { return this.#dateText(picture, dayText); }
   time(picture) { return this.#dateText(picture, timeText); }
 
-  // Files tell dates without a time zone: they are read and written in the same one.
+  // Dates in files have no time zone; they are parsed and printed in UTC.
   #dateText(picture, format) {
     const date = this.#data.dates[picture];
     if (date === 0) return '';
@@ -78,7 +77,7 @@ class Catalogue {
     return format.format(Date.UTC(year, month - 1, day, hour, minute, second));
   }
 
-  // Names of the index and of what it is below, from the top.
+  // Names of the indexes above an index and its own, from the top.
   indexPath(picture) {
     const path = [];
     for (let at = this.#data.filed[picture]; at >= 0; at = this.#data.indexes[at][1]) path.unshift(this.#data.indexes[at][2]);
@@ -87,7 +86,7 @@ class Catalogue {
 
   meaning(picture) { return this.#data.indexes[this.#data.filed[picture]]?.[3] ?? ''; }
 
-  // The pictures of an entry whose names hold all words of the query.
+  // The pictures of an entry whose names contain all words of the query.
   select(entry, query, sort) {
     const words = fold(query).split(/\s+/).filter((word) => word !== '');
     if (words.length > 0) this.#folded ??= this.#data.names.map(fold);
@@ -95,7 +94,7 @@ class Catalogue {
         entry.holds(picture) && words.every((word) => this.#folded[picture].includes(word)));
   }
 
-  // All pictures: by "folder" (as they stand), "name", "newest" or "oldest" first.
+  // All pictures sorted by "folder" (the order of data.js), "name", "newest" or "oldest" first.
   #order(sort) {
     if (!this.#orders.has(sort)) this.#orders.set(sort, this.#sorted(sort));
     return this.#orders.get(sort);
@@ -113,7 +112,7 @@ class Catalogue {
 
   all() { return {id: '', label: 'All pictures', title: 'All pictures', note: '', count: this.count, children: [], holds: () => true}; }
 
-  // The entries at the top of the tree of indexes. An index holds its pictures and those of what is below it.
+  // The top entries of the tree of indexes. An index holds its pictures and those of the indexes below it.
   indexEntries() {
     const {indexes, filed} = this.#data;
     const entries = indexes.map(([number, , name, meaning]) => ({
@@ -133,7 +132,7 @@ class Catalogue {
     return top;
   }
 
-  // The entries at the top of the tree of folders. A folder that holds nothing but one folder is one line with it.
+  // The top entries of the tree of folders. A folder with nothing but one folder in it shares its line.
   folderEntries() {
     const top = this.#folderTree();
     let entries = top.children.map(joinOnlyChildren);
@@ -146,7 +145,7 @@ class Catalogue {
     return entries;
   }
 
-  // Folders come in their order in the tree, so the way from the top to the last one is all that has to be kept.
+  // Folders are sorted as in the tree, so only the path from the top to the last folder is kept.
   #folderTree() {
     const way = [folderEntry('', '', 0)];
     const leave = (depth, end) => {

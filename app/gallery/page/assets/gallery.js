@@ -1,7 +1,7 @@
 'use strict';
 
-// Ties the page together. What is shown (entry, search, order, open picture) stands in the address, so that it outlives a
-// reload and the browser's Back key goes through the entries.
+// Connects the parts of the page. The address holds the entry, search, order and open picture, so a reload keeps them and the
+// browser's Back button returns to the previous entry.
 
 function startGallery(catalogue) {
   const byId = (id) => document.getElementById(id);
@@ -54,8 +54,8 @@ function startGallery(catalogue) {
     byId('pictures').hidden = shown.length === 0;
     byId('clear').hidden = !isSearch;
     byId('nothing-text').textContent = catalogue.count === 0 ?
-        'The catalogue is empty. Pictures that are filed in it show here when the gallery is made again.' :
-        isSearch ? `No name holds \u201c${state.query.trim()}\u201d here.` : 'No picture is filed here.';
+        'The catalogue is empty. File pictures with `catalogcore sort`, then run `catalogcore gallery` again.' :
+        isSearch ? `No name contains \u201c${state.query.trim()}\u201d here.` : 'No picture is filed here.';
   }
 
   function remember(how) {
@@ -64,7 +64,7 @@ function startGallery(catalogue) {
     if (state.sort !== 'folder') parameters.set('sort', state.sort);
     if (state.picture !== null) parameters.set('picture', catalogue.path(state.picture));
     if (location.hash.slice(1) === String(parameters)) return;
-    try { history[how](null, '', `#${parameters}`); } catch { /* browsers may refuse too many in a row */ }
+    try { history[how](null, '', `#${parameters}`); } catch { /* browsers limit the rate of calls */ }
   }
 
   function restore() {
@@ -124,7 +124,7 @@ function startGallery(catalogue) {
 
 const splitOnce = (id) => [id.slice(0, id.indexOf('=')), id.slice(id.indexOf('=') + 1)];
 
-// On narrow windows the sidebar is a drawer, which is out of reach while it is shut.
+// In narrow windows the sidebar is a drawer; a closed drawer is inert.
 function connectDrawer(button, sidebar, scrim) {
   const narrow = matchMedia('(max-width: 52rem)');
   const set = (isOpen) => {
@@ -146,7 +146,7 @@ function connectDrawer(button, sidebar, scrim) {
 }
 
 if (typeof CATALOGUE === 'undefined') {
-  document.getElementById('meaning').textContent = 'data.js could not be read. Make the gallery again.';
+  document.getElementById('meaning').textContent = 'data.js could not be read. Run `catalogcore gallery` again.';
 } else {
   startGallery(new Catalogue(CATALOGUE));
 }

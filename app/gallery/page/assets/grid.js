@@ -1,8 +1,8 @@
 'use strict';
 
-// The pictures as tiles, of which only those in view, a few rows around them, and the one that has the focus are in the
-// page. Rows lie at multiples of the row's height; where the browser could not make a box as tall as all of them, the
-// scroll bar stands for the whole and the rows are shifted to where it is.
+// The pictures as tiles. The document holds only the tiles in view, a few rows around them, and the focused tile. Row n lies
+// at n times the row height. If all rows together exceed the tallest box of the browser, the scroll bar is stretched: its
+// position is scaled to the height of all rows.
 class Grid {
   static #TALLEST = 15e6;  // pixels; Firefox stops at 17.8 million, Chromium at 33.5
   static #ROWS_AROUND = 3;
@@ -17,17 +17,17 @@ class Grid {
   #template = document.getElementById('tile').content.firstElementChild;
   #pictures = [];
   #tiles = new Map();  // by position
-  #active = 0;         // position that Tab stops at
+  #active = 0;         // position of the tile that Tab focuses
   #columns = 1;
-  #tileWidth = 0;      // pixels, as all that follow
+  #tileWidth = 0;      // pixels, like the fields below
   #gap = 0;
   #rowHeight = 1;
-  #top = 0;            // from the first row to the upper edge of the view
-  #lowest = 0;         // #top at the end
-  #stretch = 1;        // pixels of rows that a pixel of the scroll bar stands for
+  #top = 0;            // from the first row to the top of the view
+  #lowest = 0;         // the greatest #top
+  #stretch = 1;        // pixels of rows for one pixel of the scroll bar
   #scrolledTo = 0;
 
-  // Shows tiles of the catalogue's pictures in `list`, which `scroller` scrolls. Calls open(position).
+  // Shows the tiles in `list`, which `scroller` scrolls. Calls open(position) when the reader opens a picture.
   constructor(scroller, list, catalogue, open) {
     this.#scroller = scroller;
     this.#list = list;
@@ -36,13 +36,13 @@ class Grid {
     scroller.addEventListener('scroll', () => requestAnimationFrame(() => this.#follow()), {passive: true});
     list.addEventListener('click', (event) => this.#click(event));
     list.addEventListener('keydown', (event) => this.#key(event));
-    // Where the scroll bar is stretched, the browser does not know where the tile is that Tab goes to.
+    // With a stretched scroll bar the browser cannot scroll to the tile that Tab focuses.
     list.addEventListener('focusin', (event) => this.#reveal(event.target.position));
     list.addEventListener('error', (event) => event.target.remove(), true);
     new ResizeObserver(() => this.#resize()).observe(scroller);
   }
 
-  // Shows these pictures, from the first on.
+  // Shows these pictures, scrolled to the first.
   show(pictures) {
     this.#pictures = pictures;
     this.#active = 0;
@@ -51,7 +51,7 @@ class Grid {
     this.#moveTo(0);
   }
 
-  // Gives the tile at the position the focus, and moves it into view if it is not.
+  // Focuses the tile at the position and scrolls it into view.
   focus(position) {
     this.#active = position;
     this.#render();
@@ -82,13 +82,13 @@ class Grid {
     const lowest = this.#scroller.scrollHeight - this.#viewHeight;  // of scrollTop
     this.#lowest = lowest + height - box;
     this.#stretch = box < height ? this.#lowest / lowest : 1;
-    this.#scroller.onwheel = box < height ? (event) => this.#wheel(event) : null;  // else the browser scrolls by itself
+    this.#scroller.onwheel = box < height ? (event) => this.#wheel(event) : null;  // else the browser scrolls
     this.#list.style.setProperty('--tile-width', `${this.#tileWidth}px`);
   }
 
   get #viewHeight() { return this.#scroller.clientHeight; }
 
-  // Keeps the first row in view where it is.
+  // Keeps the first visible row in place.
   #resize() {
     const position = Math.floor(this.#top / this.#rowHeight) * this.#columns;
     const within = (this.#top % this.#rowHeight) / this.#rowHeight;
@@ -103,7 +103,7 @@ class Grid {
     this.#render();
   }
 
-  // Takes over where the reader scrolled to.
+  // Applies the position of the scroll bar.
   #follow() {
     if (this.#scroller.scrollTop === this.#scrolledTo) return;
     this.#scrolledTo = this.#scroller.scrollTop;
@@ -111,7 +111,7 @@ class Grid {
     this.#render();
   }
 
-  // A stretched scroll bar would turn one notch of the wheel into many rows.
+  // With a stretched scroll bar one notch of the wheel would scroll by many rows.
   #wheel(event) {
     if (event.ctrlKey) return;  // zooms
     event.preventDefault();
@@ -164,7 +164,7 @@ class Grid {
 
   #label(picture) {
     const parts = [this.#catalogue.name(picture), this.#catalogue.day(picture)];
-    if (this.#catalogue.isMissing(picture)) parts.push('not there now');
+    if (this.#catalogue.isMissing(picture)) parts.push('missing');
     if (!this.#catalogue.thumbnail(picture)) parts.push('no thumbnail');
     return parts.filter((part) => part !== '').join(', ');
   }
@@ -204,7 +204,7 @@ class Grid {
     }
   }
 
-  // Up in the first row and down in the last stay; pages stop at the first and the last row of the column.
+  // Up in the first row and Down in the last row do nothing. Page keys stop at the first and the last row of the column.
   #within(position, key, column, last) {
     if (position >= 0 && position <= last) return position;
     if (key === 'PageUp') return column;

@@ -1,8 +1,8 @@
 'use strict';
 
-// Brings the elements of a long list into the page, and takes those out that are not wanted any more. `keys` are the
-// wanted ones, in the order of the list: that is the order in which the page is read aloud. `elements` (by key) are those
-// in the page; make(key) gives a new one.
+// Updates the elements of a long list that are in the document: adds those for `keys` and removes all others. `elements` maps
+// keys to the elements in the document; make(key) creates an element. Elements keep the order of `keys`, in which screen
+// readers read them.
 function keepInPage(list, elements, keys, make) {
   const wanted = new Set(keys);
   for (const [key, element] of elements) {

@@ -1,9 +1,9 @@
 'use strict';
 
-// Light or dark: what the system asks for, until the reader chooses. This script runs before the page is drawn, so that
-// the page is never drawn in the other one first.
+// Light or dark theme: the system's until the reader chooses. This script runs before the page is drawn, so the page never
+// appears in the wrong theme.
 const theme = {
-  // Browsers may deny a page on disk any storage; the choice then lasts as long as the page.
+  // A browser may deny storage to a page on disk; then the choice lasts until the page is closed.
   remembered() {
     try { return localStorage.getItem('catalogue-theme'); } catch { return null; }
   },
@@ -17,7 +17,7 @@ const theme = {
     return chosen ? chosen === 'dark' : matchMedia('(prefers-color-scheme: dark)').matches;
   },
 
-  // Makes the button switch, and tell, the theme.
+  // Makes the button switch the theme and announce it.
   connect(button) {
     const show = () => button.setAttribute('aria-pressed', String(theme.isDark()));
     button.addEventListener('click', () => {

@@ -1,7 +1,7 @@
 'use strict';
 
-// A tree of entries (see catalogue.js) by the ARIA pattern: one stop of the Tab key, arrows inside. Its lines are of one
-// height, and only those in view, a few around them and the one that Tab stops at are in the page.
+// A tree of entries (see catalogue.js) after the ARIA pattern: Tab focuses one line, arrow keys move between lines. All lines
+// have the same height. The document holds only the lines in view, a few around them, and the line that Tab focuses.
 class Tree {
   static #LINES_AROUND = 8;
 
@@ -10,12 +10,12 @@ class Tree {
   #select;
   #nodes = new Map();  // by the entry's id: {entry, parent, children, level, position, isOpen, at (place in #lines)}
   #top;                // nodes
-  #lines = [];         // nodes that are not below a closed one
-  #items = new Map();  // elements in the page, by node
-  #current;            // node that Tab stops at
+  #lines = [];         // nodes that are not below a closed node
+  #items = new Map();  // elements in the document, by node
+  #current;            // node of the line that Tab focuses
   #marked = null;      // node
 
-  // Shows the entries in `root`, which `scroller` scrolls with others. Calls select(entry) when the reader chooses one.
+  // Shows the entries in `root`, which `scroller` scrolls. Calls select(entry) when the reader chooses an entry.
   constructor(scroller, root, entries, select) {
     this.#scroller = scroller;
     this.#root = root;
@@ -34,7 +34,7 @@ class Tree {
 
   expand(id) { this.#setOpen(this.#nodes.get(id), true); }
 
-  // Marks the entry, if it is in this tree, opens what it is below and takes the mark from the one before.
+  // Marks the entry if it is in this tree, opens the nodes above it, and clears the previous mark.
   mark(id) {
     this.#marked = this.#nodes.get(id) ?? null;
     for (let node = this.#marked?.parent; node; node = node.parent) node.isOpen = true;
@@ -51,7 +51,7 @@ class Tree {
     });
   }
 
-  // Finds the lines again after something was opened or closed.
+  // Updates the lines after a node was opened or closed.
   #unfold() {
     this.#lines = [];
     const add = (node) => {

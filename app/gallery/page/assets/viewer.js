@@ -1,7 +1,6 @@
 'use strict';
 
-// The large view of one picture after another. It is a modal dialog: the browser keeps the focus inside and closes it on
-// Escape.
+// The large view of one picture. A modal dialog: the browser keeps the focus inside and closes the dialog on Escape.
 class Viewer {
   static #MM_PER_INCH = 25.4;
 
@@ -12,13 +11,13 @@ class Viewer {
   #pictures = [];
   #position = 0;
 
-  // Calls changed(picture) for each picture shown, and closed(position) with the last one's.
+  // Calls changed(picture) for each picture shown, and closed(position) with the position of the last one.
   constructor(catalogue, {changed, closed}) {
     this.#catalogue = catalogue;
     this.#changed = changed;
     this.#dialog.addEventListener('keydown', (event) => this.#key(event));
     this.#dialog.addEventListener('close', () => {
-      if (this.#dialog.open) return;  // the event comes late: the next picture is open already
+      if (this.#dialog.open) return;  // late event: the next picture is already open
       this.#stage.replaceChildren();
       closed(this.#position);
     });
@@ -61,7 +60,7 @@ class Viewer {
     this.#changed(picture);
   }
 
-  // A button that is switched off while it has the focus would lose it, and the arrow keys with it.
+  // A focused button that is disabled loses the focus, and then the arrow keys do nothing.
   #setEnabled(id, enabled) { document.getElementById(id).setAttribute('aria-disabled', String(!enabled)); }
 
   #write(id, text) {
@@ -76,7 +75,7 @@ class Viewer {
     const isKnown = width > 0;
     this.#write('fact-index', catalogue.indexPath(picture).join(' \u203a '));
     this.#write('fact-meaning', catalogue.meaning(picture));
-    this.#write('fact-size', isKnown ? `${numberText.format(width)} \u00d7 ${numberText.format(height)} pixels` : 'Not known');
+    this.#write('fact-size', isKnown ? `${numberText.format(width)} \u00d7 ${numberText.format(height)} pixels` : 'Unknown');
     this.#write('fact-resolution', resolution > 0 ? `${resolution} dots per inch` : isKnown ? 'No resolution stated' : '');
     this.#write('fact-paper', resolution > 0 && catalogue.isDocument(picture) ? this.#paper(width, height, resolution) : '');
     this.#write('fact-date', catalogue.time(picture));
@@ -91,14 +90,14 @@ class Viewer {
     return `${across} \u00d7 ${down} mm`;
   }
 
-  // The picture itself, or its preview where browsers cannot show it; the thumbnail until that is there, and if it never is.
+  // Shows the picture, or the preview of one that browsers cannot show. Until that is loaded, or if it fails, the thumbnail.
   #showPicture(picture) {
     const catalogue = this.#catalogue;
     const thumbnail = catalogue.thumbnail(picture);
     const preview = catalogue.preview(picture);
     const large = preview ?? (catalogue.isMissing(picture) ? null : catalogue.original(picture));
     this.#stage.replaceChildren();
-    this.#note(catalogue.isMissing(picture) ? 'The file is not there now.' : '');
+    this.#note(catalogue.isMissing(picture) ? 'The file is missing.' : '');
     if (thumbnail) this.#stage.append(this.#thumbnail(thumbnail, picture));
     if (!large) return;
     const image = this.#image(large, picture);
@@ -109,7 +108,7 @@ class Viewer {
     });
     image.addEventListener('error', () => {
       if (this.#pictures[this.#position] !== picture) return;
-      this.#note(thumbnail ? 'The picture itself cannot be shown here; this is its thumbnail.' : 'This picture cannot be shown.');
+      this.#note(thumbnail ? 'The browser cannot show the picture; this is its thumbnail.' : 'The browser cannot show this picture.');
     });
   }
 
@@ -121,7 +120,7 @@ class Viewer {
     return image;
   }
 
-  // As large as the picture itself will be.
+  // Gives the thumbnail the size of the picture.
   #thumbnail(address, picture) {
     const image = this.#image(address, picture);
     image.className = 'thumbnail';
@@ -139,7 +138,7 @@ class Viewer {
   }
 }
 
-// A path as text that may be broken after its slashes.
+// A path as text with possible line breaks after its slashes.
 function breakable(path) {
   return path.split(/(?<=\/)/).flatMap((part) => [part, document.createElement('wbr')]);
 }
