@@ -3,7 +3,6 @@ import json
 import os
 import pathlib
 import re
-import struct
 import subprocess
 import sys
 import tempfile
@@ -25,12 +24,6 @@ KEYS = {PEOPLE: "1/1", OTHER_PHOTOGRAPHS: "1/9", PAGES: "2/3", OTHER: "9"}
 def write_png(file, width, height, dots_per_inch=0):
     file.parent.mkdir(parents=True, exist_ok=True)
     file.write_bytes(pictures.png(width, height, 90, dots_per_inch))
-
-
-def write_tiff(file, width, height):
-    values = {256: width, 257: height, 258: 8, 259: 1, 262: 1, 273: 8, 277: 1, 278: height, 279: width * height}
-    tags = b"".join(struct.pack("<HHII", tag, 4, 1, value) for tag, value in values.items())
-    file.write_bytes(struct.pack("<2sHI", b"II", 42, 8 + width * height) + bytes(width * height) + struct.pack("<H", 9) + tags + bytes(4))
 
 
 def make_gallery(folder, images):
@@ -107,7 +100,7 @@ def check_small(home):
     for picture in images:
         write_png(picture, 640, 400)
     write_png(home / "scans/letter.png", 1240, 1754, 150)
-    write_tiff(home / "scans/card.tif", 2000, 1200)
+    (home / "scans/card.tif").write_bytes(pictures.tiff(2000, 1200, data=bytes(2000 * 1200)))
     (home / "scans/broken.jpg").write_text("no picture")
     images[home / "scans/broken.jpg"] = OTHER
     made, failed = make_gallery(home / "page", images)

@@ -31,6 +31,14 @@ def png(width, height, tone, dots_per_inch=0):
     return b"\x89PNG\r\n\x1a\n" + header + resolution + chunk(b"IDAT", zlib.compress(rows, 1)) + chunk(b"IEND", b"")
 
 
+def tiff(width, height, samples=1, bits=8, data=b""):
+    """Uncompressed samples in one strip; of 32 bits, floating-point numbers. The file may end before its pixels."""
+    tags = {256: width, 257: height, 258: bits, 259: 1, 262: 1, 273: 8, 277: samples, 278: height,
+            279: min(width * height * samples * bits // 8, 2**32 - 1), 339: 3 if bits == 32 else 1}
+    directory = b"".join(struct.pack("<HHII", tag, 4, 1, value) for tag, value in tags.items())
+    return struct.pack("<2sHI", b"II", 42, 8 + len(data)) + data + struct.pack("<H", len(tags)) + directory + bytes(4)
+
+
 def page_tone(x, y):
     written = 75 < x < 545 and 75 < y < 800 and y % 14 < 7 and x // 6 % 7 != 0
     return 40 if written and (x * 7 // 2 + y // 14 * 3) % 11 < 4 else 245

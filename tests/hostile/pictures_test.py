@@ -17,26 +17,6 @@ from pictures import chunk
 COMMAND, SANITIZED = sys.argv[1], sys.argv[2] not in ("", "0", "OFF")
 
 
-def tiff(width, height, samples, rows=1):
-    """Floating-point samples, every strip the same bytes."""
-    strip = zlib.compress(bytes(width * samples * 4 * rows), 9)
-    count = height // rows
-    fields, behind = [], b""
-    start = 8 + len(strip) + len(strip) % 2
-    for tag, kind, values in ((256, "I", [width]), (257, "I", [height]), (258, "H", [32] * samples), (259, "H", [8]),
-                              (262, "H", [2 if samples == 3 else 1]), (273, "I", [8] * count), (277, "H", [samples]),
-                              (278, "I", [rows]), (279, "I", [len(strip)] * count), (284, "H", [1]),
-                              (339, "H", [3] * samples)):
-        data = struct.pack(f"<{len(values)}{kind}", *values)
-        if len(data) > 4:
-            place = start + 2 + 11 * 12 + 4 + len(behind)
-            behind += data
-            data = struct.pack("<I", place)
-        fields.append(struct.pack("<HHI", tag, 3 if kind == "H" else 4, len(values)) + data.ljust(4, b"\0"))
-    header = b"II*\0" + struct.pack("<I", start) + strip + b"\0" * (len(strip) % 2)
-    return header + struct.pack("<H", 11) + b"".join(fields) + bytes(4) + behind
-
-
 def interlaced_png(side):
     return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", side, side, 16, 6, 0, 0, 1)) +
             chunk(b"IDAT", zlib.compress(b"")) + chunk(b"IEND", b""))
@@ -106,11 +86,11 @@ class PicturesTest(pictures.CommandCase):
         self.fail("no worker decodes")
 
     def test_headers_beyond_the_limits_are_refused_before_pixels_are_decoded(self):
-        files = {"bands.tif": tiff(1, 1, 5000), "float.tif": tiff(32768, 32768, 3, 16),
+        files = {"bands.tif": pictures.tiff(1, 1, 5000), "float.tif": pictures.tiff(32768, 32768, 1, 32),
                  "interlaced.png": interlaced_png(16384), "scans.jpg": jpeg(64, 101), "whole.jpg": jpeg(64, 100)}
         out, err = self.finish(self.start(files), 1)
         for name, reason in (("bands.tif", "the image has 5000 samples a pixel, at most 5 can be decoded"),
-                             ("float.tif", "the image is too large: 12288 MB to decode, at most 2048 MB can be"),
+                             ("float.tif", "the image is too large: 4096 MB to decode, at most 2048 MB can be"),
                              ("interlaced.png", "the image is too large: 2048 MB to hold at once, at most 1024 MB can be"),
                              ("scans.jpg", "the image has more than 100 passes")):
             self.assertIn(f"catalogcore: cannot read {self.root / name}: {reason} (skipped)\n", err)
@@ -167,13 +147,17 @@ class PicturesTest(pictures.CommandCase):
         self.fail("the worker outlives the command")
 
     def test_a_jpeg_file_without_its_end_is_filed_with_a_warning(self):
-        files = {"cut.jpg": jpeg(64, 3)[:-4], "stub.jpg": jpeg(64, 1)[:-6]}
-        out, err = self.finish(self.start(files, "--json", command="sort"), 1)
-        self.assertIn(f"catalogcore: {self.root / 'cut.jpg'}: the image is cut short: its end is missing\n", err)
+        cut, link = self.root / "cut.jpg", self.root / "link.jpg"
+        cut.write_bytes(jpeg(64, 3)[:-4])
+        link.symlink_to(cut)
+        stub = {"stub.jpg": jpeg(64, 1)[:-6]}
+        self.assertIn(f"{link} -> {cut}: the image is cut short:", self.finish(self.start(stub, link), 1)[1])
+        out, err = self.finish(self.start(stub, "--json", link, command="sort"), 1)
+        self.assertIn(f"catalogcore: {link} -> {cut}: the image is cut short: its end is missing\n", err)
         self.assertIn("stub.jpg: the image is cut short (skipped)", err)
         result = json.loads(out)
         self.assertEqual(result["filed"], 1)
-        self.assertEqual([warning["file"] for warning in result["warnings"]], [str(self.root / "cut.jpg")])
+        self.assertEqual([warning["file"] for warning in result["warnings"]], [str(cut)])
 
 
 if __name__ == "__main__":
