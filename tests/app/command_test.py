@@ -135,6 +135,7 @@ class CommandTest(pictures.CommandCase):
         result = self.sort(self.pictures, status=1)
         self.assertEqual((result["filed"], len(result["skipped"])), (4, 1))
         self.assertIn("letter case", result["skipped"][0]["reason"])
+        self.assertEqual(len(self.sort("--dry-run", self.pictures, status=1)["skipped"]), 1)
         self.run_command("rm", result["skipped"][0]["file"], status=1)
         self.assertEqual(len(self.listed()), 4)
 
@@ -225,7 +226,9 @@ class CommandTest(pictures.CommandCase):
             self.assertNotIn(b"cannot move :", done.stderr)
             self.assertEqual(done.returncode, status, (options, done.stderr))
             self.assertIn(str(self.pictures / "scans/page.png"), self.run_command("ls", index)[0], options)
+        self.assertIn("no remove", self.run_command("tree")[0])
         self.run_command("index", "protect", "Summer", "--none")
+        self.assertNotIn("no remove", self.run_command("tree")[0])
         self.assertIn("1 image would be removed", self.run_command("index", "rm", "Summer", status=2)[1])
         self.run_command("index", "rm", "--force", "Summer")
         self.assertEqual([image["index"] for image in self.listed()], [PAGES])
@@ -262,7 +265,7 @@ class CommandTest(pictures.CommandCase):
             written.append((self.catalog / "images.plist").read_bytes())
         self.assertEqual(*written)
 
-    def test_a_sort_that_nobody_listens_to_files_everything(self):
+    def test_a_sort_with_a_closed_output_files_everything(self):
         (self.pictures / "a.png").write_text("no picture")
         for outputs in (">&- 2>&-", "2>&1 | true"):
             shutil.rmtree(self.catalog, ignore_errors=True)

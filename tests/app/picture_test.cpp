@@ -111,10 +111,7 @@ TEST_F(PictureTest, EveryKindOfSamplesBecomesEightBitsGreyOrColour) {
     ASSERT_EQ(picture.pixels.size(), 1200 * c.expected.size());
     for (std::size_t s = 0; s < c.expected.size(); ++s) EXPECT_NEAR(picture.pixels[s], c.expected[s], c.tolerance);
   }
-  const std::string png = Bytes(folder_ / "alpha.png");
-  EXPECT_EQ(Decode(Written("png.jpg", png)).pixels, Decode(folder_ / "alpha.png").pixels);
-  EXPECT_TRUE(HasPictureName("a/B.JPEG"));
-  EXPECT_FALSE(HasPictureName("a/jpg") || HasPictureName("a.gif"));
+  EXPECT_TRUE(HasPictureName("a/B.JPEG") && !HasPictureName("a/jpg") && !HasPictureName("a.gif"));
 }
 
 TEST_F(PictureTest, PicturesComeUpright) {
@@ -127,9 +124,7 @@ TEST_F(PictureTest, PicturesComeUpright) {
     const fs::path file = Saved(image, "a.tif");
     const Decoded picture = Decode(file);
     const int width = orientation < 5 ? 3 : 2;
-    EXPECT_EQ(picture.width, width);
-    EXPECT_EQ(picture.height, 5 - width);
-    EXPECT_EQ(ReadPictureFacts(file).width, width);
+    EXPECT_TRUE(picture.width == width && picture.height == 5 - width && ReadPictureFacts(file).width == width);
     const Samples corners = {picture.pixels[0], picture.pixels[static_cast<std::size_t>(width) - 1]};
     EXPECT_EQ(corners, topCorners[static_cast<std::size_t>(orientation) - 1]);
   }
@@ -181,11 +176,9 @@ TEST_F(PictureTest, LargePicturesAreReducedWithTheirResolution) {
     const Source image = Made(c.width, c.height, 1, samples);
     image->Xres = image->Yres = 600 / 25.4;
     const Decoded picture = Decode(Saved(image, c.name));
-    EXPECT_EQ(picture.width, c.reducedWidth);
-    EXPECT_EQ(picture.height, c.reducedHeight);
+    EXPECT_TRUE(picture.width == c.reducedWidth && picture.height == c.reducedHeight);
     EXPECT_EQ(picture.resolution, c.resolution);
-    EXPECT_NEAR(picture.pixels.front(), 50, 3);
-    EXPECT_NEAR(picture.pixels.back(), 200, 3);
+    EXPECT_TRUE(std::abs(picture.pixels.front() - 50) <= 3 && std::abs(picture.pixels.back() - 200) <= 3);
   }
 }
 
@@ -205,8 +198,6 @@ TEST_F(PictureTest, WhatIsNoWholePictureIsRefusedWithItsReason) {
         Written("cut_" + whole.filename().string(), bytes.substr(0, bytes.size() * 2 / 3)),
         whole.extension() == ".jpg" ? "the image is cut short: its end is missing" : "the image is cut short");
   }
-  const auto rows = Written("rows.jpg", Bytes(folder_ / "a.jpg").substr(0, Bytes(folder_ / "a.jpg").size() / 3));
-  EXPECT_THROW(Decode(rows), PictureError) << "more than half is missing";
   const std::string jpeg = Bytes(folder_ / "a.jpg");
   const std::string passes = Bytes(folder_ / "b.jpg");
   const auto enlarged = [](std::string bytes, const char* frame) {
@@ -218,7 +209,9 @@ TEST_F(PictureTest, WhatIsNoWholePictureIsRefusedWithItsReason) {
   png.replace(png.size() / 2, 100, 100, '\x55');
   cases.insert(
       cases.end(),
-      {{Written("warns.jpg", std::string(jpeg).insert(jpeg.find("\xFF\xDB"), 3, '\0')), "none"},
+      {{Written("rows.jpg", jpeg.substr(0, jpeg.size() / 3)), "the image is cut short"},
+       {Written("png.jpg", Bytes(folder_ / "a.png")), "none"},
+       {Written("warns.jpg", std::string(jpeg).insert(jpeg.find("\xFF\xDB"), 3, '\0')), "none"},
        {Written("ended.jpg", ended), "the image is damaged: Corrupt JPEG data: premature end of data segment"},
        {Written("damaged.png", png), "the image is damaged"},
        {Written("stream.jpg", enlarged(jpeg, "\xFF\xC0")), "the image is damaged: Corrupt JPEG data: premature end"},
@@ -271,13 +264,11 @@ TEST_F(PictureTest, SmallCopiesAreUprightBareAndWhole) {
   vips_image_set_int(image.get(), VIPS_META_ORIENTATION, 6);
   const fs::path file = Saved(image, "a.tif");
   for (const auto& [side, height] : {std::pair{100, 100}, std::pair{1000, 300}}) {
-    const fs::path copy = Written("copy.jpg", SmallCopy(file, side));
-    const Source read(vips_image_new_from_file(copy.c_str(), nullptr), g_object_unref);
-    ASSERT_NE(read, nullptr);
-    EXPECT_EQ(vips_image_get_height(read.get()), height);
-    EXPECT_EQ(vips_image_get_width(read.get()), (height * 2 + 1) / 3);
-    EXPECT_EQ(vips_image_get_typeof(read.get(), VIPS_META_EXIF_NAME), 0u);
-    EXPECT_NEAR(Decode(copy).pixels[0], 132, 3);
+    const std::string copy = SmallCopy(file, side);
+    EXPECT_EQ(copy.find("Exif"), copy.npos);
+    const Decoded picture = Decode(Written("copy.jpg", copy));
+    EXPECT_TRUE(picture.height == height && picture.width == (height * 2 + 1) / 3);
+    EXPECT_NEAR(picture.pixels[0], 132, 3);
   }
   EXPECT_THROW(SmallCopy(Written("cut.tif", Bytes(file).substr(0, 5000)), 50), PictureError);
 }

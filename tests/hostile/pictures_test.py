@@ -1,4 +1,5 @@
 """Pictures that are expensive to decode, and workers that die: pictures_test.py CATALOGCORE SANITIZED [unittest arguments]"""
+import contextlib
 import json
 import os
 import pathlib
@@ -73,15 +74,13 @@ class PicturesTest(pictures.CommandCase):
         return out, err
 
     def busy_worker(self, process, other_than=0):
-        """A worker that has begun to decode SLOW, told by its memory."""
+        """A worker that is decoding SLOW, recognised by its memory."""
         for _ in range(6000):
             for worker in workers(process):
-                try:
+                with contextlib.suppress(OSError):
                     pages = int(pathlib.Path(f"/proc/{worker}/statm").read_text().split()[1])
-                except OSError:
-                    continue
-                if worker != other_than and pages * os.sysconf("SC_PAGESIZE") > 400 << 20:
-                    return worker
+                    if worker != other_than and pages * os.sysconf("SC_PAGESIZE") > 400 << 20:
+                        return worker
             time.sleep(0.01)
         self.fail("no worker decodes")
 
@@ -101,13 +100,12 @@ class PicturesTest(pictures.CommandCase):
     def test_memory_is_shared_and_lent_to_one_that_needs_all_of_it(self):
         files = {"large.jpg": jpeg(14400, 1)}  # 395 MB of coefficients
         self.finish(self.start(files, "--jobs", "4", "--memory", "1024"), 0)
-        measured = ("import resource, subprocess, sys; done = subprocess.run(sys.argv[1:], stderr=2);"
-                    "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss); sys.exit(done.returncode)")
-        process = subprocess.run([sys.executable, "-c", measured, COMMAND, "classify", "--memory", "256",
-                                  self.root / "large.jpg"], capture_output=True, text=True)
-        self.assertEqual(process.returncode, 1, process.stderr)
-        self.assertIn("decoding needed more than 256 MB of memory (skipped)", process.stderr)
-        self.assertLess(int(process.stdout), 350 << 10)
+        with self.start({}, "--memory", "256", self.root / "large.jpg") as process:
+            self.assertIn("decoding needed more than 256 MB of memory (skipped)", process.stderr.read())
+            _, status, usage = os.wait4(process.pid, 0)  # of the command and its workers
+            process.returncode = os.waitstatus_to_exitcode(status)
+        self.assertEqual(process.returncode, 1)
+        self.assertLess(usage.ru_maxrss, 350 << 10)
 
     def test_a_picture_that_takes_too_long_is_skipped_and_the_next_one_is_not(self):
         out, err = self.finish(self.start({"a.jpg": SLOW, "b.jpg": jpeg(64, 1)}, "--time-limit", "2", "--jobs", "1"), 1)
@@ -136,15 +134,12 @@ class PicturesTest(pictures.CommandCase):
             time.sleep(0.01)
         process.kill()
         process.communicate()
-        try:
-            begin = now = processor_seconds(stat)
-            while now - begin < 2:  # a picture like this takes six
+        with contextlib.suppress(OSError):  # the worker has ended
+            begin = processor_seconds(stat)
+            while processor_seconds(stat) - begin < 2:  # SLOW takes six
                 time.sleep(0.1)
-                now = processor_seconds(stat)
-        except OSError:
-            return
-        os.kill(worker, signal.SIGKILL)
-        self.fail("the worker outlives the command")
+            os.kill(worker, signal.SIGKILL)
+            self.fail("the worker outlives the command")
 
     def test_a_jpeg_file_without_its_end_is_filed_with_a_warning(self):
         cut, link = self.root / "cut.jpg", self.root / "link.jpg"
