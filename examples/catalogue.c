@@ -1,6 +1,6 @@
 /*
- * Adds an index, files three pictures, writes the catalogue, loads it again and walks it: catalogue DIRECTORY. The directory must exist;
- * the pictures are made in it.
+ * Adds an index, files three pictures, writes the catalogue, loads it again and walks it: catalogue DIRECTORY. The
+ * directory must exist. The pictures are created in it, as empty files.
  */
 #include <catalogcore.h>
 #include <stdio.h>
@@ -10,9 +10,9 @@ static CFStringRef text(const char* utf8) {
   return CFStringCreateWithCString(kCFAllocatorDefault, utf8, kCFStringEncodingUTF8);
 }
 
-/* Prints what went wrong, if anything did, and returns whether nothing did. */
+/* Prints a failure. Returns whether the call succeeded. */
 static int succeeds(const char* call, IDXSTATUS status) {
-  if (status != IDX_OK) fprintf(stderr, "%s gives %u\n", call, status);
+  if (status != IDX_OK) fprintf(stderr, "%s returns %u\n", call, status);
   return status == IDX_OK;
 }
 
@@ -42,7 +42,7 @@ static int file_pictures(const char* directory, int32_t holidays) {
   return filed;
 }
 
-/* Prints every image and returns how many there are. */
+/* Prints all images and returns their number. */
 static int print_images(void) {
   CFStringRef name = NULL;
   IDXITEM item = {0};
@@ -56,7 +56,7 @@ static int print_images(void) {
   for (; status == IDX_OK; status = IDXFindNextImage(find, &item)) {
     char path[4096] = "";
     if (name) CFStringGetCString(name, path, sizeof path, kCFStringEncodingUTF8);
-    CFRelease(name); /* the library hands out a new string each time */
+    CFRelease(name); /* every call stores a new string */
     name = NULL;
     printf("%d %s\n", (int)item.index, path);
     ++count;
@@ -65,7 +65,7 @@ static int print_images(void) {
   return count;
 }
 
-/* Adds an index of the application's own below the photographs, and files its picture there. */
+/* Adds an index below the photographs. */
 static int add_index(int32_t* number) {
   CFStringRef name = text("Holidays");
   IDXITEM item = {0};
@@ -98,7 +98,7 @@ int main(int argc, char** argv) {
   int32_t holidays = 0;
   int works = succeeds("IDXInitialize", IDXInitialize()) && succeeds("IDXSetFilePath", IDXSetFilePath(&directory)) &&
               add_index(&holidays) && file_pictures(where, holidays) && write_files(&indexes, &images);
-  /* The catalogue begins empty, and is what it was once the files are loaded. */
+  /* The new catalogue is empty; the files restore the old one. */
   works = works && succeeds("IDXInitialize", IDXInitialize()) && print_images() == 0 &&
           succeeds("IDXSetFilePath", IDXSetFilePath(&directory)) && load_files(&indexes, &images) &&
           print_images() == 3;

@@ -1,4 +1,4 @@
-// Files a picture in memory where it belongs, walks the catalogue and writes it: file_buffer DIRECTORY. The directory must
+// Classifies and files a picture in memory, walks the catalogue and writes it: file_buffer DIRECTORY. The directory must
 // exist.
 #include <catalogcore.hpp>
 #include <cstdio>

@@ -1,5 +1,5 @@
-// Files three pictures where they belong, by what they show, walks them, writes the catalogue and loads it again: scene
-// DIRECTORY. The directory must exist; the pictures are drawn here: a page, the same page as a card, and a landscape.
+// Classifies and files three pictures, writes the catalogue, loads it again and walks it: scene DIRECTORY. The directory
+// must exist. The program draws the pictures: a page, the same page as a card, and a landscape.
 #include <catalogcore.h>
 
 #include <cmath>
@@ -25,7 +25,7 @@ String Text(const std::string& utf8) {
 }
 
 void Check(IDXSTATUS status, const char* call) {
-  if (status != IDX_OK) throw std::runtime_error(std::string(call) + " gives " + std::to_string(status));
+  if (status != IDX_OK) throw std::runtime_error(std::string(call) + " returns " + std::to_string(status));
 }
 
 constexpr int kWidth = 1240;
@@ -54,7 +54,7 @@ int Landscape(int x, int y) {
   return static_cast<int>(std::fmin(std::fmax(tone, 0), 255));
 }
 
-// Decides where the picture belongs, files it there and returns the number of the index.
+// Classifies the picture, files it and returns the number of its index.
 std::int32_t File(const std::string& path, const std::vector<std::uint8_t>& pixels, int resolution) {
   IDXDSDATA picture{};
   picture.pixels = pixels.data();
@@ -75,7 +75,7 @@ std::int32_t File(const std::string& path, const std::vector<std::uint8_t>& pixe
   return picture.presetIndex;
 }
 
-// How many images each index holds.
+// The number of images of each index.
 std::map<std::int32_t, int> Walk() {
   std::map<std::int32_t, int> counts;
   IDXITEM item{};
@@ -108,7 +108,7 @@ void Run(const std::string& directory) {
   for (const auto& [index, count] : Walk()) std::printf("%d: %d\n", index, count);
   const bool isRight = expected.count(IDXPRESET_DOCUMENT_PAGE) && expected.count(IDXPRESET_DOCUMENT_CARD) &&
                        expected.count(IDXPRESET_PHOTO_OTHER) && Walk() == expected;
-  if (!isRight) throw std::runtime_error("the pictures are not filed where they belong");
+  if (!isRight) throw std::runtime_error("the pictures are filed under wrong indexes");
 }
 
 }  // namespace

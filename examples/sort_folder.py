@@ -1,4 +1,4 @@
-"""Files the pictures of a folder where they belong: sort_folder.py FOLDER CATALOGUE-FOLDER. Needs python3-pil."""
+"""Classifies and files the pictures of a folder: sort_folder.py FOLDER CATALOGUE-FOLDER. Needs python3-pil."""
 import pathlib
 import sys
 
@@ -18,7 +18,7 @@ with catalogcore.Catalogue(files) as catalogue:
             print(f"sort_folder: cannot read {path}: {failure} (skipped)", file=sys.stderr)
             continue
         width, dpi = picture.width, picture.info.get("dpi", (0,))[0]
-        picture.thumbnail((4096, 4096))  # larger ones are not classified
+        picture.thumbnail((4096, 4096))  # the limit of classify()
         pixels = memoryview(picture.tobytes()).cast("B", (picture.height, picture.width, 3))
         preset = catalogue.classify(pixels, dpi=dpi * picture.width / width) or catalogcore.Preset.OTHER
         catalogue.add(path, preset)
