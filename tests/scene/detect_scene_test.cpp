@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
@@ -24,10 +24,10 @@ namespace catalogcore {
 
 namespace {
 
-// A picture in grey of 100, or of the given depth.
-struct Picture {
-  Picture(std::int32_t width, std::int32_t height, std::int32_t bits = 24, std::int32_t resolution = 0)
-      : bytes(static_cast<std::size_t>(width * (bits / 8) + 4) * static_cast<std::size_t>(height), 100),
+// A grey picture of tone 100 at every depth, with 4 bytes of padding a row.
+struct GreyTestPicture {
+  GreyTestPicture(std::int32_t width, std::int32_t height, std::int32_t bits = 24, std::int32_t resolution = 0)
+      : bytes(static_cast<std::size_t>((width * (bits / 8) + 4) * height), 100),
         record{bytes.data(), width, height, width * (bits / 8) + 4, bits, resolution, 0, 0, 0, 0, 7} {}
   std::vector<std::uint8_t> bytes;
   IDXDSDATA record;
@@ -42,11 +42,10 @@ class DetectSceneTest : public testing::Test {
   }
   ~DetectSceneTest() override {
     EXPECT_EQ(fakeEngines.blocksHeld, 0);
-    EXPECT_TRUE(fakeEngines.zeroed);
+    EXPECT_TRUE(fakeEngines.isZeroed);
     dsScene = nullptr;
   }
 
-  // Detects, and expects this much.
   static void Expect(IDXDSDATA record, IDXSTATUS status, std::int32_t preset, const char* calls) {
     fakeEngines.calls.clear();
     EXPECT_EQ(IDXDetectScene(&record), status);
@@ -58,50 +57,44 @@ class DetectSceneTest : public testing::Test {
 };
 
 TEST_F(DetectSceneTest, HintsAndSizesDecideInTheirOrder) {
-  Picture picture(200, 150);
-  const auto with = [&picture](auto change) {
+  const GreyTestPicture picture(200, 150);
+  const auto expect = [&picture](auto change, IDXSTATUS status, std::int32_t preset, const char* calls = "") {
     IDXDSDATA record = picture.record;
     change(record);
-    return record;
+    Expect(record, status, preset, calls);
   };
-  // Nothing but the hint counts, not even impossible sizes.
-  Expect(with([](IDXDSDATA& r) { r.fixedScene = 1, r.pixels = nullptr, r.width = 5000; }), IDX_OK, 2040000, "");
-  // Too small to tell, before too large and before the hints.
-  Expect(with([](IDXDSDATA& r) { r.width = 49, r.height = 5000, r.typeHint = 1; }), IDX_OK, 1090000, "");
-  Expect(with([](IDXDSDATA& r) { r.width = 4097, r.typeHint = 1; }), IDXERR_IMAGESIZE, -1, "");
-  Expect(with([](IDXDSDATA& r) { r.width = 5000, r.height = 0, r.typeHint = 1; }), IDX_OK, -1, "");
-  Expect(with([](IDXDSDATA& r) { r.typeHint = 1, r.photoHint = 3, r.photoKind = 3; }), IDX_OK, 2030000, "");
-  Expect(with([](IDXDSDATA& r) { r.photoKind = 1; }), IDX_OK, 1090000, "");
-  Expect(with([](IDXDSDATA& r) { r.photoKind = 2; }), IDX_OK, 1090000, "IBDUFF");
-  // Without pixels only the hints are left.
-  Expect(with([](IDXDSDATA& r) { r.pixels = nullptr; }), IDX_OK, -1, "");
-  Expect(with([](IDXDSDATA& r) { r.rowBytes = 0; }), IDX_OK, -1, "");
-  // The smallest and the largest side that are looked at.
-  IDXDSDATA edge = Picture(50, 4096).record;
-  edge.pixels = nullptr;
-  Expect(edge, IDX_OK, -1, "");
-  // A number of bytes that cannot be allocated, before the hints.
-  Expect(with([](IDXDSDATA& r) { r.rowBytes = -604, r.photoHint = 3; }), IDXERR_MEMORY, -1, "");
-  Expect(with([](IDXDSDATA& r) { r.rowBytes = 0x7FFFFFFF, r.typeHint = 1; }), IDXERR_MEMORY, -1, "");
-  Expect(with([](IDXDSDATA& r) { r.bitsPerPixel = -24, r.resolution = 200; }), IDXERR_MEMORY, -1, "");
-  Expect(with([](IDXDSDATA& r) { r.photoKind = 4, r.typeHint = 3, r.photoHint = 1; }), IDX_OK, 1090000, "RIBDUFF");
+  using Record = IDXDSDATA;
+  // The fixed scene comes before the sizes, the sizes before the hints.
+  expect([](Record& r) { r.fixedScene = 1, r.pixels = nullptr, r.width = 5000; }, IDX_OK, 2040000);
+  expect([](Record& r) { r.width = 49, r.height = 5000, r.typeHint = 1; }, IDX_OK, 1090000);
+  expect([](Record& r) { r.width = 4097, r.typeHint = 1; }, IDXERR_IMAGESIZE, -1);
+  expect([](Record& r) { r.width = 5000, r.height = 0, r.typeHint = 1; }, IDX_OK, -1);
+  expect([](Record& r) { r.typeHint = 1, r.photoHint = 3, r.photoKind = 3; }, IDX_OK, 2030000);
+  expect([](Record& r) { r.photoKind = 1; }, IDX_OK, 1090000);
+  expect([](Record& r) { r.photoKind = 2; }, IDX_OK, 1090000, "IBDUFF");
+  expect([](Record& r) { r.photoKind = 4, r.typeHint = 3, r.photoHint = 1; }, IDX_OK, 1090000, "RIBDUFF");
+  // Without pixels only the hints decide.
+  expect([](Record& r) { r.pixels = nullptr; }, IDX_OK, -1);
+  expect([](Record& r) { r.rowBytes = 0; }, IDX_OK, -1);
+  expect([](Record& r) { r.pixels = nullptr, r.width = 50, r.height = 4096; }, IDX_OK, -1);
+  // A size that cannot be allocated comes before the hints.
+  expect([](Record& r) { r.rowBytes = -604, r.photoHint = 3; }, IDXERR_MEMORY, -1);
+  expect([](Record& r) { r.bitsPerPixel = -24, r.resolution = 200; }, IDXERR_MEMORY, -1);
 }
 
 TEST_F(DetectSceneTest, RecognizerGetsTheReducedCopyAndItsRecord) {
-  Picture picture(830, 626, 24, 300);
-  fakeEngines.recognizeWord = 0x2abc;
-  Expect(picture.record, IDX_OK, 2090000, "R");
-  EXPECT_EQ(fakeEngines.caller, "CatalogCr       ");
   using Fields = std::vector<std::int64_t>;  // six words and nine numbers
   const auto fields = [] {
-    std::uint16_t words[6];
-    std::uint32_t numbers[9];
-    std::memcpy(words, fakeEngines.record.data(), sizeof words);
-    std::memcpy(numbers, &fakeEngines.record[sizeof words], sizeof numbers);
-    Fields all(std::begin(words), std::end(words));
-    all.insert(all.end(), std::begin(numbers), std::end(numbers));
+    std::array<std::uint16_t, 6> words;
+    std::array<std::uint32_t, 9> numbers;
+    std::memcpy(words.data(), fakeEngines.record.data(), sizeof words);
+    std::memcpy(numbers.data(), &fakeEngines.record[sizeof words], sizeof numbers);
+    Fields all(words.begin(), words.end());
+    all.insert(all.end(), numbers.begin(), numbers.end());
     return all;
   };
+  Expect(GreyTestPicture(830, 626, 24, 300).record, IDX_OK, 1090000, "RIBDUFF");
+  EXPECT_EQ(fakeEngines.caller, "CatalogCr       ");
   EXPECT_EQ(fields(), Fields({0x1080, 3, 8, 2, 1, 0, 207, 624, 156, 75, 75, 14, 14, 179, 128}));
   EXPECT_EQ(fakeEngines.recognized[620], ka1DLUT[100]);
   EXPECT_EQ(fakeEngines.recognized[621], 0);  // padding
@@ -123,18 +116,17 @@ TEST_F(DetectSceneTest, RecognizerGetsTheReducedCopyAndItsRecord) {
       {400, 400, 24, 2147483647, 3, 8, 2147483647, 0, 0},
   };
   for (const auto& c : cases) {
-    SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << " x " << c.bits << " at " << c.resolution);
-    fakeEngines.recognizeWord = 0x1000;
-    Picture unreduced(c.width, c.height, c.bits, c.resolution);
-    EXPECT_EQ(IDXDetectScene(&unreduced.record), IDX_OK);
-    EXPECT_EQ(fields(), Fields({0x1080, c.samples, c.bitsPerSample, 2, 1, 0, c.width, unreduced.record.rowBytes,
-                                c.height, c.recordResolution, c.recordResolution, c.marginX, c.marginY,
-                                c.width - 2 * c.marginX, c.height - 2 * c.marginY}));
+    const GreyTestPicture picture(c.width, c.height, c.bits, c.resolution);
+    Expect(picture.record, IDX_OK, 1090000, "RIBDUFF");
+    EXPECT_EQ(fields(), Fields({0x1080, c.samples, c.bitsPerSample, 2, 1, 0, c.width, picture.record.rowBytes, c.height,
+                                c.recordResolution, c.recordResolution, c.marginX, c.marginY, c.width - 2 * c.marginX,
+                                c.height - 2 * c.marginY}))
+        << c.width << " x " << c.height << " x " << c.bits << " at " << c.resolution;
   }
 }
 
 TEST_F(DetectSceneTest, RecognizersWordAndFailureDecide) {
-  const Picture picture(200, 150);
+  const GreyTestPicture picture(200, 150);
   for (const auto& [word, preset] :
        {std::pair{0x1000, 2030000}, {0x2fff, 2030000}, {0x3000, 1090000}, {0, 1090000}, {0xF000, 1090000}}) {
     fakeEngines.recognizeWord = static_cast<std::uint16_t>(word);
@@ -156,7 +148,7 @@ TEST_F(DetectSceneTest, RecognizersWordAndFailureDecide) {
 }
 
 TEST_F(DetectSceneTest, FaceDetectorGetsTheFullCopyAndIsReleasedOnEveryPath) {
-  Picture picture(200, 150, 48, 300);
+  GreyTestPicture picture(200, 150, 48, 300);
   picture.bytes[5] = 3;
   picture.record.typeHint = 2;
   fakeEngines.faces = 2;
@@ -164,9 +156,9 @@ TEST_F(DetectSceneTest, FaceDetectorGetsTheFullCopyAndIsReleasedOnEveryPath) {
   EXPECT_EQ(fakeEngines.bitmap, picture.bytes);
   EXPECT_EQ(std::tie(fakeEngines.bitsPerPixel, fakeEngines.width, fakeEngines.height, fakeEngines.negatedStride),
             std::make_tuple(48, 200, 150, -1204));
-  fakeEngines.handsOut = false;
+  fakeEngines.allocates = false;
   Expect(picture.record, IDX_OK, 1010000, "IBDU");
-  fakeEngines.handsOut = true;
+  fakeEngines.allocates = true;
   fakeEngines.detectResult = 9;
   Expect(picture.record, 521, -1, "IBDFF");
   fakeEngines.setBitmapResult = 8;
@@ -174,15 +166,15 @@ TEST_F(DetectSceneTest, FaceDetectorGetsTheFullCopyAndIsReleasedOnEveryPath) {
   fakeEngines.setBitmapResult = 0;
   fakeEngines.throws = true;
   Expect(picture.record, IDXERR_MEMORY, -1, "IBDFF");
-  std::thread([this] { const RegionGuard free(detector_.Region()); }).join();  // or this would wait for ever
+  std::thread([this] { const RegionGuard free(detector_.Region()); }).join();  // blocks for ever if it is still held
 }
 
-TEST_F(DetectSceneTest, PaperIsToldBySizeOrProportions) {
+TEST_F(DetectSceneTest, PaperIsChosenBySizeOrProportions) {
   const auto paper = [this](int width, int height, int resolution) {
     const IDXDSDATA record = {nullptr, width, height, 0, 0, resolution, 0, 1, 0, 0, 0};
     std::int32_t sceneClass = 0, value = 0;
     EXPECT_EQ(detector_.DetectScene(&record, sceneClass, value), IDX_OK);
-    EXPECT_EQ(sceneClass, 1);
+    EXPECT_EQ(sceneClass, kClassDocument);
     return value;
   };
   const double inches[][2] = {{2.16, 3.58},  {3.93, 5.82},  {4, 6},    {5.82, 8.26},
@@ -193,33 +185,29 @@ TEST_F(DetectSceneTest, PaperIsToldBySizeOrProportions) {
     const int shortSide = pixels(inches[i][0] * 250), longSide = pixels(inches[i][1] * 250);
     EXPECT_EQ(paper(shortSide, longSide, 250), i);
     EXPECT_EQ(paper(longSide, shortSide, 250), i);
-    EXPECT_EQ(paper(1000, pixels(ratios[i] * 1000), i - 7), i);  // no resolution is above 0
+    EXPECT_EQ(paper(1000, pixels(ratios[i] * 1000), i - 7), i);  // every resolution here is at most 0
   }
-  EXPECT_EQ(paper(1000, 1000, 100), 6);  // as far from Letter as may be
+  EXPECT_EQ(paper(1000, 1000, 100), 6);  // close to the tolerances of Letter
   EXPECT_EQ(paper(1000, 1000, 300), 99);
   EXPECT_EQ(paper(-1000, 1414, 0), -1);
 }
 
-TEST(ParameterResource, TakesWhatHasTheTagAtTheSizeItStates) {
+TEST(ParameterResource, ReadsFilesWithTheTagAtTheSizeInTheirHeader) {
   const std::string path = std::filesystem::temp_directory_path() / ("brennparam_" + std::to_string(getpid()));
-  const auto read = [&path](const std::string& content, std::uint32_t expectedSize) {
+  const std::string header("SGIPPDEF....\x14\0\0\0", 16);
+  for (const auto& [content, block] : {std::pair{header + "data and more", header + "data"},
+                                       {header + "da", header + std::string("da\0\0", 4)},
+                                       {"SGIPPDEX" + header.substr(8), ""},
+                                       {"SGIPP", ""}}) {
     std::ofstream(path, std::ios::binary) << content;
     std::uint32_t size = 99;
-    unsigned char* const block = ReadParamFile(path.c_str(), &size);
-    EXPECT_EQ(size, expectedSize);
-    const std::string bytes = block ? std::string(block, block + size) : "none";
-    std::free(block);
-    return bytes;
-  };
-  const std::string header("SGIPPDEF....\x14\0\0\0", 16);
-  EXPECT_EQ(read(header + "data and more", 20), header + "data");
-  EXPECT_EQ(read(header + "da", 20), header + std::string("da\0\0", 4));
-  EXPECT_EQ(read("SGIPPDEX" + header.substr(8), 0), "none");
-  EXPECT_EQ(read("SGIPP", 0), "none");
+    const HeapBlock<unsigned char[]> read(ReadParamFile(path.c_str(), &size));
+    EXPECT_EQ(size, block.size());
+    EXPECT_EQ(read ? std::string(read.get(), read.get() + size) : "", block);
+  }
   std::filesystem::remove(path);
   std::uint32_t size = 99;
-  EXPECT_EQ(ReadParamFile(path.c_str(), &size), nullptr);
-  EXPECT_EQ(size, 0u);
+  EXPECT_TRUE(ReadParamFile(path.c_str(), &size) == nullptr && size == 0);
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Engines that record what reaches them and answer what the test wants.
+// Engines that record their arguments and return what the test sets.
 #ifndef CATALOGCORE_TESTS_SCENE_FAKE_ENGINES_H_
 #define CATALOGCORE_TESTS_SCENE_FAKE_ENGINES_H_
 
@@ -11,25 +11,21 @@ namespace catalogcore {
 
 struct FakeEngines {
   // Answers.
-  std::int32_t recognizeResult = 0;
+  std::int32_t recognizeResult = 0, setBitmapResult = 0, detectResult = 0;
   std::uint16_t recognizeWord = 0;
   bool writesWord = true;
-  std::int32_t setBitmapResult = 0;
-  std::int32_t detectResult = 0;
   std::uintptr_t faces = 0;
-  bool handsOut = true;               // blocks, which have to be freed
-  bool throws = false;                // Orlo_DetectFacePosition runs out of memory
-  std::function<void()> recognizing;  // done while the recognizer runs
+  bool allocates = true;              // blocks that the caller has to release
+  bool throws = false;                // Orlo_DetectFacePosition throws std::bad_alloc
+  std::function<void()> recognizing;  // called while the recognizer runs
 
-  // What came in.
-  std::string
-      calls;  // a letter for each: R recognize, I initialize, B bitmap, D detect, U uninitialize, F free, 0 free null
-  std::string caller;
-  bool zeroed = true;                                    // what is handed in to be filled was zero each time
-  std::vector<std::uint8_t> record, recognized, bitmap;  // the record; the pixels of both engines
-  std::vector<std::uint8_t> block;
+  // Arguments. `calls` has a letter for each call: Recognize, Initialize, Bitmap, Detect, Uninitialize, Free, 0 free null.
+  std::string calls, caller;
+  bool isZeroed = true;  // every record to be filled came zeroed
+  std::vector<std::uint8_t> record, recognized, bitmap,
+      block;  // the record; the pixels of both engines; the parameters
   std::int32_t bitsPerPixel = 0, width = 0, height = 0, negatedStride = 0;
-  int blocksHeld = 0;  // handed out and not freed
+  int blocksHeld = 0;  // allocated and not released
 };
 
 extern FakeEngines fakeEngines;
