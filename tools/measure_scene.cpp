@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "api/catalogue.h"
-#include "engines/document_type/parameter_block.h"
+#include "engines/document_type/model.h"
 #include "scene/detect_scene.h"
 #include "tools/model_training.h"
 #include "tools/picture_variants.h"

@@ -66,6 +66,9 @@ class CDetectScene {
   MPCriticalRegionID region = nullptr;
 };
 
+// The number of the preset index that a scene maps to; -1 if the scene is not determined.
+std::int32_t ConvertScenetoIndex(std::int32_t sceneClass, std::int32_t sceneValue);
+
 }  // namespace catalogcore
 
 #endif  // CATALOGCORE_SCENE_DETECT_SCENE_H_
