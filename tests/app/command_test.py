@@ -202,7 +202,7 @@ class CommandTest(pictures.CommandCase):
         self.run_command("index", "add", "Documents", "1010000")
         self.run_command("ls", "1010000")  # the preset of that number
         for arguments, reason in (
-                (("add", "Photographs", "Summer"), "of that name already"), (("add", "Photographs", ""), "not empty"),
+                (("add", "Photographs", "Summer"), "of that name exists already"), (("add", "Photographs", ""), "not empty"),
                 (("add", "Nowhere", "x"), "no index \"Nowhere\""), (("rename", "People", "x"), "is a preset"),
                 (("add", "Photographs", "x", "--no-move", "--no-remove", "--no-rename"), "omit one"),
                 (("protect", "Summer", "--no-move", "--no-rename"), "omit one"),
