@@ -1,5 +1,5 @@
-// The C++ layer beside the calls that it makes, written out with as much care: in a program of its own, which uses the
-// shared library as applications do.
+// Compares the C++ layer with equally careful C calls. It is a separate program that uses the shared library like an
+// application.
 #include <algorithm>
 #include <array>
 #include <catalogcore.hpp>
@@ -18,7 +18,7 @@ namespace {
 
 using catalogcore::Catalog;
 
-// So few that all stays in the caches: what the layer adds is never a smaller part of a call.
+// Few images, so that all data stays in the caches. Then the layer has the largest share in the time of a call.
 constexpr int kImages = 10000;
 constexpr int kRounds = 41;
 constexpr int kRepetitions = 20;
@@ -83,7 +83,7 @@ void LookUp(const Catalog& catalog, const std::vector<std::string>& paths) {
   }
 }
 
-// Both walks have each path as a string, and return how many bytes they are.
+// Both walks make a string of each path and return the total number of bytes.
 std::size_t WalkWithCalls() {
   std::size_t bytes = 0;
   std::string path;

@@ -131,7 +131,7 @@ class [[nodiscard]] Result {
   /// A member of the value. REQUIRES: has_value().
   const T* operator->() const { return &*value_; }
 
-  /// The value, or `other` if there is none.
+  /// The value, or `other` after a failure.
   T value_or(T other) && { return has_value() ? *std::move(value_) : std::move(other); }
 
   /// Returns the Result of `next(value)`, or the failure if there is no value.

@@ -1,4 +1,4 @@
-// Memory for large blocks.
+// Fast memory for large blocks.
 #ifndef CATALOGCORE_PLATFORM_LARGE_BLOCK_H_
 #define CATALOGCORE_PLATFORM_LARGE_BLOCK_H_
 
@@ -9,12 +9,12 @@
 
 namespace catalogcore {
 
-// Asks the system to back a new block of the heap with huge pages, if it is a large one that is about to be filled: page
-// by page the system would take several times as long to provide the memory as filling it takes. Only a hint; the block
-// is used and freed as any other.
+// Asks the system to back a new large heap block with huge pages. With small pages, providing the memory takes the
+// system several times as long as the program takes to fill it. This is only a hint: the block is used and freed like
+// any other.
 inline void AdviseLargeBlock([[maybe_unused]] void* block, [[maybe_unused]] std::size_t size) {
 #ifdef MADV_HUGEPAGE
-  constexpr std::uintptr_t kPage = std::uintptr_t{1} << 16;  // the largest page that a system has as its smallest
+  constexpr std::uintptr_t kPage = std::uintptr_t{1} << 16;  // no system has a larger normal page
   constexpr std::size_t kLarge = std::size_t{8} << 20;
   if (!block || size < kLarge) return;
   const auto address = reinterpret_cast<std::uintptr_t>(block);

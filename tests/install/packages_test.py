@@ -28,7 +28,7 @@ def run(*command, **options):
 
 
 class Machine:
-    """The packages that are installed here."""
+    """The packages installed on this machine."""
 
     def __init__(self):
         self.stanzas, self.depends, self.providers, self.essential = {}, {}, {}, []
@@ -46,7 +46,7 @@ class Machine:
                 self.essential.append(name)
 
     def closure(self, *relations):
-        """The packages that satisfy the relations, the essential ones, and all that these depend on."""
+        """The packages that satisfy the relations, the essential packages, and all their dependencies."""
         found, left = set(), [*relations, *self.essential]
         while left:
             for alternatives in filter(None, left.pop().split(",")):
@@ -62,7 +62,7 @@ def names(relation, separator=","):
 
 
 def make_root(root, machine, packages):
-    """A system of these packages alone."""
+    """Makes a root directory with only these packages."""
     for name in ("bin", "lib", "lib32", "lib64", "libx32", "sbin"):
         if os.path.islink("/" + name):
             (root / "usr" / name).mkdir(parents=True)
@@ -86,7 +86,7 @@ def make_root(root, machine, packages):
         if file.stem.split(":")[0] in packages or file.name == "format":
             shutil.copy(file, database / "info")
     (database / "triggers/ldconfig").write_text("libc-bin\n")
-    for file in (own / "alternatives").iterdir():  # made by scripts of packages, such as liblapack.so.3
+    for file in (own / "alternatives").iterdir():  # links that package scripts make, such as liblapack.so.3
         link, chosen = file.read_text().split("\n")[1], pathlib.Path("/etc/alternatives", file.name)
         if chosen.exists() and root.joinpath(os.readlink(chosen)[1:]).exists():
             (root / "etc/alternatives").mkdir(parents=True, exist_ok=True)
@@ -97,7 +97,7 @@ def make_root(root, machine, packages):
 
 class PackagesTest(unittest.TestCase):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory(dir=BUILD)  # /tmp may not let programs run
+        folder = tempfile.TemporaryDirectory(dir=BUILD)  # /tmp may be mounted noexec
         self.addCleanup(folder.cleanup)
         self.folder = pathlib.Path(folder.name)
         run(CPACK, "--config", pathlib.Path(BUILD, "CPackConfig.cmake"), "-B", self.folder / "made")
@@ -127,21 +127,21 @@ class PackagesTest(unittest.TestCase):
             self.check_binary(program)
 
     def check_binary(self, program):
-        """Needs nothing of this build tree, and is hardened."""
+        """The program does not refer to the build tree and is hardened."""
         dynamic, segments, symbols = (run("readelf", "-W", option, program) for option in ("-d", "-l", "--dyn-syms"))
         self.assertNotRegex(dynamic, "RUNPATH|RPATH")
         self.assertRegex(dynamic, r"FLAGS_1\).*\bNOW\b")
         self.assertIn("GNU_RELRO", segments)
         self.assertRegex(segments, r"GNU_STACK .* RW +0x")
         self.assertIn("__stack_chk_fail@", symbols)
-        if program.name == "catalogcore":  # in the libraries every size is known, so that no call is to be checked
+        if program.name == "catalogcore":  # the libraries have no calls that need a check
             self.assertRegex(dynamic, r"FLAGS_1\).*\bPIE\b")
             self.assertRegex(symbols, r" __(?!stack)\w+_chk@")
 
     def test_packages_install_and_work_and_leave_nothing(self):
         self.check_contents()
         if subprocess.run([*AS_ROOT, "chroot", "/", "true"], stderr=subprocess.DEVNULL).returncode:
-            print("only the contents of the packages were checked: this machine lets no root be made to install them in")
+            print("only the contents of the packages were checked: a root to install them in cannot be made here")
             return
         machine = Machine()
         depends = [run("dpkg-deb", "-f", file, "Depends") for file in self.packages.values()]

@@ -1,4 +1,4 @@
-"""An installation as an application's developer uses it: prefix_test.py CMAKE BUILD LIBDIR C-COMPILER C++-COMPILER"""
+"""Uses an installation like an application developer: prefix_test.py CMAKE BUILD LIBDIR C-COMPILER C++-COMPILER"""
 import os
 import pathlib
 import re
@@ -39,7 +39,7 @@ class PrefixTest(unittest.TestCase):
             self.run_program(folder / program, self.root, LD_LIBRARY_PATH=str(prefix / LIBDIR))
 
     def check_embedding_guide(self, prefix):
-        """The guide's programs in C, and what it says that the first one prints."""
+        """Builds the C programs of the guide and checks the output of the first."""
         guide = (prefix / EXAMPLES / "../embedding.md").read_text()
         programs = dict(re.findall(r"```c\n(/\* (?:\w+)\.c \*/)(.*?)```", guide, re.S))
         flags = shlex.split(self.run_program("pkg-config", "--cflags", "--libs", "catalogcore",
@@ -56,7 +56,7 @@ class PrefixTest(unittest.TestCase):
         self.run_program(CMAKE, "--build", project)
         letter = self.root / "letter.png"
         letter.touch()
-        for _ in range(2):  # the second time into the catalogue that the first one wrote
+        for _ in range(2):  # the second run loads the catalogue of the first
             printed = self.run_program(project / "first", letter, self.root, LD_LIBRARY_PATH=str(prefix / LIBDIR))
             self.assertEqual(printed, f"{letter}: 2030000\n")
 
@@ -74,7 +74,7 @@ class PrefixTest(unittest.TestCase):
         self.build_by_hand(moved, "catalogue")
         self.run_program(CMAKE, "-G", "Ninja", "-S", moved / EXAMPLES, "-B", built, f"-DCMAKE_PREFIX_PATH={moved}",
                          f"-DCMAKE_C_COMPILER={C_COMPILER}", f"-DCMAKE_CXX_COMPILER={CXX_COMPILER}")
-        self.run_program(CMAKE, "--build", built)  # with the compilers' own standards
+        self.run_program(CMAKE, "--build", built)  # with the default language standards
         self.run_examples(moved, built)
         refused = subprocess.run([CXX_COMPILER, "-std=c++17", "-I", moved / "include", "-fsyntax-only", "-xc++",
                                   moved / "include/catalogcore.hpp"], capture_output=True, text=True)

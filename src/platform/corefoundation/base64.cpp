@@ -10,12 +10,12 @@ namespace {
 
 constexpr std::string_view kDigits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-// What a character of the text is: a digit's value, or one of these.
+// A character is a digit with a value, or one of these.
 constexpr std::uint32_t kBlank = 1u << 24;  // space, tab or line feed
 constexpr std::uint32_t kForeign = 1u << 25;
 
-// The values of characters, shifted to where the first, second, third and fourth digit of a group belong; so a group is
-// four look-ups, and one comparison tells whether it is four digits.
+// The values of characters, shifted to the place of the first, second, third and fourth digit of a group. So decoding a
+// group takes four look-ups, and one comparison checks that all four are digits.
 using CharacterValues = std::array<std::uint32_t, 256>;
 constexpr std::array<CharacterValues, 4> kValues = [] {
   std::array<CharacterValues, 4> values{};
@@ -33,7 +33,7 @@ constexpr std::uint32_t ValueOf(char character, std::size_t place) {
   return kValues[place][static_cast<unsigned char>(character)];
 }
 
-// Decodes the groups of four digits that the text begins with; returns how many.
+// Decodes the groups of four digits at the beginning of the text. Returns their number.
 std::size_t DecodeGroups(std::string_view text, UInt8*& to) {
   std::size_t groups = 0;
   for (const char* at = text.data(); groups < text.size() / 4; ++groups, at += 4) {
@@ -46,14 +46,14 @@ std::size_t DecodeGroups(std::string_view text, UInt8*& to) {
   return groups;
 }
 
-// The digits of every twelve bits.
+// The two digits for every value of twelve bits.
 constexpr auto kDigitPairs = [] {
   std::array<std::array<char, 2>, 4096> pairs{};
   for (std::size_t bits = 0; bits < pairs.size(); ++bits) pairs[bits] = {kDigits[bits >> 6], kDigits[bits & 63]};
   return pairs;
 }();
 
-// Three bytes, or as many as there are and padding.
+// Encodes up to three bytes, with padding for missing bytes.
 UInt8* EncodeGroup(std::string_view bytes, UInt8* to) {
   const auto byte = [bytes](std::size_t i) { return i < bytes.size() ? static_cast<unsigned char>(bytes[i]) : 0u; };
   const unsigned bits = byte(0) << 16 | byte(1) << 8 | byte(2);
@@ -70,7 +70,7 @@ UInt8* EncodeLine(std::string_view line, UInt8* to) {
 
 }  // namespace
 
-// With two digits four bits are left over, with three two.
+// After two digits four bits are left over, after three digits two bits. They must be zero.
 bool Base64Decoder::Pad() {
   if (digits_ < 2) return false;
   if (!isPadded_ && (bits_ & (digits_ == 2 ? 15u : 3u)) != 0) return false;
@@ -79,7 +79,7 @@ bool Base64Decoder::Pad() {
   return true;
 }
 
-// A byte is whole at the second, third and fourth digit.
+// The second, third and fourth digit each complete a byte.
 void Base64Decoder::TakeDigit(std::uint32_t value, UInt8*& to) {
   bits_ = bits_ << 6 | value;
   digits_ = (digits_ + 1) % 4;

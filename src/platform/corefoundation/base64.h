@@ -10,29 +10,31 @@
 
 namespace catalogcore::cf {
 
-// Decodes text that arrives in pieces.
+// Decodes text in pieces.
 class Base64Decoder {
  public:
-  // Appends the bytes of a piece. False when it holds anything but digits, padding at the end, and white space.
+  // Appends the bytes of a piece. False if the piece has other characters than digits, padding at the end, and white
+  // space.
   [[nodiscard]] bool Decode(std::string_view piece, ByteBuffer& bytes);
 
-  // Appends the bytes of the digits that the text begins with, spaces, tabs and line feeds between them included, and
-  // returns how many characters these are. Padding, carriage returns and all else are left for Decode.
+  // Appends the bytes of the digits at the beginning of the text and returns the number of characters read. Spaces,
+  // tabs and line feeds between the digits are skipped. Stops at any other character, also at padding.
   std::size_t DecodeDigits(std::string_view text, ByteBuffer& bytes);
 
-  // Whether the text may end here: its padding is complete, and the bits that it leaves over are zero.
+  // Whether the text may end here: the last group of four digits is complete, padding included.
   bool IsComplete() const { return digits_ % 4 == 0; }
 
  private:
   bool Pad();
   void TakeDigit(std::uint32_t value, UInt8*& to);
 
-  std::uint32_t bits_ = 0;  // of the digits since the last whole group of four
-  unsigned digits_ = 0;     // of that group, padding included
-  bool isPadded_ = false;   // after which no digit may follow
+  std::uint32_t bits_ = 0;  // of the digits since the last complete group of four
+  unsigned digits_ = 0;     // the number of digits of that group, padding included
+  bool isPadded_ = false;   // then no more digits may follow
 };
 
-// Appends all bytes as lines of at most `lineLength` digits, a multiple of 4, each between `indent` and a line feed.
+// Appends the bytes as lines of at most `lineLength` digits. Each line begins with `indent`. REQUIRES: `lineLength` is
+// a multiple of 4.
 void EncodeBase64(std::string_view bytes, std::string_view indent, std::size_t lineLength, ByteBuffer& text);
 
 }  // namespace catalogcore::cf

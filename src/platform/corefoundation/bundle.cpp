@@ -36,7 +36,7 @@ bool IsFolderName(const std::string& name) {
 CFBundleRef FindBundle(const std::string& identifier) {
   static std::mutex mutex;
   static auto& bundles = *new std::map<std::string, CFBundleRef>;  // never destroyed, like the bundles
-  static const fs::path dataFolder = FindDataFolder();             // once: the current folder may change
+  static const fs::path dataFolder = FindDataFolder();             // computed once: the working directory may change
   const fs::path folder = dataFolder / identifier;
   std::error_code error;
   if (!fs::is_directory(folder, error)) return nullptr;

@@ -1,5 +1,5 @@
-// Bytes that grow at their end. Large blocks move by the system's page tables rather than by copying, which is why this
-// is not a std::vector.
+// A buffer that grows at its end. Unlike std::vector it uses realloc, which moves large blocks in the page tables
+// instead of copying them.
 #ifndef CATALOGCORE_PLATFORM_COREFOUNDATION_BYTE_BUFFER_H_
 #define CATALOGCORE_PLATFORM_COREFOUNDATION_BYTE_BUFFER_H_
 
@@ -18,11 +18,11 @@
 
 namespace catalogcore::cf {
 
-// Functions that need memory throw std::bad_alloc without it.
+// Functions that allocate may throw std::bad_alloc.
 class ByteBuffer {
  public:
   ByteBuffer() = default;
-  // Leaves the other empty.
+  // The other buffer is empty afterwards.
   ByteBuffer(ByteBuffer&& other) noexcept
       : bytes_(std::move(other.bytes_)),
         size_(std::exchange(other.size_, 0)),
@@ -32,7 +32,7 @@ class ByteBuffer {
   std::size_t size() const { return size_; }
   std::string_view view() const { return {reinterpret_cast<const char*>(bytes_.get()), size_}; }
 
-  // Adds `count` bytes whose content the caller sets. The pointer is good until the next addition.
+  // Adds `count` bytes, which the caller fills. The pointer is valid until the next addition.
   UInt8* Extend(std::size_t count) {
     if (count > capacity_ - size_) Grow(count);
     UInt8* const added = bytes_.get() + size_;
@@ -44,10 +44,10 @@ class ByteBuffer {
     if (!bytes.empty()) std::memcpy(Extend(bytes.size()), bytes.data(), bytes.size());
   }
 
-  // REQUIRES: `size` is at most the present one.
+  // REQUIRES: `size` is at most the current size.
   void Truncate(std::size_t size) { size_ = size; }
 
-  // Gives back the memory beyond the content.
+  // Frees the memory beyond the content.
   void Fit() {
     if (size_ == 0) {
       bytes_.reset();
@@ -64,7 +64,7 @@ class ByteBuffer {
 
   void Grow(std::size_t count) {
     constexpr std::size_t kMaxSize = std::numeric_limits<CFIndex>::max();
-    const std::size_t spare = count / 64;  // so that the little that follows much does not move it
+    const std::size_t spare = count / 64;  // so that a small addition after a large one does not move the block
     if (count > kMaxSize - size_ - spare) throw std::bad_alloc();
     const std::size_t capacity = std::max(size_ + count + spare, capacity_ + capacity_ / 2);
     void* const block = std::realloc(bytes_.get(), capacity);
@@ -74,7 +74,7 @@ class ByteBuffer {
   }
 
   void Hold(void* block, std::size_t capacity) {
-    static_cast<void>(bytes_.release());  // realloc has taken it
+    static_cast<void>(bytes_.release());  // realloc has freed or moved the block
     bytes_.reset(static_cast<UInt8*>(block));
     capacity_ = capacity;
   }

@@ -131,7 +131,7 @@ Ref<__CFString> PropertyListReader::TakeString() {
   return string;
 }
 
-// A value has ended that is a kept value or part of one.
+// Ends a kept value, or a value inside a kept value.
 void PropertyListReader::EndKeptValue() {
   if (IsInsideKeptValue()) return AddValue(nullptr);
   ByteBuffer xml = kept_.TakeText();
@@ -139,7 +139,7 @@ void PropertyListReader::EndKeptValue() {
   AddValue(Ref<Object>(new KeptValue(std::move(xml))));
 }
 
-// `value` is null inside a kept value, which has its text already.
+// `value` is null inside a kept value: its text is in `kept_` already.
 void PropertyListReader::AddValue(Ref<Object> value) {
   if (levels_.empty()) {
     result_ = std::move(value);

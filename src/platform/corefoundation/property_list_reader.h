@@ -16,8 +16,8 @@ namespace catalogcore::cf {
 // Thrown when the XML is not a property list.
 struct InvalidPropertyList {};
 
-// The root becomes a dictionary, and its strings and data become objects. Every other value is checked and written at once
-// as the text of a KeptValue, so no object holds another of its kind and nothing recurses.
+// The root becomes a dictionary, and its strings and data become objects. Every other value is checked and written at
+// once as the text of a KeptValue, so no object holds another of its kind and nothing recurses.
 //
 // The functions throw InvalidPropertyList or std::bad_alloc. After an exception the reader may only be destroyed.
 // REQUIRES: elements nest and one element encloses all others, which an XML parser ensures.
@@ -28,8 +28,8 @@ class PropertyListReader {
   void EndElement(std::string_view name);
   void Text(std::string_view piece);
 
-  // If a data element is open, takes the base64 at the beginning of `text` as Text does. Returns the number of characters
-  // taken.
+  // If a data element is open, takes the base64 at the beginning of `text` as Text does. Returns the number of
+  // characters taken.
   std::size_t Digits(std::string_view text);
 
   // The property list, after the last element has ended; null if the element plist is empty.

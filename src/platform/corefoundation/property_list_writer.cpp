@@ -18,8 +18,8 @@ constexpr std::string_view kHeader =
     "<plist version=\"1.0\">\n";
 constexpr std::string_view kFooter = "</plist>\n";
 
-// A line of base64 has at most 76 columns, where a tab has 8. At most seven tabs are written, so that the text of deeply
-// nested values stays in proportion to their content.
+// A line of base64 has at most 76 columns, where a tab has 8. At most seven tabs are written, so that the text of
+// deeply nested values stays in proportion to their content.
 constexpr std::string_view kTabs = "\t\t\t\t\t\t\t";
 constexpr std::size_t kLineColumns = 76;
 constexpr std::size_t kTabColumns = 8;

@@ -41,10 +41,10 @@ bool HasLoneSurrogate(std::string_view utf16) {
   return isOpen;
 }
 
-// Feeds a reader from XML. Exceptions of the reader do not pass through expat: they stop it.
+// Passes XML to a reader. Exceptions of the reader do not pass through expat; they stop the parse.
 class Parser {
  public:
-  // Throws std::bad_alloc.
+  // May throw std::bad_alloc.
   explicit Parser(PropertyListReader& reader)
       : reader_(reader), expat_(XML_ParserCreate_MM(nullptr, &kMemory, nullptr)) {
     if (!expat_) throw std::bad_alloc();
@@ -53,7 +53,7 @@ class Parser {
     XML_SetCharacterDataHandler(expat_.get(), &Text);
     XML_SetEntityDeclHandler(expat_.get(), &EntityDeclared);
     XML_SetAttlistDeclHandler(expat_.get(), &AttributeDeclared);
-    // Called for an entity that only the document type, which is not fetched, might declare.
+    // Called for an undefined entity, which an external document type could define. That is never fetched.
     XML_SetSkippedEntityHandler(expat_.get(), &EntitySkipped);
   }
 
@@ -82,9 +82,9 @@ class Parser {
 
   static constexpr std::string_view kDataTag = "<data>";
 
-  // The size of the next piece, at most `most`. A piece ends after a data tag that 64 KiB of text without markup follow:
-  // this library decodes base64 faster than expat passes it on. Smaller data elements stay within their piece, because
-  // expat would parse a long comment that holds them again for every short piece.
+  // The size of the next piece, at most `most`. A piece ends after a data tag that 64 KiB of text without markup
+  // follow: this library decodes base64 faster than expat passes it on. Smaller data elements stay within their piece,
+  // because expat would parse a long comment that holds them again for every short piece.
   static std::size_t PieceSize(std::string_view xml, std::size_t most) {
     const std::size_t size = std::min(most, xml.size());
     const std::size_t tag = xml.rfind('<', size - 1);
@@ -147,8 +147,8 @@ class Parser {
 
   PropertyListReader& reader_;
   const std::unique_ptr<std::remove_pointer_t<XML_Parser>, Deleter> expat_;
-  XML_Index fed_ = 0;      // bytes that expat got
-  XML_Index tagEnd_ = -1;  // of these, those up to the end of the last start tag
+  XML_Index fed_ = 0;      // the number of bytes passed to expat
+  XML_Index tagEnd_ = -1;  // the position in them after the last start tag
   int attributeDeclarations_ = 0;
   bool hasFailed_ = false;
 };

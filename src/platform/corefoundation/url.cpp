@@ -14,7 +14,7 @@
 
 #include "platform/corefoundation/objects.h"
 
-// Invariant: `path` is not empty and holds no zero byte; `base` is empty when the path is absolute.
+// Invariants: `path` is not empty and has no zero byte; `base` is empty if the path is absolute.
 struct __CFURL final : catalogcore::cf::Object {
   explicit __CFURL(std::string_view filePath)
       : Object(catalogcore::cf::Kind::kURL), path(filePath), base(BaseOf(filePath)) {}

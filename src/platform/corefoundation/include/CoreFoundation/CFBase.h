@@ -30,8 +30,10 @@ typedef unsigned long CFTypeID;
 typedef unsigned long CFOptionFlags;
 typedef const void* CFTypeRef;
 
-/* Allocators are ignored: memory comes from the heap. The exception is kCFAllocatorNull as a deallocator, which means that
- * the bytes are not freed. */
+/*
+ * Allocators are ignored: memory comes from the heap. The exception is kCFAllocatorNull as a deallocator, which means
+ * that the bytes are not freed.
+ */
 typedef const struct __CFAllocator* CFAllocatorRef;
 CF_EXPORT const CFAllocatorRef kCFAllocatorDefault;
 CF_EXPORT const CFAllocatorRef kCFAllocatorNull;

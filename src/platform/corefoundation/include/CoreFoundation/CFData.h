@@ -8,12 +8,16 @@ typedef const struct __CFData* CFDataRef;
 
 CF_EXPORT CFTypeID CFDataGetTypeID(void);
 
-/* A copy of `length` bytes. `bytes` may be null if the length is 0. Null if the length is negative, or on allocation
- * failure. */
+/*
+ * A copy of `length` bytes. `bytes` may be null if the length is 0. Null if the length is negative, or on allocation
+ * failure.
+ */
 CF_EXPORT CFDataRef CFDataCreate(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length);
 
-/* Data that refers to the bytes without a copy; they must not change or be freed before the object is. Null as above, and
- * for another deallocator than kCFAllocatorNull. */
+/*
+ * Data that refers to the bytes without a copy; they must not change or be freed before the object is. Null as above,
+ * and for another deallocator than kCFAllocatorNull.
+ */
 CF_EXPORT CFDataRef CFDataCreateWithBytesNoCopy(CFAllocatorRef allocator, const UInt8* bytes, CFIndex length,
                                                 CFAllocatorRef deallocator);
 

@@ -23,8 +23,10 @@ CF_EXPORT CFStringRef __CFStringMakeConstantString(const char* text);
 /* The length in UTF-16 units. */
 CF_EXPORT CFIndex CFStringGetLength(CFStringRef string);
 
-/* The number of bytes, without a terminator, that `length` UTF-16 units need at most. -1 if the length or the encoding is
- * invalid. */
+/*
+ * The number of bytes, without a terminator, that `length` UTF-16 units need at most. -1 if the length or the encoding
+ * is invalid.
+ */
 CF_EXPORT CFIndex CFStringGetMaximumSizeForEncoding(CFIndex length, CFStringEncoding encoding);
 
 /*

@@ -1,5 +1,7 @@
-/* File URLs: the path of a file or folder. A relative path is relative to the working directory at the creation of the
- * URL. */
+/*
+ * File URLs: the path of a file or folder. A relative path is relative to the working directory at the creation of the
+ * URL.
+ */
 #ifndef CATALOGCORE_COREFOUNDATION_CFURL_H_
 #define CATALOGCORE_COREFOUNDATION_CFURL_H_
 
@@ -26,8 +28,10 @@ CF_EXPORT CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef alloca
 /* The path that was given, without trailing slashes. Null if it is not valid UTF-8, or on allocation failure. */
 CF_EXPORT CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle style);
 
-/* Copies the zero-terminated path for system calls into `buffer`, made absolute if `resolveAgainstBase`. If it does not
- * fit, returns false and leaves the buffer unchanged. */
+/*
+ * Copies the zero-terminated path for system calls into `buffer`, made absolute if `resolveAgainstBase`. If it does not
+ * fit, returns false and leaves the buffer unchanged.
+ */
 CF_EXPORT Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase, UInt8* buffer,
                                                    CFIndex capacity);
 
@@ -35,9 +39,9 @@ enum { kCFURLUnknownError = -10 };
 
 /*
  * Reads the whole file into `*data`, which the caller releases. On failure returns false and sets `*data` to null: the
- * file is missing, unreadable or not a regular file, `url` or `data` is null, or memory could not be allocated. `*error`
- * (may be null) gets 0 or, after any failure, kCFURLUnknownError. `*properties` (may be null) gets null; `desired` is
- * ignored.
+ * file is missing, unreadable or not a regular file, `url` or `data` is null, or memory could not be allocated.
+ * `*error` (may be null) gets 0 or, after any failure, kCFURLUnknownError. `*properties` (may be null) gets null;
+ * `desired` is ignored.
  */
 CF_EXPORT Boolean CFURLCreateDataAndPropertiesFromResource(CFAllocatorRef allocator, CFURLRef url, CFDataRef* data,
                                                            CFDictionaryRef* properties, CFArrayRef desired,

@@ -4,8 +4,8 @@
  * Ownership: a function with Create or Copy in its name returns a reference that the caller releases with CFRelease. A
  * function with Get in its name returns an object that the caller does not own.
  *
- * Thread safety: reference counts are atomic. Objects never change after their creation, so any thread may use them. The
- * exception are dictionaries: while a thread changes one, no other thread may use it.
+ * Thread safety: reference counts are atomic. Objects never change after their creation, so any thread may use them.
+ * The exception are dictionaries: while a thread changes one, no other thread may use it.
  */
 #ifndef CATALOGCORE_COREFOUNDATION_COREFOUNDATION_H_
 #define CATALOGCORE_COREFOUNDATION_COREFOUNDATION_H_
