@@ -1,4 +1,4 @@
-// The recognizer's parameter block: as it is, and with the tag, version, size and check sum that it should have.
+// The recognizer's parameter block: the input itself, and the input with a valid tag, version, size and check sum.
 #include <algorithm>
 #include <cstring>
 #include <span>
@@ -11,12 +11,12 @@ namespace catalogcore {
 
 namespace {
 
-using namespace catalogcore::document_type;
-using Block = std::vector<std::uint8_t>;
+using namespace document_type;
+using BlockBytes = std::vector<std::uint8_t>;
 
-std::int32_t Recognize(const Block& block, std::uint16_t& word) {
-  static const catalogcore::tools::PreparedPicture picture = PreparePicture(Painted(64, 50, 24, [](int x, int y) {
-    return Colour{4.0 * x, 5.0 * y, x * y % 256 * 1.0};
+std::int32_t Recognize(const BlockBytes& block, std::uint16_t& word) {
+  static const tools::PreparedPicture picture = PreparePicture(Painted(64, 50, 24, [](int x, int y) {
+    return PaintedColour{4.0 * x, 5.0 * y, x * y % 256 * 1.0};
   }));
   unsigned char result[kBrennResultSize] = {};
   const std::int32_t code = DocumentTypeRecognize(0, "CatalogCr       ", picture.record.data(), picture.pixels.data(),
@@ -25,7 +25,7 @@ std::int32_t Recognize(const Block& block, std::uint16_t& word) {
   return code;
 }
 
-void Check(const Block& block) {
+void Check(const BlockBytes& block) {
   std::uint16_t word = 0;
   const std::int32_t code = Recognize(block, word);
   EXPECT_TRUE(code >= 0 && code < 256) << code;
@@ -37,7 +37,7 @@ void Check(const Block& block) {
   EXPECT_EQ(again, word);
 }
 
-void Seal(Block& block) {
+void Seal(BlockBytes& block) {
   block.resize(std::max(block.size(), std::size_t{20}));
   std::memcpy(block.data(), "SGIPPDEF", 8);
   const auto put = [&block](std::size_t at, std::size_t value) {
@@ -51,7 +51,7 @@ void Seal(Block& block) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  Block block(data, data + size);
+  BlockBytes block(data, data + size);
   Check(block);
   Seal(block);
   Check(block);

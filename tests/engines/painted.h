@@ -11,19 +11,18 @@
 
 namespace catalogcore {
 
-using Colour = std::array<double, 3>;
+using PaintedColour = std::array<double, 3>;
 
-// `paint(x, y)` gives the colour of a pixel, 0 to 255. Grey takes the second sample. The low bytes of wide samples, and
-// the seven bytes beyond a row, are noise.
+// `paint(x, y)` returns the colour of a pixel, 0 to 255. Grey takes the second sample. The low bytes of wide samples and the
+// seven bytes of padding are noise.
 template <typename Paint>
-catalogcore::tools::SourcePicture Painted(std::int32_t width, std::int32_t height, std::int32_t bitsPerPixel,
-                                          Paint paint) {
-  catalogcore::tools::SourcePicture picture{width, height, width * bitsPerPixel / 8 + 7, bitsPerPixel, 0, {}};
+tools::SourcePicture Painted(std::int32_t width, std::int32_t height, std::int32_t bitsPerPixel, Paint paint) {
+  tools::SourcePicture picture{width, height, width * bitsPerPixel / 8 + 7, bitsPerPixel, 0, {}};
   std::mt19937 noise(1);
   const bool isWide = bitsPerPixel == 16 || bitsPerPixel == 48;
   for (std::int32_t y = 0; y < height; ++y) {
     for (std::int32_t x = 0; x < width; ++x) {
-      const Colour colour = paint(x, y);
+      const PaintedColour colour = paint(x, y);
       for (std::size_t s = bitsPerPixel < 24 ? 1 : 0; s < (bitsPerPixel < 24 ? 2U : 3U); ++s) {
         if (isWide) picture.pixels.push_back(static_cast<std::uint8_t>(noise()));
         picture.pixels.push_back(static_cast<std::uint8_t>(std::clamp(colour[s], 0.0, 255.0)));

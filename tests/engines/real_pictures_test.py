@@ -1,4 +1,4 @@
-"""Decisions on real pictures: real_pictures_test.py COMMAND FOLDER, where `scripts/pictures FOLDER` gathered them."""
+"""Decisions on real pictures: real_pictures_test.py COMMAND FOLDER. `scripts/pictures FOLDER` collects the pictures."""
 import json
 import pathlib
 import subprocess
@@ -49,7 +49,7 @@ class RealPictures(unittest.TestCase):
         lines = (json.loads(line) for line in output.stdout.splitlines())
         return {line["file"]: line["preset"] for line in lines}
 
-    def test_are_decided_as_a_person_would(self):
+    def test_are_classified_as_a_person_would(self):
         files = {str(PICTURES / name): preset for name, preset in EXPECTED.items()}
         self.assertEqual(self.decisions(files), files)
 

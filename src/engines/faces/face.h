@@ -13,6 +13,8 @@ struct OrloFace {
   std::int32_t top;
   std::int32_t right;
   std::int32_t bottom;
+
+  bool operator==(const OrloFace&) const = default;
 };
 
 namespace faces {
