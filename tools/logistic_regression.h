@@ -9,7 +9,7 @@
 namespace catalogcore::tools {
 
 struct Design {
-  std::size_t columns = 0;      // the last one is 1 throughout and is not penalised
+  std::size_t columns = 0;      // the last column is 1 in every row and has no penalty
   std::vector<double> values;   // rows x columns
   std::vector<double> targets;  // of each row, 1 or 0
   std::vector<double> weights;  // of each row, above 0
@@ -19,7 +19,7 @@ struct Design {
 };
 
 // The coefficient of each column: the minimum of the weighted logistic loss plus penalty / 2 x their squares.
-// Throws std::runtime_error when the penalty is too small for the data to have a minimum that can be computed.
+// Throws std::runtime_error if the penalty is too small to compute a minimum.
 std::vector<double> FitLogistic(const Design& design, double penalty);
 
 }  // namespace catalogcore::tools

@@ -1,5 +1,5 @@
-// measure_scene DOCUMENTS PHOTOS [--cross-validate | --exchange | --faces FACES.csv]: how well IDXDetectScene tells documents from
-// photographs, and photographs with faces from those without.
+// measure_scene DOCUMENTS PHOTOS [--cross-validate | --exchange | --faces FACES.csv]: measures how well IDXDetectScene
+// separates documents from photographs, and photographs with faces from photographs without.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -26,21 +26,21 @@
 namespace catalogcore::tools {
 namespace {
 
-struct Options {
+struct MeasureOptions {
   std::string documents, photographs, faces;
   bool crossValidate = false;
   bool exchange = false;
 };
 
-enum class Decision { kDocument, kPhotograph, kNone };
+enum class Verdict { kDocument, kPhotograph, kNone };
 
-Decision Decide(const SourcePicture& picture) {
+Verdict Decide(const SourcePicture& picture) {
   IDXDSDATA record = RecordOf(picture);
-  if (IDXDetectScene(&record) != IDX_OK || record.presetIndex < 0) return Decision::kNone;
-  return record.presetIndex / IDXPRESET_DOCUMENT == 1 ? Decision::kDocument : Decision::kPhotograph;
+  if (IDXDetectScene(&record) != IDX_OK || record.presetIndex < 0) return Verdict::kNone;
+  return record.presetIndex / IDXPRESET_DOCUMENT == 1 ? Verdict::kDocument : Verdict::kPhotograph;
 }
 
-// The picture with the first and the third sample of every pixel exchanged.
+// Exchanges the first and the third sample of every pixel.
 SourcePicture Exchanged(SourcePicture picture) {
   const auto sample = static_cast<std::size_t>(picture.bitsPerPixel / 24);
   for (std::size_t row = 0; row < picture.pixels.size(); row += static_cast<std::size_t>(picture.rowBytes)) {
@@ -63,7 +63,7 @@ class Table {
     for (const LabelledPicture& picture : pictures) ++(picture.isDocument ? total_.documents : total_.photographs);
   }
 
-  // Runs one picture under every condition.
+  // Decides one picture under every condition.
   void Add(const LabelledPicture& picture) {
     const Raster raster = ReadRaster(picture.path);
     std::map<std::int32_t, Raster> pages;  // by resolution
@@ -73,8 +73,8 @@ class Table {
         pages[condition.resolution] = ScaledTo(raster, kPageLength * condition.resolution);
       }
       const Raster& seen = isPage ? pages[condition.resolution] : raster;
-      const Decision decision = Decide(ToSource(seen, condition.depth, condition.resolution));
-      if (decision == (picture.isDocument ? Decision::kDocument : Decision::kPhotograph)) continue;
+      const Verdict decision = Decide(ToSource(seen, condition.depth, condition.resolution));
+      if (decision == (picture.isDocument ? Verdict::kDocument : Verdict::kPhotograph)) continue;
       Misfiled& misfiled = misfiled_[condition.Name()];
       ++(picture.isDocument ? misfiled.documents : misfiled.photographs);
       names_[picture.name].push_back(condition.Name());
@@ -110,8 +110,8 @@ class Table {
   std::size_t done_ = 0;
 };
 
-// For each picture the name of the part that it is held out with: its source; of the two large sources of documents,
-// sroie and pages, one of five parts that whole documents are dealt to, in the order of their names.
+// The name of each picture's part; the pictures of a part are held out together. A part is a source of pictures. The two
+// large sources of documents, sroie and pages, are divided into five parts: whole documents, in turn, by name.
 std::vector<std::string> Parts(const std::vector<LabelledPicture>& pictures) {
   constexpr std::size_t kPartsOfASource = 5;
   std::set<std::string> documents;
@@ -133,7 +133,7 @@ void SetBlock(CDetectScene& detector, const std::vector<std::uint8_t>& bytes) {
   detector.InitializeWith(std::move(block), static_cast<std::uint32_t>(bytes.size()));
 }
 
-// Each part is decided by a recognizer that was trained on the others.
+// Decides each part with a recognizer trained on the other parts.
 void CrossValidate(CDetectScene& detector, const std::vector<LabelledPicture>& pictures, Table& table) {
   const unsigned threads = std::max(1U, std::thread::hardware_concurrency());
   const auto variants = MeasureVariants(pictures, kVariants, threads);
@@ -166,8 +166,8 @@ void MeasureExchange(const std::vector<LabelledPicture>& pictures) {
   std::printf("with the first and the third sample exchanged, %d of %d decisions change\n", changed, decisions);
 }
 
-// FACES.csv: a line "file,1" or "file,0" for each photograph that is labelled.
-void MeasureFaces(const Options& options) {
+// FACES.csv has a line "file,1" or "file,0" for each labelled photograph.
+void MeasureFaces(const MeasureOptions& options) {
   std::ifstream labels(options.faces);
   if (!labels) throw std::runtime_error("cannot read " + options.faces);
   int count[2] = {}, found[2] = {};
@@ -178,7 +178,7 @@ void MeasureFaces(const Options& options) {
     const SourcePicture picture =
         ToSource(ReadRaster(options.photographs + "/" + line.substr(0, comma)), {true, false}, 0);
     IDXDSDATA record = RecordOf(picture);
-    record.typeHint = 2;  // photographs all: the face detector alone is measured
+    record.typeHint = 2;  // photograph: measures the face detector only
     if (IDXDetectScene(&record) != IDX_OK) throw std::runtime_error("IDXDetectScene fails on " + line);
     const bool isFound = record.presetIndex == IDXPRESET_PHOTO_FACES;
     ++count[label];
@@ -191,7 +191,7 @@ void MeasureFaces(const Options& options) {
               static_cast<double>(found[1]) / count[1], found[0], count[0]);
 }
 
-void Run(const Options& options) {
+void Run(const MeasureOptions& options) {
   static CDetectScene detector;
   if (detector.Initialize() != IDX_OK && !options.crossValidate) throw std::runtime_error("no parameter resource");
   dsScene = &detector;
@@ -212,7 +212,7 @@ void Run(const Options& options) {
 
 int main(int argc, char** argv) {
   using namespace catalogcore::tools;
-  Options options;
+  MeasureOptions options;
   return RunTool(
       argc, argv, "Measures how well IDXDetectScene decides labelled pictures.",
       [&options](CLI::App& app) {

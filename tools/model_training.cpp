@@ -13,7 +13,7 @@ using document_type::FeatureVector;
 using document_type::kFeatureCount;
 using document_type::Term;
 
-// Found by cross-validation with whole sources held out.
+// Chosen by cross-validation with whole sources held out.
 constexpr double kPenaltyOfAnExample = 0.02;
 
 // Above these a document counts as one with colour or pictures: coloured cells beyond a stamp or a letterhead, a
@@ -35,9 +35,9 @@ std::array<document_type::Standard, kFeatureCount> Standards(const std::vector<E
   return standards;
 }
 
-// Every feature alone, and how its weight changes with the picture's size: what is a thin line on a page is a branch
-// on a thumbnail. The size alone must not decide. Squares and the other products decided no more pictures of unseen
-// sources.
+// Every feature, and its product with the picture's size: the width of a thin line on a page is the width of a branch on a
+// thumbnail. The size has no term of its own, because it must not decide. Squares and other products classified no more
+// pictures of unseen sources.
 std::vector<Term> AllTerms() {
   std::vector<Term> terms;
   for (std::uint16_t feature = 0; feature < kFeatureCount; ++feature) {

@@ -1,4 +1,4 @@
-// From measured pictures to the recognizer's model.
+// Trains the recognizer's model on measured pictures.
 #ifndef CATALOGCORE_TOOLS_MODEL_TRAINING_H_
 #define CATALOGCORE_TOOLS_MODEL_TRAINING_H_
 
@@ -14,12 +14,12 @@ struct Example {
   bool isDocument;
 };
 
-// The examples of all pictures but those whose `isHeldOut` is set (as many as pictures, or none at all).
+// The examples of all pictures whose `isHeldOut` is not set. `isHeldOut` has an element for each picture or is empty.
 std::vector<Example> TrainingExamples(const std::vector<LabelledPicture>& pictures,
                                       const std::vector<std::vector<document_type::FeatureVector>>& variants,
                                       const std::vector<bool>& isHeldOut = {});
 
-// Both kinds weigh the same, however many examples there are of each. The same examples give the same model.
+// The two kinds have equal weight, whatever their numbers of examples. The same examples give the same model.
 // REQUIRES: examples of both kinds. Throws std::runtime_error.
 document_type::Model TrainModel(const std::vector<Example>& examples);
 

@@ -1,5 +1,4 @@
-// Brings a picture into the form in which it reaches the recognizer. Training and measuring see pictures through this
-// header alone.
+// Prepares a picture as the scene detector does for the recognizer. Training and measuring use only these functions.
 #ifndef CATALOGCORE_TOOLS_PICTURE_PREPARATION_H_
 #define CATALOGCORE_TOOLS_PICTURE_PREPARATION_H_
 
@@ -12,10 +11,10 @@
 
 namespace catalogcore::tools {
 
-// An application's pixels, as they are described to the library.
+// An application's pixels and their description.
 struct SourcePicture {
   std::int32_t width = 0;         // pixels, 50 to 4096
-  std::int32_t height = 0;        // rows, likewise
+  std::int32_t height = 0;        // rows, 50 to 4096
   std::int32_t rowBytes = 0;      // bytes from one row to the next
   std::int32_t bitsPerPixel = 0;  // 8, 16, 24 or 48
   std::int32_t resolution = 0;    // dots per inch, 0: unknown
@@ -30,8 +29,8 @@ struct PreparedPicture {
 // The picture as an application describes it to the library; `source` must outlive the record.
 IDXDSDATA RecordOf(const SourcePicture& source);
 
-// Reduced toward 75 dots per inch where the resolution allows, through the tone curve, with the record filled.
-// Throws std::bad_alloc, or std::runtime_error when the sizes contradict each other.
+// Reduces the picture toward 75 dots per inch if its resolution allows, applies the tone curve and fills the record.
+// Throws std::bad_alloc, or std::runtime_error if the sizes contradict each other.
 PreparedPicture PreparePicture(const SourcePicture& source);
 
 }  // namespace catalogcore::tools

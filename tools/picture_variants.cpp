@@ -8,7 +8,7 @@
 namespace catalogcore::tools {
 namespace {
 
-// The standard's distributions may differ from one library to the next; the generator does not.
+// The distributions of the standard library may differ between implementations; the generator may not.
 class Dice {
  public:
   explicit Dice(std::uint64_t seed) : generator_(seed) {}
@@ -17,10 +17,10 @@ class Dice {
     constexpr double kSteps = 9007199254740992.0;  // 2^53
     return low + (high - low) * static_cast<double>(generator_() >> 11U) / kSteps;
   }
-  // Evenly on a scale of ratios.
+  // Uniform on a logarithmic scale.
   double Scale(double low, double high) { return std::exp(Between(std::log(low), std::log(high))); }
   bool Chance(double probability) { return Between(0, 1) < probability; }
-  // About normal, deviation 1: the sum of four even ones.
+  // Approximately normal, deviation 1: the sum of four uniform numbers.
   double Noise() {
     const std::uint64_t bits = generator_();
     double sum = 0;
@@ -47,10 +47,10 @@ Raster RandomCrop(const Raster& raster, Dice& dice) {
   return Cropped(raster, place(raster.width - width), place(raster.height - height), width, height);
 }
 
-// Light that falls off to one side, a tint, less contrast, a grain.
+// Light that decreases to one side, a tint, less contrast, grain.
 struct Exposure {
-  std::array<double, 3> light;  // what white becomes, a share of 255
-  std::array<double, 3> black;  // what black becomes, likewise
+  std::array<double, 3> light;  // the value of white, a share of 255
+  std::array<double, 3> black;  // the value of black, a share of 255
   double gamma;
   double fallX, fallY;  // change of light from one edge to the other
   double grain;
@@ -98,10 +98,10 @@ void Expose(Raster& raster, const Exposure& exposure, Dice& dice) {
   }
 }
 
-// What shows through from the paper's other side: a mirrored copy, faint.
+// The other side of the paper shows through: adds a faint mirrored copy.
 void ShowThrough(Raster& raster, double strength) {
   for (std::size_t y = 0; y < raster.height; ++y) {
-    std::uint8_t* const row = &raster.samples[y * raster.width * 3];
+    const auto row = raster.Pixels().Row(y);
     for (std::size_t x = 0; x < raster.width / 2; ++x) {
       for (std::size_t s = 0; s < 3; ++s) {
         std::uint8_t& left = row[x * 3 + s];
@@ -114,7 +114,7 @@ void ShowThrough(Raster& raster, double strength) {
   }
 }
 
-// Smooth patches of darker and lighter paper: random brightness on a coarse grid, and lines between its points.
+// Smooth patches of darker and lighter paper: random brightness on a coarse grid, interpolated between its points.
 void Stain(Raster& raster, double strength, Dice& dice) {
   constexpr std::size_t kCells = 7;
   std::array<std::array<double, kCells + 1>, kCells + 1> light{};
@@ -122,6 +122,7 @@ void Stain(Raster& raster, double strength, Dice& dice) {
     for (double& point : line) point = 1 - strength * dice.Between(0, 1);
   }
   for (std::size_t y = 0; y < raster.height; ++y) {
+    const auto row = raster.Pixels().Row(y);
     const double gridY = static_cast<double>(y) / static_cast<double>(raster.height) * kCells;
     const auto cellY = static_cast<std::size_t>(gridY);
     for (std::size_t x = 0; x < raster.width; ++x) {
@@ -132,15 +133,15 @@ void Stain(Raster& raster, double strength, Dice& dice) {
           std::lerp(light[cellY + 1][cellX], light[cellY + 1][cellX + 1], gridX - static_cast<double>(cellX));
       const double here = std::lerp(upper, lower, gridY - static_cast<double>(cellY));
       for (std::size_t s = 0; s < 3; ++s) {
-        std::uint8_t& sample = raster.samples[(y * raster.width + x) * 3 + s];
+        std::uint8_t& sample = row[x * 3 + s];
         sample = Sample(sample * here);
       }
     }
   }
 }
 
-// Things before a plain wall, a sheet of white or the sky: the picture fades into one colour outside an ellipse.
-void IsolateThings(Raster& raster, Dice& dice) {
+// Objects in front of a plain background: the picture fades into one colour outside an ellipse.
+void IsolateObjects(Raster& raster, Dice& dice) {
   const double size = dice.Between(0.2, 0.9);
   const double centreX = dice.Between(-0.3, 0.3);
   const double centreY = dice.Between(-0.3, 0.3);
@@ -150,13 +151,14 @@ void IsolateThings(Raster& raster, Dice& dice) {
   const double tint = dice.Chance(0.5) ? dice.Between(0.6, 1) : 1;
   const std::array<double, 3> plain = {tone * tint, tone * (1 + tint) / 2, tone};
   for (std::size_t y = 0; y < raster.height; ++y) {
+    const auto row = raster.Pixels().Row(y);
     const double down = 2 * static_cast<double>(y) / static_cast<double>(raster.height) - 1;
     for (std::size_t x = 0; x < raster.width; ++x) {
       const double right = 2 * static_cast<double>(x) / static_cast<double>(raster.width) - 1;
       const double away = std::hypot(right - centreX, down - centreY) - size;
       const double share = std::clamp(away / softness, 0.0, 1.0);
       for (std::size_t s = 0; s < 3; ++s) {
-        std::uint8_t& sample = raster.samples[(y * raster.width + x) * 3 + s];
+        std::uint8_t& sample = row[x * 3 + s];
         sample = Sample(std::lerp(static_cast<double>(sample), plain[s] + fall * down, share));
       }
     }
@@ -190,8 +192,8 @@ struct Claim {
   double longSide;
 };
 
-// Scans have the size of their paper; files without a resolution, and photographs whatever resolution they claim,
-// have any size.
+// Scans have the size of their paper. Files without a resolution have any size, and so have photographs with any
+// resolution.
 Claim ClaimedSize(const Raster& raster, bool isDocument, Dice& dice) {
   const double kind = dice.Between(0, 1);
   const auto here = static_cast<double>(raster.LongSide());
@@ -208,7 +210,7 @@ SourcePicture MakeVariant(const Raster& original, bool isDocument, std::uint64_t
   Dice dice(seed * 1000003 + number);
   Raster raster = dice.Chance(0.4) ? RandomCrop(original, dice) : original;
   if (isDocument && dice.Chance(0.4)) Age(raster, dice);
-  if (!isDocument && dice.Chance(0.2)) IsolateThings(raster, dice);
+  if (!isDocument && dice.Chance(0.2)) IsolateObjects(raster, dice);
   if (dice.Chance(0.4)) Expose(raster, isDocument ? OldOrPhotographedPaper(dice) : OtherDevelopment(dice), dice);
   const Colour bed = Bed(isDocument, dice);
   if (dice.Chance(0.3)) raster = Turned(raster, dice.Between(-5, 5), bed);

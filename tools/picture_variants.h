@@ -1,4 +1,4 @@
-// What becomes of one training picture: many pictures, as scanners, cameras and applications would have made them.
+// Variants of a training picture, as scanners, cameras and applications produce them.
 #ifndef CATALOGCORE_TOOLS_PICTURE_VARIANTS_H_
 #define CATALOGCORE_TOOLS_PICTURE_VARIANTS_H_
 
@@ -11,10 +11,10 @@ namespace catalogcore::tools {
 // A4's long side, in inches.
 inline constexpr double kPageLength = 11.69;
 
-// Of longer sides the library refuses pictures.
+// The library refuses pictures with a longer side.
 inline constexpr double kLongestSide = 4096;
 
-// Variant `number` of the picture. The same arguments give the same bytes. `seed` tells pictures apart.
+// Variant `number` of the picture. The same arguments give the same bytes. `seed` differs from picture to picture.
 SourcePicture MakeVariant(const Raster& original, bool isDocument, std::uint64_t seed, std::uint64_t number);
 
 }  // namespace catalogcore::tools

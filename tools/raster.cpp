@@ -11,10 +11,10 @@
 namespace catalogcore::tools {
 namespace {
 
-struct Unreference {
+struct UnreferenceImage {
   void operator()(VipsImage* image) const { g_object_unref(image); }
 };
-using Image = std::unique_ptr<VipsImage, Unreference>;
+using OwnedVipsImage = std::unique_ptr<VipsImage, UnreferenceImage>;
 
 [[noreturn]] void Fail(const std::string& what) {
   const std::string why = vips_error_buffer();
@@ -22,23 +22,24 @@ using Image = std::unique_ptr<VipsImage, Unreference>;
   throw std::runtime_error(what + ": " + why);
 }
 
-// `image` is what the call that gave `failed` has written: a reference, as arguments are evaluated in any order.
-Image Taken(int failed, VipsImage* const& image, const char* what) {
+// `image` is the result of the call that returned `failed`. A reference, because the order of evaluation of arguments is
+// unspecified.
+OwnedVipsImage Taken(int failed, VipsImage* const& image, const char* what) {
   if (failed != 0) Fail(what);
-  return Image(image);
+  return OwnedVipsImage(image);
 }
 
-// The raster's samples are read, not copied: it has to outlive the image.
-Image View(const Raster& raster) {
+// Does not copy the samples: the raster must outlive the image.
+OwnedVipsImage View(const Raster& raster) {
   VipsImage* const image =
       vips_image_new_from_memory(raster.samples.data(), raster.samples.size(), static_cast<int>(raster.width),
                                  static_cast<int>(raster.height), 3, VIPS_FORMAT_UCHAR);
   if (image == nullptr) Fail("cannot wrap a picture");
   image->Type = VIPS_INTERPRETATION_sRGB;
-  return Image(image);
+  return OwnedVipsImage(image);
 }
 
-Raster Rendered(const Image& image) {
+Raster Rendered(const OwnedVipsImage& image) {
   Raster raster;
   raster.width = static_cast<std::size_t>(vips_image_get_width(image.get()));
   raster.height = static_cast<std::size_t>(vips_image_get_height(image.get()));
@@ -51,9 +52,10 @@ Raster Rendered(const Image& image) {
   return raster;
 }
 
-Image ThreeSamples(Image image) {
+OwnedVipsImage ThreeSamples(OwnedVipsImage image) {
   VipsImage* out = nullptr;
-  Image colour = Taken(vips_colourspace(image.get(), &out, VIPS_INTERPRETATION_sRGB, nullptr), out, "cannot convert");
+  OwnedVipsImage colour =
+      Taken(vips_colourspace(image.get(), &out, VIPS_INTERPRETATION_sRGB, nullptr), out, "cannot convert");
   if (vips_image_hasalpha(colour.get())) {
     colour = Taken(vips_flatten(colour.get(), &out, nullptr), out, "cannot convert");
   }
@@ -61,12 +63,12 @@ Image ThreeSamples(Image image) {
 }
 
 Colour At(const Raster& raster, std::size_t x, std::size_t y) {
-  const std::uint8_t* const pixel = &raster.samples[(y * raster.width + x) * 3];
+  const auto pixel = raster.Pixels().Run(y, 3 * x, 3);
   return {pixel[0], pixel[1], pixel[2]};
 }
 
 void Set(Raster& raster, std::size_t x, std::size_t y, Colour colour) {
-  std::copy(colour.begin(), colour.end(), &raster.samples[(y * raster.width + x) * 3]);
+  std::ranges::copy(colour, raster.Pixels().Run(y, 3 * x, 3).begin());
 }
 
 Raster Blank(std::size_t width, std::size_t height) {
@@ -82,11 +84,11 @@ std::uint8_t Luma(const Colour& colour) {
 Raster ReadRaster(const std::string& path) {
   VipsImage* const file = vips_image_new_from_file(path.c_str(), "access", VIPS_ACCESS_SEQUENTIAL, nullptr);
   if (file == nullptr) Fail(path);
-  return Rendered(ThreeSamples(Image(file)));
+  return Rendered(ThreeSamples(OwnedVipsImage(file)));
 }
 
 Raster Scaled(const Raster& raster, double scale) {
-  const Image image = View(raster);
+  const OwnedVipsImage image = View(raster);
   VipsImage* out = nullptr;
   const VipsKernel kernel = scale > 1 ? VIPS_KERNEL_LINEAR : VIPS_KERNEL_CUBIC;
   return Rendered(Taken(vips_resize(image.get(), &out, scale, "kernel", kernel, nullptr), out, "cannot scale"));
@@ -97,7 +99,7 @@ Raster ScaledTo(const Raster& raster, double longSide) {
 }
 
 Raster Turned(const Raster& raster, double degrees, Colour background) {
-  const Image image = View(raster);
+  const OwnedVipsImage image = View(raster);
   const std::array<double, 3> fill = {static_cast<double>(background[0]), static_cast<double>(background[1]),
                                       static_cast<double>(background[2])};
   const std::unique_ptr<VipsArrayDouble, void (*)(VipsArrayDouble*)> colour(
@@ -108,7 +110,7 @@ Raster Turned(const Raster& raster, double degrees, Colour background) {
 }
 
 Raster Compressed(const Raster& raster, int jpegQuality) {
-  const Image image = View(raster);
+  const OwnedVipsImage image = View(raster);
   void* bytes = nullptr;
   std::size_t size = 0;
   if (vips_jpegsave_buffer(image.get(), &bytes, &size, "Q", jpegQuality, nullptr) != 0) Fail("cannot compress");
@@ -120,8 +122,7 @@ Raster Compressed(const Raster& raster, int jpegQuality) {
 Raster Cropped(const Raster& raster, std::size_t left, std::size_t top, std::size_t width, std::size_t height) {
   Raster part = Blank(width, height);
   for (std::size_t y = 0; y < height; ++y) {
-    const auto from = raster.samples.begin() + static_cast<std::ptrdiff_t>(((top + y) * raster.width + left) * 3);
-    std::copy_n(from, width * 3, part.samples.begin() + static_cast<std::ptrdiff_t>(y * width * 3));
+    std::ranges::copy(raster.Pixels().Run(top + y, 3 * left, 3 * width), part.Pixels().Row(y).begin());
   }
   return part;
 }
@@ -160,7 +161,7 @@ SourcePicture ToSource(const Raster& raster, Depth depth, std::int32_t resolutio
   for (std::size_t i = 0; i < raster.samples.size(); i += 3) {
     const Colour colour = {raster.samples[i], raster.samples[i + 1], raster.samples[i + 2]};
     for (std::size_t s = 0; s < samples; ++s) {
-      // A wide sample is the narrow one twice (x 257), which looks the same in either byte order.
+      // A 16-bit sample is the 8-bit sample twice (x 257), which is the same in both byte orders.
       const std::uint8_t sample = depth.colour ? colour[s] : Luma(colour);
       for (std::size_t b = 0; b < sampleBytes; ++b) *out++ = sample;
     }

@@ -1,5 +1,5 @@
-// A decoded picture, three samples of 8 bits a pixel, and what is done to it before it is given a depth and a
-// resolution. Reading, scaling, turning and compressing are libvips' work.
+// A decoded picture with three samples of 8 bits a pixel, and the operations on it. libvips reads, scales, turns and
+// compresses.
 #ifndef CATALOGCORE_TOOLS_RASTER_H_
 #define CATALOGCORE_TOOLS_RASTER_H_
 
@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "base/pixel_view.h"
 #include "tools/picture_preparation.h"
 
 namespace catalogcore::tools {
@@ -20,10 +21,12 @@ struct Raster {
   std::size_t height = 0;
   std::vector<std::uint8_t> samples;  // width x height x 3, no padding
 
+  MutablePixelView Pixels() { return {samples.data(), height, 3 * width}; }
+  PixelView Pixels() const { return {samples.data(), height, 3 * width}; }
   std::size_t LongSide() const { return width > height ? width : height; }
 };
 
-// Each throws std::runtime_error with a text for people when libvips cannot.
+// Each throws std::runtime_error with a message for the user if libvips fails.
 Raster ReadRaster(const std::string& path);
 Raster Scaled(const Raster& raster, double scale);
 Raster ScaledTo(const Raster& raster, double longSide);
@@ -32,7 +35,7 @@ Raster Compressed(const Raster& raster, int jpegQuality);
 
 Raster Cropped(const Raster& raster, std::size_t left, std::size_t top, std::size_t width, std::size_t height);
 Raster Framed(const Raster& raster, std::array<std::size_t, 4> leftTopRightBottom, Colour background);
-Raster Upright(const Raster& raster);  // turned by a quarter
+Raster Upright(const Raster& raster);  // a quarter turn
 
 struct Depth {
   bool colour;

@@ -1,5 +1,5 @@
-// train_recognizer DOCUMENTS PHOTOS -o brennparam.dat: makes the recognizer's parameter block from two folders of
-// pictures. The same folders give the same bytes.
+// train_recognizer DOCUMENTS PHOTOS -o brennparam.dat: trains the recognizer's parameter block on two folders of pictures.
+// The same folders give the same bytes.
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
@@ -16,7 +16,7 @@
 namespace catalogcore::tools {
 namespace {
 
-struct Options {
+struct TrainOptions {
   std::string documents, photographs, output;
   std::size_t variants = kVariants;
   unsigned threads = std::max(1U, std::thread::hardware_concurrency());
@@ -31,7 +31,7 @@ void WriteBlock(const std::vector<Example>& examples, const std::string& path) {
   std::printf("%s: %zu bytes from %zu examples\n", path.c_str(), block.size(), examples.size());
 }
 
-void Run(const Options& options) {
+void Run(const TrainOptions& options) {
   const std::vector<LabelledPicture> pictures = ListPictures(options.documents, options.photographs);
   WriteBlock(TrainingExamples(pictures, MeasureVariants(pictures, options.variants, options.threads)), options.output);
 }
@@ -41,7 +41,7 @@ void Run(const Options& options) {
 
 int main(int argc, char** argv) {
   using namespace catalogcore::tools;
-  Options options;
+  TrainOptions options;
   return RunTool(
       argc, argv, "Trains the document-type recognizer from a folder of documents and one of photographs.",
       [&options](CLI::App& app) {
@@ -49,7 +49,7 @@ int main(int argc, char** argv) {
         app.add_option("-o,--output", options.output, "parameter block to write")->required();
         app.add_option("--variants", options.variants, "variants of each picture to train on")
             ->check(CLI::Range(1, 1000));
-        app.add_option("--threads", options.threads, "threads; the result does not depend on them")
+        app.add_option("--threads", options.threads, "number of threads; the result does not depend on it")
             ->check(CLI::Range(1, 256));
       },
       [&options] { Run(options); });

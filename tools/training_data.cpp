@@ -14,7 +14,7 @@
 namespace catalogcore::tools {
 namespace {
 
-// Pages are numbered behind the last '-'.
+// The page number follows the last '-'.
 std::string WithoutPageNumber(const std::string& name) {
   const std::size_t dash = name.find_last_of('-');
   const bool numbered = dash != std::string::npos && dash + 1 < name.size() &&
@@ -34,15 +34,15 @@ std::vector<LabelledPicture> ListFolder(const std::string& folder, bool isDocume
   return pictures;
 }
 
-// Of a picture's name alone, so that other pictures beside it change nothing (FNV-1a).
+// FNV-1a of the picture's name only, so that other pictures in the folder do not change the seed.
 std::uint64_t Seed(const std::string& name) {
   std::uint64_t hash = 0xCBF29CE484222325U;
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
   return hash;
 }
 
-// Calls `measure` for every picture, several at a time. Results go to the picture's own place, so that neither the
-// number of threads nor their order shows.
+// Calls `measure` for every picture, in several threads. Each result has a place of its own, so the output does not depend
+// on the threads.
 template <typename Measure>
 std::vector<std::vector<document_type::FeatureVector>> MeasureEach(const std::vector<LabelledPicture>& pictures,
                                                                    unsigned threads, Measure measure) {

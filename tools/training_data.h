@@ -1,4 +1,4 @@
-// The labelled pictures of two folders, and what the recognizer measures on them.
+// The labelled pictures of two folders, and their features.
 #ifndef CATALOGCORE_TOOLS_TRAINING_DATA_H_
 #define CATALOGCORE_TOOLS_TRAINING_DATA_H_
 
@@ -17,8 +17,8 @@ namespace catalogcore::tools {
 // "pages_TAMReview-02.jpg" is page 2 of the document "pages_TAMReview" of the source "pages".
 struct LabelledPicture {
   std::string path;
-  std::string name;      // the file's, without its ending
-  std::string document;  // the name without the page's number
+  std::string name;      // of the file, without the extension
+  std::string document;  // the name without the page number
   std::string source;    // the name up to the first '_'
   bool isDocument = false;
 };
@@ -27,10 +27,10 @@ struct LabelledPicture {
 // std::runtime_error when a folder holds no file.
 std::vector<LabelledPicture> ListPictures(const std::string& documents, const std::string& photographs);
 
-// How a picture reaches the library. Documents are scaled to what a scanner gives at the resolution; photographs
-// stay as they are, whatever resolution their file claims, or are scaled like prints on the scanner.
+// The form in which a picture reaches the library. Documents are scaled to the size of a scan at the resolution. Photographs
+// keep their size, or are scaled like prints on a scanner.
 struct Condition {
-  std::int32_t resolution;  // dots per inch, 0: none, and nothing is scaled
+  std::int32_t resolution;  // dots per inch; 0: none, and the picture keeps its size
   bool prints;
   Depth depth;
 
@@ -38,13 +38,13 @@ struct Condition {
 };
 std::vector<Condition> AllConditions();
 
-// What the recognizer measures on the picture.
+// The features that the recognizer measures.
 document_type::FeatureVector Measure(const SourcePicture& picture);
 
-// How many variants of a picture it takes to train on.
+// The number of variants of a picture for training.
 inline constexpr std::size_t kVariants = 8;
 
-// For every picture the features of its first `variants` variants.
+// The features of the first `variants` variants of every picture.
 std::vector<std::vector<document_type::FeatureVector>> MeasureVariants(const std::vector<LabelledPicture>& pictures,
                                                                        std::size_t variants, unsigned threads);
 

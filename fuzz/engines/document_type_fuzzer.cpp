@@ -12,9 +12,9 @@ namespace catalogcore {
 namespace {
 
 using namespace document_type;
-using BlockBytes = std::vector<std::uint8_t>;
+using ParameterBytes = std::vector<std::uint8_t>;
 
-std::int32_t Recognize(const BlockBytes& block, std::uint16_t& word) {
+std::int32_t Recognize(const ParameterBytes& block, std::uint16_t& word) {
   static const tools::PreparedPicture picture = PreparePicture(Painted(64, 50, 24, [](int x, int y) {
     return PaintedColour{4.0 * x, 5.0 * y, x * y % 256 * 1.0};
   }));
@@ -25,7 +25,7 @@ std::int32_t Recognize(const BlockBytes& block, std::uint16_t& word) {
   return code;
 }
 
-void Check(const BlockBytes& block) {
+void Check(const ParameterBytes& block) {
   std::uint16_t word = 0;
   const std::int32_t code = Recognize(block, word);
   EXPECT_TRUE(code >= 0 && code < 256) << code;
@@ -37,7 +37,7 @@ void Check(const BlockBytes& block) {
   EXPECT_EQ(again, word);
 }
 
-void Seal(BlockBytes& block) {
+void Seal(ParameterBytes& block) {
   block.resize(std::max(block.size(), std::size_t{20}));
   std::memcpy(block.data(), "SGIPPDEF", 8);
   const auto put = [&block](std::size_t at, std::size_t value) {
@@ -51,7 +51,7 @@ void Seal(BlockBytes& block) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  BlockBytes block(data, data + size);
+  ParameterBytes block(data, data + size);
   Check(block);
   Seal(block);
   Check(block);

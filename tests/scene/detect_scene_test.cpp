@@ -63,23 +63,22 @@ TEST_F(DetectSceneTest, HintsAndSizesDecideInTheirOrder) {
     change(record);
     Expect(record, status, preset, calls);
   };
-  using Record = IDXDSDATA;
   // The fixed scene comes before the sizes, the sizes before the hints.
-  expect([](Record& r) { r.fixedScene = 1, r.pixels = nullptr, r.width = 5000; }, IDX_OK, 2040000);
-  expect([](Record& r) { r.width = 49, r.height = 5000, r.typeHint = 1; }, IDX_OK, 1090000);
-  expect([](Record& r) { r.width = 4097, r.typeHint = 1; }, IDXERR_IMAGESIZE, -1);
-  expect([](Record& r) { r.width = 5000, r.height = 0, r.typeHint = 1; }, IDX_OK, -1);
-  expect([](Record& r) { r.typeHint = 1, r.photoHint = 3, r.photoKind = 3; }, IDX_OK, 2030000);
-  expect([](Record& r) { r.photoKind = 1; }, IDX_OK, 1090000);
-  expect([](Record& r) { r.photoKind = 2; }, IDX_OK, 1090000, "IBDUFF");
-  expect([](Record& r) { r.photoKind = 4, r.typeHint = 3, r.photoHint = 1; }, IDX_OK, 1090000, "RIBDUFF");
+  expect([](IDXDSDATA& r) { r.fixedScene = 1, r.pixels = nullptr, r.width = 5000; }, IDX_OK, 2040000);
+  expect([](IDXDSDATA& r) { r.width = 49, r.height = 5000, r.typeHint = 1; }, IDX_OK, 1090000);
+  expect([](IDXDSDATA& r) { r.width = 4097, r.typeHint = 1; }, IDXERR_IMAGESIZE, -1);
+  expect([](IDXDSDATA& r) { r.width = 5000, r.height = 0, r.typeHint = 1; }, IDX_OK, -1);
+  expect([](IDXDSDATA& r) { r.typeHint = 1, r.photoHint = 3, r.photoKind = 3; }, IDX_OK, 2030000);
+  expect([](IDXDSDATA& r) { r.photoKind = 1; }, IDX_OK, 1090000);
+  expect([](IDXDSDATA& r) { r.photoKind = 2; }, IDX_OK, 1090000, "IBDUFF");
+  expect([](IDXDSDATA& r) { r.photoKind = 4, r.typeHint = 3, r.photoHint = 1; }, IDX_OK, 1090000, "RIBDUFF");
   // Without pixels only the hints decide.
-  expect([](Record& r) { r.pixels = nullptr; }, IDX_OK, -1);
-  expect([](Record& r) { r.rowBytes = 0; }, IDX_OK, -1);
-  expect([](Record& r) { r.pixels = nullptr, r.width = 50, r.height = 4096; }, IDX_OK, -1);
+  expect([](IDXDSDATA& r) { r.pixels = nullptr; }, IDX_OK, -1);
+  expect([](IDXDSDATA& r) { r.rowBytes = 0; }, IDX_OK, -1);
+  expect([](IDXDSDATA& r) { r.pixels = nullptr, r.width = 50, r.height = 4096; }, IDX_OK, -1);
   // A size that cannot be allocated comes before the hints.
-  expect([](Record& r) { r.rowBytes = -604, r.photoHint = 3; }, IDXERR_MEMORY, -1);
-  expect([](Record& r) { r.bitsPerPixel = -24, r.resolution = 200; }, IDXERR_MEMORY, -1);
+  expect([](IDXDSDATA& r) { r.rowBytes = -604, r.photoHint = 3; }, IDXERR_MEMORY, -1);
+  expect([](IDXDSDATA& r) { r.bitsPerPixel = -24, r.resolution = 200; }, IDXERR_MEMORY, -1);
 }
 
 TEST_F(DetectSceneTest, RecognizerGetsTheReducedCopyAndItsRecord) {
