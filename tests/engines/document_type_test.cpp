@@ -134,6 +134,7 @@ TEST(Brenn, RefusesAnInvalidRecord) {
   Recognize(with(kBrennStride, 600U * 3 - 1), Fault::kStride);
   Recognize(with(kBrennWidth, 0x55555556U), Fault::kPictureSize);  // x 3 is 2 in 32 bits
   Recognize(with(kBrennResolutionX, 74U), Fault::kResolution);
+  Recognize(with(kBrennResolutionX, 76U), Fault::kResolution);  // not the vertical one
   Recognize(with(kBrennMarginX, 0xFFFFFFFFU), Fault::kArea);
   Recognize(with(kBrennAreaHeight, 15U), Fault::kArea);
 }

@@ -73,6 +73,10 @@ std::vector<OrloFace> Faces(const SourcePicture& picture) {
   std::vector<OrloFace> copy(faces, faces + list.count);
   OrloFree(list.faces);
   OrloFree(context.memory);
+  for (const OrloFace& face : copy) {
+    EXPECT_TRUE(0 <= face.left && face.left < face.right && face.right <= picture.width);
+    EXPECT_TRUE(0 <= face.top && face.top < face.bottom && face.bottom <= picture.height);
+  }
   return copy;
 }
 
@@ -145,7 +149,7 @@ TEST(Orlo, ReportsFailedAllocations) {
 
 TEST(Orlo, ScalesAndClipsFacesToThePicture) {
   constexpr int kScale = 14;
-  constexpr int kCut = 22 * kScale;  // the left border cuts the head in half
+  constexpr int kCut = 41 * kScale;  // the left border cuts a part of the head off
   const auto cutFace = [](std::int32_t x, std::int32_t y) { return ToneOfFace((x + kCut) / kScale, y / kScale); };
   const std::vector<OrloFace> faces = Faces(Draw(24, kFaceWidth * kScale - kCut, kFaceHeight * kScale, cutFace));
   ASSERT_EQ(faces.size(), 1U);

@@ -186,8 +186,8 @@ TEST_F(DetectSceneTest, PaperIsChosenBySizeOrProportions) {
     EXPECT_EQ(paper(longSide, shortSide, 250), i);
     EXPECT_EQ(paper(1000, pixels(ratios[i] * 1000), i - 7), i);  // every resolution here is at most 0
   }
-  EXPECT_EQ(paper(1000, 1000, 100), 6);  // close to the tolerances of Letter
-  EXPECT_EQ(paper(1000, 1000, 300), 99);
+  EXPECT_EQ(paper(1016, 1100, 100), 6);  // just within the tolerance of Letter, and just outside
+  EXPECT_EQ(paper(1021, 1100, 100), 99);
   EXPECT_EQ(paper(-1000, 1414, 0), -1);
 }
 
