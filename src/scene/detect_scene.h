@@ -66,7 +66,7 @@ class CDetectScene {
   MPCriticalRegionID region = nullptr;
 };
 
-// The number of the preset index that a scene maps to; -1 if the scene is not determined.
+// The number of the preset index for a scene; -1 for an undetermined scene.
 std::int32_t ConvertScenetoIndex(std::int32_t sceneClass, std::int32_t sceneValue);
 
 }  // namespace catalogcore
