@@ -1,5 +1,6 @@
-// A folder that the program writes into, by descriptor: files are created, replaced and removed in this folder even when
-// its path changes meanwhile. Links below the folder are never followed. Names are those of single entries, without a "/".
+// A folder that the program writes into, by descriptor: files are created, replaced and removed in this folder even
+// when its path changes meanwhile. Links below the folder are never followed. Names are those of single entries,
+// without a "/".
 #ifndef CATALOGCORE_APP_FOLDER_H_
 #define CATALOGCORE_APP_FOLDER_H_
 
@@ -31,11 +32,12 @@ class Readers {
 
 class Folder {
  public:
-  // Creates the folder and its parents if missing. Links in the path are followed, since a person named the path. Throws
-  // std::runtime_error.
+  // Creates the folder and its parents if missing. Links in the path are followed, since a person named the path.
+  // Throws std::runtime_error.
   explicit Folder(const std::filesystem::path& path);
 
-  // The folder of that name in this folder, created if missing. Throws std::runtime_error, also when the name is a link.
+  // The folder of that name in this folder, created if missing. Throws std::runtime_error, also when the name is a
+  // link.
   Folder Inner(const std::string& name) const;
 
   // The folder of that name in this folder. Empty if it is missing, a link, or not a folder.
@@ -50,9 +52,10 @@ class Folder {
   // The status of the regular file of that name. Empty if it is missing, a link, or not a regular file.
   std::optional<struct stat> FindFile(const std::string& name) const;
 
-  // Writes the content to a temporary file in the folder and renames the temporary file to `name`, so that readers see the
-  // old file or the new file, each whole. A link of that name is replaced. The new file has the permissions that both the
-  // umask and the readers allow. Nothing is flushed to the disk. Throws std::runtime_error, which names the file.
+  // Writes the content to a temporary file in the folder and renames the temporary file to `name`, so that readers see
+  // the old file or the new file, each whole. A link of that name is replaced. The new file has the permissions that
+  // both the umask and the readers allow. Nothing is flushed to the disk. Throws std::runtime_error, which names the
+  // file.
   void Replace(const std::string& name, std::string_view content, const Readers& readers) const;
 
   // Removes the permissions of a regular file that the readers do not allow.

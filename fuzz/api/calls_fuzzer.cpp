@@ -1,5 +1,5 @@
-// Sequences of the exported calls beside the model. The input begins with names, one a line, up to an empty line; of what
-// follows each byte decides one choice.
+// Compares sequences of exported calls with the model. The input begins with names, one a line, up to an empty line.
+// Each byte after that makes one choice.
 #include "fuzz/support/fuzzer.h"
 #include "tests/support/compared_calls.h"
 

@@ -1,5 +1,5 @@
-// The text of the catalogue files, as the payload of the indexes and of the images at once: what is loaded of it is what
-// the model makes of its records, and comes back the same after it is written.
+// Loads the input as the payload of both catalogue files. The catalogue must be the one that the model makes of the
+// records, and must be unchanged after a write and a load.
 #include <sys/stat.h>
 
 #include "fuzz/support/fuzzer.h"
@@ -60,15 +60,14 @@ CatalogueState Expected(std::string_view payload) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  constexpr std::size_t kMostForModel = 2000;  // which is slow
+  constexpr std::size_t kMostForModel = 2000;  // the model is slow
   WriteFileWith(AsText(data, size));
   if (Load() != IDX_OK) return 0;
   const CatalogueState first = StateOf(*idData);
   EXPECT_EQ(BrokenInvariant(*idData), "");
   EXPECT_TRUE(size > kMostForModel || first == Expected(AsText(data, size))) << first;
 
-  // An index with all protections, as presets and the root have them, is not written, and comes back otherwise with a
-  // child.
+  // An index with all three protections, like a preset, is not written; loading its children creates it again.
   const CatalogueState second = WrittenAndLoaded();
   const auto& indexes = first.cells[kIndexTree];
   const auto isProtected = [](const CellState& index) { return index.attribute == 7; };

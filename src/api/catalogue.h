@@ -31,8 +31,8 @@ IDXSTATUS GetCatalogueFilePath(IDXSTR name, CIDXString& path);
 
 inline constexpr int kStoreCodeBase = 0x1000;
 
-// IDX_OK for 0. With kStoreCodeBase the status of the store's result code, or IDXERR_FAILED for an unknown code. With any
-// other base the sum of both.
+// IDX_OK for 0. With kStoreCodeBase the status of the store's result code, or IDXERR_FAILED for an unknown code. With
+// any other base the sum of both.
 IDXSTATUS ConvertErrorCode(int code, int base);
 
 inline IDXSTATUS StoreStatus(std::uint32_t code) { return ConvertErrorCode(static_cast<int>(code), kStoreCodeBase); }

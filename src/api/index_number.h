@@ -1,7 +1,7 @@
-// Index numbers and the paths of the cells that they stand for: 1100000 is 1/10.
+// Converts between index numbers and the paths of indexes: 1100000 is 1/10.
 //
 // A number packs the groups of a path from the top down, `digits` decimal digits for each group but the first, for four
-// levels; levels that the path lacks are 0. -1 is the root ".".
+// levels; missing levels are 0. -1 is the root ".".
 #ifndef CATALOGCORE_API_INDEX_NUMBER_H_
 #define CATALOGCORE_API_INDEX_NUMBER_H_
 
@@ -17,7 +17,7 @@ inline constexpr int kRootNumber = -1;
 inline constexpr int kFirstIndexNumber = 1000000;  // and below kEndIndexNumber
 inline constexpr int kEndIndexNumber = 100000000;
 
-// Whether a number stands for an index other than the root.
+// Whether the number is in the range of index numbers, which excludes the root.
 constexpr bool IsIndexNumber(int number) { return number >= kFirstIndexNumber && number < kEndIndexNumber; }
 
 // The path of an index number, "." for the root. Empty when the number is out of range.
@@ -30,11 +30,11 @@ int NumberOfIndexPath(const std::string& path);
 // then unchanged) or there is no memory.
 int ConvertINTtoPath(CIDXString& path, int number, int digits);
 
-// The number of a path. What is no number counts as 0, and groups are not checked for their range, so that the result
-// may lie outside that of index numbers; it wraps in 32 bits. Returns the last group's value.
+// Sets `number` to the number of a path and returns the last group's value. A group that is not a number counts as 0.
+// Groups are not checked for their range, so that the number may be out of range; it wraps in 32 bits.
 int ConvertPathtoINT(int& number, const CIDXString& path, int levels, int digits);
 
-// The number behind the last "/", or of the whole text.
+// The number after the last "/", or of the whole text.
 int GetLastIndexTag(const char* path);
 
 }  // namespace catalogcore

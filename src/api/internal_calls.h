@@ -31,8 +31,8 @@ char* LoadImageBuffer(IDXSTR name, std::int32_t* status);
 
 // Reads the data item under `key` of a property-list file. With a null block, `*size` gets its length; else at most
 // `*size` bytes are copied into `block`, and `*size` gets their count. A missing file or key has 0 bytes. Returns 1; 0,
-// with 0 bytes, when the file cannot be read, is not a property list with a dictionary at its top, or has another kind of
-// value under the key; 0 also when `size` is null.
+// with 0 bytes, when the file cannot be read, is not a property list with a dictionary at its top, or has another kind
+// of value under the key; 0 also when `size` is null.
 int _ReadKeyData(CFURLRef url, CFStringRef key, void* block, std::int32_t* size);
 
 }  // namespace catalogcore

@@ -20,15 +20,15 @@ namespace catalogcore {
 #define CATALOGCORE_INDEX_KEY CFSTR("IDXIndex")
 #define CATALOGCORE_IMAGE_KEY CFSTR("IDXImage")
 
-// Add the records of the file to the catalogue. Records that the store refuses are skipped, and so are images whose file
-// does not exist. IDXERR_FAILED, IDXERR_NODATA and IDXERR_MEMORY as LoadPayload; IDXERR_EMPTY when an index file has no
-// line; IDXERR_VERSION when the first line is not the version tag.
+// Add the records of the file to the catalogue. Records that the store refuses are skipped, and so are images whose
+// file does not exist. IDXERR_FAILED, IDXERR_NODATA and IDXERR_MEMORY as LoadPayload; IDXERR_EMPTY when an index file
+// has no line; IDXERR_VERSION when the first line is not the version tag.
 IDXSTATUS LoadIndexRecords(CIndexData& data, const char* path);
 IDXSTATUS LoadImageRecords(CIndexData& data, const char* path);
 
-// Replace the payload in the file, or create the file. IDXERR_MEMORY when the payload cannot be allocated; IDXERR_FAILED
-// when the path is invalid, or the file cannot be read or written. On failure the file is unchanged (replace_file.h names
-// the exception).
+// Replace the payload in the file, or create the file. IDXERR_MEMORY when the payload cannot be allocated;
+// IDXERR_FAILED when the path is invalid, or the file cannot be read or written. On failure the file is unchanged
+// (replace_file.h names the exception).
 IDXSTATUS WriteIndexRecords(CIndexData& data, const char* path);
 IDXSTATUS WriteImageRecords(CIndexData& data, const char* path);
 

@@ -10,16 +10,16 @@
 
 namespace catalogcore {
 
-// 1 if the text is the version tag and nothing else, else 0.
+// 1 if the text is exactly the version tag, else 0.
 int IsValidVersion(std::string_view text);
 
-// Sets the payload to the line of the version tag, or appends that of a record. False without memory, or when the
-// payload would be longer than its length can tell; the end of its last line may be missing then. Its block grows ahead
-// of its text, so that what a payload costs stays in proportion to it.
+// SetVersion sets the payload to the line of the version tag; AppendRecord appends the line of a record. False without
+// memory, or when the length would exceed 32 bits; the last line may then be incomplete. The block grows faster than
+// the text, so that the cost of a payload is in proportion to its size.
 bool SetVersion(CIDXBuffer& payload);
 bool AppendRecord(CIDXBuffer& payload, const char* first, std::uint8_t attribute, const char* last);
 
-// The fields lie in the payload.
+// The fields point into the payload.
 struct PayloadRecord {
   std::string_view first;
   std::uint8_t attribute;
@@ -29,13 +29,13 @@ struct PayloadRecord {
 // False without memory.
 bool CopyField(CIDXString& target, std::string_view field);
 
-// Cuts a payload up as strtok does: it ends at its first zero byte, no field is empty, a run of separators counts as
-// one, and an empty last field takes the whole following line in its place.
+// Splits a payload like strtok: the payload ends at its first zero byte, no field is empty, a run of separators counts
+// as one, and in place of an empty last field stands the whole following line.
 class PayloadReader {
  public:
   explicit PayloadReader(std::string_view payload) : rest_(payload.substr(0, payload.find('\0'))) {}
 
-  // The first line; empty if there is none. To be called first, and once.
+  // The first line, or empty text. REQUIRES: the first call, and called once.
   std::string_view VersionLine() { return Token('\n'); }
 
   // The next record. False at the end of the payload, and for an incomplete last record.

@@ -7,8 +7,8 @@
 
 namespace catalogcore {
 
-// Sets `value` to the data under `key`; null when the file or the key is missing. False when the file cannot be read, is
-// not a property list with a dictionary at its top, or has another kind of value under the key.
+// Sets `value` to the data under `key`; null when the file or the key is missing. False when the file cannot be read,
+// is not a property list with a dictionary at its top, or has another kind of value under the key.
 bool ReadPropertyValue(CFURLRef url, CFStringRef key, CFReference<CFDataRef>& value);
 
 // Sets the data under `key` to the buffer's text with its terminator, in the file's dictionary or, when the file is

@@ -11,10 +11,10 @@ namespace catalogcore {
 // links), flushes the temporary file to the disk and renames it over the file. Returns whether the file has the new
 // content. Throws std::bad_alloc.
 //
-// The new file has the permissions and, where possible, the owner of the old file. A file without write permission is not
-// replaced. Where the folder takes no new file, a file with write permission is written in place; then a failure may cut
-// the file short. Leftovers of interrupted replacements of the same file are removed. Threads and processes may replace
-// one file at the same time: the last rename wins.
+// The new file has the permissions and, where possible, the owner of the old file. A file without write permission is
+// not replaced. Where the folder takes no new file, a file with write permission is written in place; then a failure
+// may cut the file short. Leftovers of interrupted replacements of the same file are removed. Threads and processes may
+// replace one file at the same time: the last rename wins.
 bool ReplaceFile(const char* path, std::initializer_list<std::string_view> parts);
 
 }  // namespace catalogcore

@@ -46,8 +46,8 @@ bool Lock(int file) {
   return fstat(file, &status) != 0 || status.st_nlink > 0;
 }
 
-// While one lives, a write beyond the limit on file sizes (RLIMIT_FSIZE) fails with EFBIG and does not send this thread the
-// signal that ends the process. Signal handlers and other threads are unaffected.
+// While one lives, a write beyond the limit on file sizes (RLIMIT_FSIZE) fails with EFBIG and does not send this thread
+// the signal that ends the process. Signal handlers and other threads are unaffected.
 class FileSizeSignalBlock {
  public:
   FileSizeSignalBlock() {

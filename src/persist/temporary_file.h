@@ -1,8 +1,8 @@
 // A new file that is written under a temporary name and then renamed over the file that it replaces.
 //
-// A temporary file is named PREFIX, PID, "-" and COUNT, and locked with flock() while its writer lives. A file of such a
-// name that nobody locks is a leftover of an interrupted writer. A folder is given by a descriptor, and names are those of
-// single entries of that folder; links are not followed.
+// A temporary file is named PREFIX, PID, "-" and COUNT, and locked with flock() while its writer lives. A file of such
+// a name that nobody locks is a leftover of an interrupted writer. A folder is given by a descriptor, and names are
+// those of single entries of that folder; links are not followed.
 #ifndef CATALOGCORE_PERSIST_TEMPORARY_FILE_H_
 #define CATALOGCORE_PERSIST_TEMPORARY_FILE_H_
 
@@ -17,8 +17,8 @@ namespace catalogcore {
 
 class TemporaryFile {
  public:
-  // Creates a file of a unique name, with the permissions `mode` less the umask, and locks it. On failure the file is not
-  // open and errno is set. `folder` must stay open as long as the object lives. Throws std::bad_alloc.
+  // Creates a file of a unique name, with the permissions `mode` less the umask, and locks it. On failure the file is
+  // not open and errno is set. `folder` must stay open as long as the object lives. Throws std::bad_alloc.
   TemporaryFile(int folder, const std::string& prefix, mode_t mode);
   // Removes the file unless it was renamed.
   ~TemporaryFile() { Remove(); }
@@ -45,8 +45,8 @@ class TemporaryFile {
   FileDescriptor file_;
 };
 
-// Writes all bytes at the file's position. On failure returns false and sets errno. A write beyond RLIMIT_FSIZE fails with
-// EFBIG and raises no signal.
+// Writes all bytes at the file's position. On failure returns false and sets errno. A write beyond RLIMIT_FSIZE fails
+// with EFBIG and raises no signal.
 bool WriteAll(int file, std::string_view bytes);
 
 }  // namespace catalogcore

@@ -1,5 +1,5 @@
-// Lets every allocation of every exported call fail once: in all modules, in the platform's library and in what both use of
-// the standard library.
+// Lets every allocation of every exported call fail once: in all modules, in the platform's library and in what both
+// use of the standard library.
 #include <gtest/gtest.h>
 #include <unistd.h>
 

@@ -1,4 +1,5 @@
-// Cases that the random calls (random_calls_test.cpp) do not reach: the codec, invalid arguments, and fields of records.
+// Cases that the random calls (random_calls_test.cpp) do not reach: the codec, invalid arguments, and fields of
+// records.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -22,7 +22,7 @@ class Item : public IDXITEM {
     Clear();
     for (const CFStringRef input : inputs_) CFRelease(input);
   }
-  // Releases what the library handed out, ahead of the next answer.
+  // Releases the strings that the library returned.
   Item& Clear() {
     for (CFStringRef* const variable : {&nameVariable_, &pathVariable_}) {
       if (std::find(inputs_.begin(), inputs_.end(), *variable) == inputs_.end()) CFRelease(*variable);
@@ -39,7 +39,7 @@ class Item : public IDXITEM {
   Item& Attribute(int value) { return Mark(IDXMASK_ATTRIBUTE), attribute = static_cast<std::uint8_t>(value), *this; }
   Item& Operation(int bits) { return operation = static_cast<std::uint8_t>(bits), *this; }
   Item& Force(bool forces) { return state = forces ? IDXSTATE_FORCE : 0, *this; }
-  // Marks everything and wants it filled.
+  // Marks every field, and asks for all to be filled.
   Item& Wanted() { return mask = 15, operation |= IDXOP_GETINFO, *this; }
 
   std::string NameText() const { return Text(nameVariable_); }

@@ -1,5 +1,5 @@
-// Random sequences of the exported calls, on the library and on the model side by side, with walks open across them; then
-// the catalogue is written, the library begun anew, and what it loads compared.
+// Compares random sequences of exported calls with the model. Then both files are written and loaded, and the loaded
+// catalogue is compared.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -21,7 +21,7 @@ TEST(RandomCalls, LibraryAndModelAgreeAndSoDoesWhatIsLoaded) {
   for (int i = 0; i < 30; ++i) {
     const fs::path path = folder / ("f" + std::to_string(i % 3)) / ("image, " + std::to_string(i) + ".jpg");
     fs::create_directories(path.parent_path());
-    if (i % 10) std::ofstream(path) << "x";  // some files are not there
+    if (i % 10) std::ofstream(path) << "x";  // some files are missing
     names.push_back(path);
   }
   for (unsigned long seed = 1; seed <= 30 && !testing::Test::HasFailure(); ++seed) {

@@ -1,5 +1,5 @@
-// Eight threads make mixed calls on one catalogue; also built with the thread sanitizer. CATALOGCORE_THREADS_SECONDS sets
-// the duration.
+// Eight threads make mixed calls on one catalogue; also built with the thread sanitizer. CATALOGCORE_THREADS_SECONDS
+// sets the duration.
 #include <gtest/gtest.h>
 #include <unistd.h>
 

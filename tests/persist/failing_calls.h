@@ -1,4 +1,4 @@
-// Makes the system calls of reading and replacing a file fail, or the process end, at a chosen one.
+// Makes a chosen system call of a read or a write fail, or kills the process there.
 #ifndef CATALOGCORE_TESTS_PERSIST_FAILING_CALLS_H_
 #define CATALOGCORE_TESTS_PERSIST_FAILING_CALLS_H_
 
@@ -6,18 +6,18 @@ namespace catalogcore {
 
 enum class OnCall { kNothing, kFail, kKill, kShorten, kSteal };
 
-// Does this, with this error, at the call number `at` (0: the next) of open, read, write, fsync, rename, close, stat and
-// readlink; kShorten makes every read and write from there on one of a few bytes, and interrupts every fifth call. kSteal: another writer
-// locks the next `at` files ahead of the writer that made them, and removes them later.
+// Arms call number `at` (0: the next) of the wrapped system calls. kFail: the call fails with the error. kKill: the
+// process is killed there. kShorten: from now on every read and write is of a few bytes, and every fifth call is
+// interrupted. kSteal: another writer locks the next `at` new files before their own writer, and removes them later.
 void ArmCalls(OnCall what, int at, int error = 0);
 
-// How often `work` flushes before it renames.
+// The number of flushes before the rename in `work`.
 int FlushesBeforeRename(void (*work)());
 
-// Calls this each time that the existence of a file is asked for; null ends it.
+// Sets a function that every check for the existence of a file calls; null for none.
 void OnExistence(void (*asked)());
 
-// Whether the call was reached since then.
+// Whether the armed call was reached.
 bool CallsWereReached();
 
 }  // namespace catalogcore

@@ -97,7 +97,8 @@ class FilesTest : public testing::Test {
     }
     EXPECT_GE(at, 5);
   }
-  // `process` is the result of fork(). Does the work in the child; in the parent, returns whether a signal ended the child.
+  // `process` is the result of fork(). Does the work in the child; in the parent, returns whether a signal ended the
+  // child.
   template <typename Work>
   static bool IsKilled(pid_t process, Work work) {
     if (process == 0) {

@@ -1,4 +1,4 @@
-// The catalogue in plain standard containers, slow and obviously right: what the store is compared with.
+// A simple and slow model of the catalogue in standard containers, to compare the store with.
 #ifndef CATALOGCORE_TESTS_SUPPORT_CATALOGUE_MODEL_H_
 #define CATALOGCORE_TESTS_SUPPORT_CATALOGUE_MODEL_H_
 
@@ -36,11 +36,11 @@ class CatalogueModel {
     int attribute;
     Cell* cell[kTreeCount];
     bool isRemoved = false;
-    const Image* behind[kTreeCount] = {};  // once it is removed: what stood behind it then
+    const Image* behind[kTreeCount] = {};  // of a removed image: the image after it at the removal
   };
 
-  // Where a walk stands. Anything may change between two steps: a removed image leads to what stood behind it, a
-  // removed cell to nothing, and whatever else lies ahead is what lies there by then.
+  // The position of a walk. Anything may change between two steps: a walk on a removed image continues with the image
+  // after it at the removal, a walk on a removed cell ends, and everything else ahead is as it is at the step.
   struct Walk {
     int tree = 0;
     bool recursive = false, skipsVolumes = false;
@@ -52,14 +52,14 @@ class CatalogueModel {
   Image* FindImage(const std::string& key);
   Cell* FindCell(int tree, const std::string& key) const;
 
-  // What the walk comes to, null at its end; `hasFolder` false stands for a folder key that was never assigned.
+  // The result of a step, null at the end. `hasFolder` is false for a folder key without a block.
   const Cell* FirstCell(Walk& walk, int tree, std::string key, bool recursive) const;
   const Cell* NextCell(Walk& walk) const;
   const Image* FirstImage(Walk& walk, std::string indexKey, bool hasFolder, const std::string& folderKey,
                           bool recursive) const;
   const Image* NextImage(Walk& walk) const;
 
-  // How many entries were removed so far.
+  // The number of removed entries.
   std::size_t Removals() const { return removedImages_.size() + removedCells_.size(); }
 
   CatalogueState State() const;
@@ -72,12 +72,12 @@ class CatalogueModel {
   const Image* Behind(int tree, const Image* image) const;
   const Image* FirstFrom(Walk& walk) const;
 
-  // In the order of their making; what is removed leaves them for the others, which keep it for walks.
+  // In the order of creation. Removed entries are kept for walks.
   std::list<Image> images_, removedImages_;
   std::vector<std::unique_ptr<Cell>> cells_[kTreeCount], removedCells_;
 };
 
-// All that a walk tells of what it came to.
+// The result of a step as text.
 inline std::string Told(const CatalogueModel::Image* image) {
   return image ? image->key + "=" + image->cell[kIndexTree]->key + "=" + std::to_string(image->attribute) : "the end";
 }
@@ -85,7 +85,7 @@ inline std::string Told(const CatalogueModel::Cell* cell) {
   return cell ? cell->name + "=" + cell->key + "=" + std::to_string(cell->attribute) : "the end";
 }
 
-// The hash of the system and the equality of keys, computed in another way than the library does.
+// The hash and the equality of keys, computed in another way than in the library.
 unsigned ModelHash(const std::string& text);
 bool ModelEqual(const std::string& a, const std::string& b);
 

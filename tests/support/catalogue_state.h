@@ -1,5 +1,4 @@
-// Everything that can be seen of a catalogue, as plain values, to be compared between the store and the
-// model.
+// The whole content of a catalogue as plain values, to compare the store with the model.
 #ifndef CATALOGCORE_TESTS_SUPPORT_CATALOGUE_STATE_H_
 #define CATALOGCORE_TESTS_SUPPORT_CATALOGUE_STATE_H_
 
@@ -26,7 +25,7 @@ struct CellState {
 struct CatalogueState {
   std::vector<CellState> cells[kTreeCount];                      // in pre-order
   std::map<std::string, int> attributes;                         // of images
-  std::map<unsigned, Keys> cellChains[kTreeCount], imageChains;  // the buckets that hold something
+  std::map<unsigned, Keys> cellChains[kTreeCount], imageChains;  // of the buckets in use
   bool operator==(const CatalogueState&) const = default;
 };
 
@@ -34,7 +33,7 @@ std::ostream& operator<<(std::ostream& out, const CatalogueState& state);
 
 CatalogueState StateOf(const CIndexData& store);
 
-// Says which of the invariants in store/entries.h is broken and where; empty when all of them hold.
+// Names a broken invariant of store/entries.h and its place; empty when all hold.
 std::string BrokenInvariant(const CIndexData& store);
 
 }  // namespace catalogcore

@@ -108,7 +108,8 @@ class ComparedCalls {
     EXPECT_EQ(BrokenInvariant(*idData), "") << log_;
   }
 
-  // Writes both files to the folder, initialises the library again and loads the files. The model loads the same records.
+  // Writes both files to the folder, initialises the library again and loads the files. The model loads the same
+  // records.
   void WriteAndLoad(const std::string& folder) {
     CatalogueModel loaded;
     const CatalogueState before = model_.State();

@@ -1,10 +1,8 @@
-// Makes the allocations of the rooms under test fail: malloc, calloc, realloc and
-// every operator new.
+// Makes allocations of the modules under test fail: malloc, calloc, realloc and every operator new.
 #ifndef CATALOGCORE_TESTS_SUPPORT_FAILING_ALLOCATOR_H_
 #define CATALOGCORE_TESTS_SUPPORT_FAILING_ALLOCATOR_H_
 
-// While one lives, the allocation number `failing` (0: the next; -1: none) of this thread fails; none does
-// before or after.
+// In its scope, allocation number `failing` of this thread fails (0: the next; -1: none), and no other.
 class FailingAllocation {
  public:
   explicit FailingAllocation(int failing);
@@ -12,7 +10,7 @@ class FailingAllocation {
   FailingAllocation(const FailingAllocation&) = delete;
   FailingAllocation& operator=(const FailingAllocation&) = delete;
 
-  // Whether that allocation was reached.
+  // Whether the allocation was reached.
   bool HasFailed() const;
 };
 

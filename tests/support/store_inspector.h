@@ -1,4 +1,4 @@
-// Opens the store to the tests.
+// Gives tests access to the store's data.
 #ifndef CATALOGCORE_TESTS_SUPPORT_STORE_INSPECTOR_H_
 #define CATALOGCORE_TESTS_SUPPORT_STORE_INSPECTOR_H_
 
@@ -25,7 +25,7 @@ class StoreInspector {
     for (const FindSpan* span = FirstSpan(); span; span = span->next) ++count;
     return count;
   }
-  // How many removed entries wait to be deleted.
+  // The number of removed entries that are not deleted yet.
   std::size_t Waiting() const {
     std::size_t count = 0;
     for (const FindSpan* span = FirstSpan(); span; span = span->next) {
