@@ -110,8 +110,8 @@ class Table {
   std::size_t done_ = 0;
 };
 
-// The name of each picture's part; the pictures of a part are held out together. A part is a source of pictures. The two
-// large sources of documents, sroie and pages, are divided into five parts: whole documents, in turn, by name.
+// The name of each picture's part; the pictures of a part are held out together. A part is a source of pictures. The
+// two large sources of documents, sroie and pages, are divided into five parts: whole documents, in turn, by name.
 std::vector<std::string> Parts(const std::vector<LabelledPicture>& pictures) {
   constexpr std::size_t kPartsOfASource = 5;
   std::set<std::string> documents;

@@ -35,9 +35,9 @@ std::array<document_type::Standard, kFeatureCount> Standards(const std::vector<E
   return standards;
 }
 
-// Every feature, and its product with the picture's size: the width of a thin line on a page is the width of a branch on a
-// thumbnail. The size has no term of its own, because it must not decide. Squares and other products classified no more
-// pictures of unseen sources.
+// Every feature, and its product with the picture's size: the width of a thin line on a page is the width of a branch
+// on a thumbnail. The size has no term of its own, because it must not decide. Squares and other products classified no
+// more pictures of unseen sources.
 std::vector<Term> AllTerms() {
   std::vector<Term> terms;
   for (std::uint16_t feature = 0; feature < kFeatureCount; ++feature) {

@@ -22,8 +22,8 @@ using OwnedVipsImage = std::unique_ptr<VipsImage, UnreferenceImage>;
   throw std::runtime_error(what + ": " + why);
 }
 
-// `image` is the result of the call that returned `failed`. A reference, because the order of evaluation of arguments is
-// unspecified.
+// `image` is the result of the call that returned `failed`. A reference, because the order of evaluation of arguments
+// is unspecified.
 OwnedVipsImage Taken(int failed, VipsImage* const& image, const char* what) {
   if (failed != 0) Fail(what);
   return OwnedVipsImage(image);

@@ -1,5 +1,5 @@
-// train_recognizer DOCUMENTS PHOTOS -o brennparam.dat: trains the recognizer's parameter block on two folders of pictures.
-// The same folders give the same bytes.
+// train_recognizer DOCUMENTS PHOTOS -o brennparam.dat: trains the recognizer's parameter block on two folders of
+// pictures. The same folders give the same bytes.
 #include <algorithm>
 #include <cstdio>
 #include <fstream>

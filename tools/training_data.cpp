@@ -41,8 +41,8 @@ std::uint64_t Seed(const std::string& name) {
   return hash;
 }
 
-// Calls `measure` for every picture, in several threads. Each result has a place of its own, so the output does not depend
-// on the threads.
+// Calls `measure` for every picture, in several threads. Each result has a place of its own, so the output does not
+// depend on the threads.
 template <typename Measure>
 std::vector<std::vector<document_type::FeatureVector>> MeasureEach(const std::vector<LabelledPicture>& pictures,
                                                                    unsigned threads, Measure measure) {

@@ -27,8 +27,8 @@ struct LabelledPicture {
 // std::runtime_error when a folder holds no file.
 std::vector<LabelledPicture> ListPictures(const std::string& documents, const std::string& photographs);
 
-// The form in which a picture reaches the library. Documents are scaled to the size of a scan at the resolution. Photographs
-// keep their size, or are scaled like prints on a scanner.
+// The form in which a picture reaches the library. Documents are scaled to the size of a scan at the resolution.
+// Photographs keep their size, or are scaled like prints on a scanner.
 struct Condition {
   std::int32_t resolution;  // dots per inch; 0: none, and the picture keeps its size
   bool prints;

@@ -1,4 +1,4 @@
-// The recognizer on the reduced copy of an A4 scan, beside the reduction of that scan.
+// The recognizer on the reduced copy of an A4 scan, compared with the reduction of that scan.
 #include <array>
 #include <cstdint>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// The two engines beside what their work is measured by.
+// Benchmarks of the two engines.
 #ifndef CATALOGCORE_BENCH_ENGINES_ENGINES_BENCH_H_
 #define CATALOGCORE_BENCH_ENGINES_ENGINES_BENCH_H_
 

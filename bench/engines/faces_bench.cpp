@@ -1,5 +1,5 @@
-// The engine on a photograph of twelve million pixels, beside the detector beneath it called directly on a grey copy
-// of 1,280 pixels that costs it nothing.
+// The engine on a photograph of twelve million pixels, compared with dlib's detector on a ready grey copy 1,280 pixels
+// wide.
 #include <dlib/image_processing/frontal_face_detector.h>
 
 #include <algorithm>
@@ -26,8 +26,8 @@ constexpr std::int32_t kStride = kWidth * 3;
 
 class Photograph {
  public:
-  // Soft light, round and edged things of all sizes, a dozen of them face-like enough to be looked at twice but not
-  // enough to be believed at once, and grain: the most work that a search does.
+  // Soft light, shapes of all sizes and grain. A dozen shapes resemble faces: enough for a second look, too little for
+  // a decision without it. This is the most work that a search does.
   Photograph() : pixels_(static_cast<std::size_t>(kStride) * kHeight) {
     FillEllipse(kWidth / 2, kHeight / 2, kWidth, kHeight, {90, 110, 130});
     for (int shape = 0; shape < 1500; ++shape) {
@@ -48,7 +48,7 @@ class Photograph {
  private:
   std::int32_t UpTo(std::int32_t end) { return static_cast<std::int32_t>(random_() % static_cast<std::uint32_t>(end)); }
 
-  // Brightens a little from the ellipse's top to its bottom.
+  // The brightness rises slightly from the top of the ellipse to its bottom.
   void FillEllipse(std::int32_t centreX, std::int32_t centreY, std::int32_t radiusX, std::int32_t radiusY,
                    const std::array<std::int32_t, 3>& tone) {
     for (std::int32_t y = std::max(0, centreY - radiusY); y < std::min(kHeight, centreY + radiusY); ++y) {

@@ -1,5 +1,5 @@
-// A whole detection beside its parts from elsewhere: the copy of the pixels, OpenCV's reduction of it, and the curve.
-// Engines that do nothing stand in for ours, so that a program of its own is needed.
+// A whole detection compared with the same steps elsewhere: copying the pixels, OpenCV's reduction and its look-up
+// table. Empty engines replace the built-in ones, so this is a program of its own.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -15,8 +15,7 @@
 #include "scene/orlo.h"
 #include "scene/tone_curve.h"
 
-// The result word that is left as it is says photograph: so the search for faces, which gets a copy of all pixels, is
-// reached as well.
+// The unchanged result word means photograph. So the face detector, which gets a copy of all pixels, is called too.
 std::int32_t DocumentTypeRecognize(std::int32_t, const char*, const unsigned char*, const void*, unsigned char*,
                                    std::uint32_t, const void*) {
   return 0;
@@ -34,7 +33,7 @@ namespace catalogcore {
 namespace {
 
 constexpr int kSide = 4096;
-constexpr int kResolution = 300;  // dots per inch: four times what the recognizer looks at
+constexpr int kResolution = 300;  // dots per inch: four times the recognizer's resolution
 
 cv::Mat MakePicture() {
   cv::Mat picture(kSide, kSide, CV_8UC3);

@@ -20,7 +20,7 @@ namespace {
 constexpr int kSide = 4096;
 constexpr int kTarget = 75;
 
-// A picture, a place for its copy, and the curve.
+// A picture, memory for its copy, and the tone curve.
 struct PicturePair {
   explicit PicturePair(int bits)
       : bytesPerPixel(bits / 8), source(kSide, kSide, CV_8UC(bytesPerPixel)), copy(source.size(), source.type()) {
@@ -46,7 +46,7 @@ void Reduce(const PicturePair& pair, int factor) {
   if (image.SetImageBufferWithResolution(pair.source.data, kTarget, 1) != IDX_OK) std::abort();
 }
 
-// Into new pictures, as ours is: a detection makes its copy anew too.
+// Allocates its results, as a detection does.
 void ReduceWithOpenCv(const PicturePair& pair, int factor) {
   cv::Mat reduced;
   cv::Mat curved;
@@ -63,7 +63,7 @@ void AddReduceRows() {
   for (const int bits : {8, 24}) {
     for (const int factor : {2, 4, 8}) {
       const auto pair =
-          std::make_shared<std::unique_ptr<PicturePair>>();  // made on first use: a filter may leave it out
+          std::make_shared<std::unique_ptr<PicturePair>>();  // made on first use, which a filter may prevent
       const auto round = [pair, bits](auto work) -> Round {
         return [pair, bits, work] {
           if (!*pair) *pair = std::make_unique<PicturePair>(bits);

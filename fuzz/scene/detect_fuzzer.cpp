@@ -1,5 +1,5 @@
-// Scene records with their pixels, through the detector, the recognizer, and the face detector's copy of them. The input is
-// the record's fields, and then bytes that fill the pixels again and again.
+// Scene records and their pixels, through the detector, the recognizer and the face detector's grey copy. The input is
+// the fields of the record, followed by bytes that are repeated to fill the pixels.
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -10,7 +10,7 @@
 
 namespace catalogcore {
 
-// In place of the search itself, which takes half a second for a thumbnail: looks at every pixel that it is handed.
+// Replaces the search, which takes half a second for a thumbnail: reads every pixel.
 void faces::PrepareFaceSearch() {}
 std::vector<OrloFace> faces::FindFaces(const PixelView& picture) {
   std::size_t sum = 0;
@@ -22,7 +22,7 @@ std::vector<OrloFace> faces::FindFaces(const PixelView& picture) {
 
 namespace {
 
-// The next number of the input; zeros where it is at its end.
+// The next number of the input. Bytes after the end of the input are 0.
 template <typename Number>
 Number Next(std::string_view& input) {
   Number number{};
@@ -32,7 +32,7 @@ Number Next(std::string_view& input) {
   return number;
 }
 
-// Mostly one that a program would make.
+// In most cases a record that a program would make.
 IDXDSDATA NextRecord(std::string_view& input) {
   constexpr std::int32_t kDepths[] = {8, 16, 24, 48};
   IDXDSDATA record{};
@@ -53,18 +53,18 @@ IDXDSDATA NextRecord(std::string_view& input) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const IDXSTATUS initialized = IDXInitialize();
   EXPECT_EQ(initialized, IDX_OK);
-  constexpr std::int64_t kMostBytes = 1 << 18, kMostThereCanBe = 0x7FFFFFFF;
+  constexpr std::int64_t kMostBytes = 1 << 18, kLargestSize = 0x7FFFFFFF;
   std::string_view input = AsText(data, size);
   IDXDSDATA record = NextRecord(input);
   const std::int64_t bytes = std::int64_t{record.rowBytes} * record.height;
-  if (bytes > kMostBytes && bytes <= kMostThereCanBe) return 0;
-  // Nothing is read where a size is negative or beyond 32 bits.
+  if (bytes > kMostBytes && bytes <= kLargestSize) return 0;
+  // The library reads no pixel if the size is negative or does not fit in 32 bits.
   std::vector<char> pixels(bytes > 0 && bytes <= kMostBytes ? static_cast<std::size_t>(bytes) : 1);
   for (std::size_t at = 0; at < pixels.size() && !input.empty(); ++at) pixels[at] = input[at % input.size()];
   record.pixels = pixels.data();
 
   const IDXSTATUS status = IDXDetectScene(&record);
-  const bool isSize = bytes >= 0 && bytes <= kMostThereCanBe;
+  const bool isSize = bytes >= 0 && bytes <= kLargestSize;
   const bool isEngines = status > IDXERR_RECOGNIZER && status < IDXERR_FACES + 256 && status != IDXERR_FACES;
   EXPECT_TRUE(status == IDX_OK || status == IDXERR_IMAGESIZE || status == IDXERR_MEMORY || isEngines) << status;
   EXPECT_TRUE(status != IDXERR_MEMORY || !isSize || record.resolution >= 150) << status;

@@ -10,10 +10,10 @@
 
 namespace catalogcore {
 
-// Each row of blocks is processed in strips whose sums fit in the first-level cache. First the rows of a strip are added
-// column by column, sixteen bytes at a time at every depth. This leaves one row of column sums. At the usual factors of
-// scanners (2, 4 and 8) that row is folded in halves, and one table look-up turns the sum of a block into its byte: it
-// replaces the division and the tone curve.
+// Each row of blocks is processed in strips whose sums fit in the first-level cache. First the rows of a strip are
+// added column by column, sixteen bytes at a time at every depth. This leaves one row of column sums. At the usual
+// factors of scanners (2, 4 and 8) that row is folded in halves, and one table look-up turns the sum of a block into
+// its byte: it replaces the division and the tone curve.
 
 namespace {
 
@@ -23,7 +23,8 @@ constexpr std::size_t kSumsInVector = sizeof(SumVector) / sizeof(std::uint16_t);
 
 static_assert(std::endian::native == std::endian::little, "bytes are widened and words assembled low byte first");
 
-// The largest number of columns in a strip. Longer strips measured slower: rows and sums evict each other from the cache.
+// The largest number of columns in a strip. Longer strips measured slower: rows and sums evict each other from the
+// cache.
 constexpr std::size_t kStripColumns = 1024;
 
 // The sum of this many bytes fits in 16 bits: 255 * 257 = 65535.
@@ -57,8 +58,8 @@ SumVector WidenHigh(ByteVector bytes) {
       __builtin_shufflevector(bytes, ByteVector{}, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15, 31));
 }
 
-// `rows` rows of the source from row `top`, and `columns` bytes of each row from byte `first`. The type Rows is an integer
-// or, for loops that the compiler unrolls, an integral constant.
+// `rows` rows of the source from row `top`, and `columns` bytes of each row from byte `first`. The type Rows is an
+// integer or, for loops that the compiler unrolls, an integral constant.
 template <typename Rows>
 struct Strip {
   const PixelView& source;
@@ -96,7 +97,8 @@ void AddRows(const Strip<Rows>& strip, ColumnSums& sums) {
   for (; x < strip.columns; ++x) sums[x] = strip.ColumnSum(x);
 }
 
-// The sum of every two columns, for pixels of one byte: includes the first fold. REQUIRES: the number of columns is even.
+// The sum of every two columns, for pixels of one byte: includes the first fold. REQUIRES: the number of columns is
+// even.
 template <typename Rows>
 void AddRowsOfPairs(const Strip<Rows>& strip, ColumnSums& sums) {
   std::size_t x = 0;
@@ -129,8 +131,8 @@ void Fetch(const Strip<Rows>& strip) {
   }
 }
 
-// Looks up eight bytes of pixels and assembles them in a word, because eight stores take longer than all the rest. A pixel
-// has kPixel bytes; their sums are the first kPixel of the block's kBlock sums.
+// Looks up eight bytes of pixels and assembles them in a word, because eight stores take longer than all the rest. A
+// pixel has kPixel bytes; their sums are the first kPixel of the block's kBlock sums.
 template <std::size_t kBlock, std::size_t kPixel, std::size_t kFirst, std::size_t... kByte>
 std::uint64_t LookUpWord(const std::uint8_t* values, const std::uint16_t* sums, std::index_sequence<kByte...>) {
   constexpr auto kSum = [](std::size_t byte) { return byte / kPixel * kBlock + byte % kPixel; };

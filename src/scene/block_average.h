@@ -16,10 +16,10 @@ struct BlockGrid {
   std::int32_t bytesPerPixel;  // 0 or more
 };
 
-// Writes each block of factor x factor pixels as one pixel: the average of each byte position, truncated to an integer and
-// mapped through `tones`. Sets the rest of each target row to 0. Allocates nothing. REQUIRES: the source has factor rows for
-// every row of the target and columns * factor pixels in a row, the target's stride holds columns pixels, and a block has
-// fewer than 2^24 pixels.
+// Writes each block of factor x factor pixels as one pixel: the average of each byte position, truncated to an integer
+// and mapped through `tones`. Sets the rest of each target row to 0. Allocates nothing. REQUIRES: the source has factor
+// rows for every row of the target and columns * factor pixels in a row, the target's stride holds columns pixels, and
+// a block has fewer than 2^24 pixels.
 void AverageBlocks(const PixelView& source, const BlockGrid& grid, const ToneTable& tones,
                    const MutablePixelView& target);
 

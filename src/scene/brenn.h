@@ -32,10 +32,10 @@ enum BrennRecordOffset : std::size_t {
 inline constexpr std::uint16_t kBrennRecordTag = 0x1080;
 
 // Classifies a picture. Returns 0 and writes the result word (16 bits, host order) to the start of `result`
-// (kBrennResultSize bytes). The top four bits of the word are 1 for print or writing on paper, 2 for a document with colour
-// or pictures, 3 for a photograph. Any other return value is a failure code of the engine, 1 to 255.
-// `pixels` holds stride x height bytes. `paramData` is the whole parameter block of `paramSize` bytes, header included.
-// The engine writes only to `result` and keeps no pointer.
+// (kBrennResultSize bytes). The top four bits of the word are 1 for print or writing on paper, 2 for a document with
+// colour or pictures, 3 for a photograph. Any other return value is a failure code of the engine, 1 to 255. `pixels`
+// holds stride x height bytes. `paramData` is the whole parameter block of `paramSize` bytes, header included. The
+// engine writes only to `result` and keeps no pointer.
 extern "C" std::int32_t DocumentTypeRecognize(std::int32_t reserved, const char* caller, const unsigned char* record,
                                               const void* pixels, unsigned char* result, std::uint32_t paramSize,
                                               const void* paramData);

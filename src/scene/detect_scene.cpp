@@ -1,5 +1,5 @@
-// A detection from top to bottom: sizes and hints, document or photograph, which document, which photograph, and the preset
-// index.
+// A detection from top to bottom: sizes and hints, document or photograph, which document, which photograph, and the
+// preset index.
 #include "scene/detect_scene.h"
 
 #include <algorithm>
@@ -134,7 +134,8 @@ static_assert(std::size(PaperRatio) == std::size(PaperSize));
 
 constexpr double kTolerance = 0.2;
 
-// The first paper with the smallest score. A negative score excludes a paper. kDocumentOther if every paper is excluded.
+// The first paper with the smallest score. A negative score excludes a paper. kDocumentOther if every paper is
+// excluded.
 template <typename Score>
 std::int32_t BestPaper(Score score) {
   double best = 200.0;

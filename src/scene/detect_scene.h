@@ -38,8 +38,8 @@ class CDetectScene {
   CDetectScene(const CDetectScene&) = delete;
   CDetectScene& operator=(const CDetectScene&) = delete;
 
-  // Reads the recognizer's parameter block and replaces the previous block. Returns IDX_OK, or IDXERR_DETECTOR if the block
-  // is missing; detections that need the recognizer then return IDXERR_DETECTOR too.
+  // Reads the recognizer's parameter block and replaces the previous block. Returns IDX_OK, or IDXERR_DETECTOR if the
+  // block is missing; detections that need the recognizer then return IDXERR_DETECTOR too.
   IDXSTATUS Initialize();
 
   using ParameterBlock = HeapBlock<unsigned char[]>;

@@ -48,8 +48,8 @@ void CurveRows(const PixelView& source, std::size_t count, const MutablePixelVie
   }
 }
 
-// Averages a picture whose rows are shorter than their pixels. The pixels of a row continue in the rows below; bytes after
-// the source's `size` bytes count as 0. Returns false if memory cannot be allocated.
+// Averages a picture whose rows are shorter than their pixels. The pixels of a row continue in the rows below; bytes
+// after the source's `size` bytes count as 0. Returns false if memory cannot be allocated.
 bool AverageShortRows(const std::uint8_t* source, std::int64_t size, std::int64_t stride, const BlockGrid& grid,
                       const ToneTable& tones, const MutablePixelView& target) {
   const std::int64_t wanted = std::int64_t{grid.columns} * grid.factor * grid.bytesPerPixel;
@@ -120,8 +120,8 @@ IDXSTATUS CIDXImage::SetImageBufferWithGammaTransfer(const void* source) {
   if (const IDXSTATUS status = CheckBytes(source); status != IDX_OK) return status;
   PixelBlock copy = AllocateBlock(bufferSize);
   if (copy && height > 0) {
-    // At 8 and 16 bits a pixel, three bytes a pixel reach into the rows below. These bytes get the same values from their own
-    // row, so each row stops at its own end.
+    // At 8 and 16 bits a pixel, three bytes a pixel reach into the rows below. These bytes get the same values from
+    // their own row, so each row stops at its own end.
     const auto count = static_cast<std::size_t>(std::clamp<std::int64_t>(std::int64_t{3} * width, 0, rowBytes));
     CurveRows({static_cast<const std::uint8_t*>(source), height, rowBytes}, count, {copy.get(), height, rowBytes});
   } else if (copy) {

@@ -1,7 +1,7 @@
 // The library's own copy of a picture that the application describes, plain or prepared for analysis.
 //
-// An image is empty after construction, described after SetImageData, and filled after a SetImageBuffer operation returned
-// IDX_OK. Only one thread at a time may use an image.
+// An image is empty after construction, described after SetImageData, and filled after a SetImageBuffer operation
+// returned IDX_OK. Only one thread at a time may use an image.
 #ifndef CATALOGCORE_SCENE_IDX_IMAGE_H_
 #define CATALOGCORE_SCENE_IDX_IMAGE_H_
 
@@ -36,16 +36,16 @@ class CIDXImage {
   // Copies the bytes unchanged.
   IDXSTATUS SetImageBuffer(const void* source);
 
-  // Maps the first 3 x width bytes of each row through ka1DLUT, at every depth; a shorter row is mapped to its end. The rest
-  // of the row (padding, the right half at 48 bits) is 0.
+  // Maps the first 3 x width bytes of each row through ka1DLUT, at every depth; a shorter row is mapped to its end. The
+  // rest of the row (padding, the right half at 48 bits) is 0.
   IDXSTATUS SetImageBufferWithGammaTransfer(const void* source);
 
-  // Reduces the picture by the largest integer factor that keeps the resolution at or above `targetResolution`. An unknown
-  // resolution counts as the target. A pixel is the average of a block, separately for each byte of a pixel (also for the
-  // two bytes of a 16-bit sample), truncated to an integer and, if `gamma` is 1, mapped through ka1DLUT. Columns and rows
-  // that do not fill a block are dropped. Rows are padded with 0 to a multiple of 4 bytes. width, height, rowBytes,
-  // bufferSize and resolution become those of the reduced picture. If the factor is 1, a side would be below 50 pixels, or
-  // the target is not above 0, makes the tone-curved copy (`gamma` 1) or the plain copy instead.
+  // Reduces the picture by the largest integer factor that keeps the resolution at or above `targetResolution`. An
+  // unknown resolution counts as the target. A pixel is the average of a block, separately for each byte of a pixel
+  // (also for the two bytes of a 16-bit sample), truncated to an integer and, if `gamma` is 1, mapped through ka1DLUT.
+  // Columns and rows that do not fill a block are dropped. Rows are padded with 0 to a multiple of 4 bytes. width,
+  // height, rowBytes, bufferSize and resolution become those of the reduced picture. If the factor is 1, a side would
+  // be below 50 pixels, or the target is not above 0, makes the tone-curved copy (`gamma` 1) or the plain copy instead.
   IDXSTATUS SetImageBufferWithResolution(const void* source, int targetResolution, int gamma);
 
   // The value, clamped to 0 to 255. No code calls it: averages and the tone curve stay within this range.

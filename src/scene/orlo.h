@@ -19,9 +19,9 @@ struct OrloFaceList {
   std::uintptr_t reserved;
 };
 
-// Each operation except OrloFree returns 0 for success or a failure code of the engine, 1 to 255. The scene detector holds
-// its critical region during a detection, so only one thread at a time is in the engine. Calls of Orlo_Initialize and
-// Orlo_Uninitialize need not match: after a failed detection Orlo_Uninitialize is not called.
+// Each operation except OrloFree returns 0 for success or a failure code of the engine, 1 to 255. The scene detector
+// holds its critical region during a detection, so only one thread at a time is in the engine. Calls of Orlo_Initialize
+// and Orlo_Uninitialize need not match: after a failed detection Orlo_Uninitialize is not called.
 extern "C" {
 std::int32_t Orlo_Initialize();
 

@@ -53,7 +53,8 @@ unsigned char* OpenParamFile(std::uint32_t* size) {
   const CFBundleRef bundle = CFBundleGetBundleWithIdentifier(CFSTR(CATALOGCORE_BUNDLE_IDENTIFIER));
   if (!bundle) return nullptr;
   const CFReference<CFURLRef> url(CFBundleCopyResourceURL(bundle, CFSTR("brennparam"), CFSTR("dat"), nullptr));
-  // Deliberately released although a Get function returned it: bundles are never freed, so the extra release is harmless.
+  // Deliberately released although a Get function returned it: bundles are never freed, so the extra release is
+  // harmless.
   CFRelease(bundle);
   if (!url) return nullptr;
   const CFReference<CFStringRef> path(CFURLCopyFileSystemPath(url.get(), kCFURLPOSIXPathStyle));

@@ -10,8 +10,8 @@
 namespace catalogcore {
 
 // Reads the block from the bundle. Returns null if the bundle, the resource or its tag is missing or memory cannot be
-// allocated; otherwise a block that the caller releases with free(). Unless `size` is null, sets `*size` to the size in the
-// block's header, or to 0 without a valid tag.
+// allocated; otherwise a block that the caller releases with free(). Unless `size` is null, sets `*size` to the size in
+// the block's header, or to 0 without a valid tag.
 unsigned char* OpenParamFile(std::uint32_t* size);
 
 // Reads the block from a file. If the file is shorter than the size in its header, the rest of the block is 0.

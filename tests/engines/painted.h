@@ -13,8 +13,8 @@ namespace catalogcore {
 
 using PaintedColour = std::array<double, 3>;
 
-// `paint(x, y)` returns the colour of a pixel, 0 to 255. Grey takes the second sample. The low bytes of wide samples and the
-// seven bytes of padding are noise.
+// `paint(x, y)` returns the colour of a pixel, 0 to 255. Grey takes the second sample. The low bytes of wide samples
+// and the seven bytes of padding are noise.
 template <typename Paint>
 tools::SourcePicture Painted(std::int32_t width, std::int32_t height, std::int32_t bitsPerPixel, Paint paint) {
   tools::SourcePicture picture{width, height, width * bitsPerPixel / 8 + 7, bitsPerPixel, 0, {}};

@@ -19,7 +19,8 @@ struct FakeEngines {
   bool throws = false;                // Orlo_DetectFacePosition throws std::bad_alloc
   std::function<void()> recognizing;  // called while the recognizer runs
 
-  // Arguments. `calls` has a letter for each call: Recognize, Initialize, Bitmap, Detect, Uninitialize, Free, 0 free null.
+  // Arguments. `calls` has a letter for each call: Recognize, Initialize, Bitmap, Detect, Uninitialize, Free, 0 free
+  // null.
   std::string calls, caller;
   bool isZeroed = true;  // every record to be filled came zeroed
   std::vector<std::uint8_t> record, recognized, bitmap,

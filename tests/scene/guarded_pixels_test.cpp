@@ -1,5 +1,5 @@
-// Records with sizes at and beyond every limit. Their pixels end where readable memory ends, or begin where it begins, so
-// reading outside them crashes. Built twice: with fake engines that read every pixel, and with the real engines.
+// Records with sizes at and beyond every limit. Their pixels end where readable memory ends, or begin where it begins,
+// so reading outside them crashes. Built twice: with fake engines that read every pixel, and with the real engines.
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 

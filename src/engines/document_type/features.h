@@ -1,5 +1,5 @@
-// The numbers that describe a picture to the model. All but the size are shares, ratios or bounded means, so pictures of
-// any size compare. No feature depends on the order of the three samples. A quarter turn of the page changes most
+// The numbers that describe a picture to the model. All but the size are shares, ratios or bounded means, so pictures
+// of any size compare. No feature depends on the order of the three samples. A quarter turn of the page changes most
 // features little.
 #ifndef CATALOGCORE_ENGINES_DOCUMENT_TYPE_FEATURES_H_
 #define CATALOGCORE_ENGINES_DOCUMENT_TYPE_FEATURES_H_
@@ -13,9 +13,9 @@
 
 namespace catalogcore::document_type {
 
-// Tones run from 0 (black) to 1 (white). "Paper" is the commonest tone. The picture is divided into 8 x 8 tiles. A block is
-// 8 x 8 pixels of the working copy. A block is busy when the tones of its 3 x 3 neighbourhood span at least kBusyRange.
-// In a busy block, pixels darker than the middle of that span are "ink", the others "ground".
+// Tones run from 0 (black) to 1 (white). "Paper" is the commonest tone. The picture is divided into 8 x 8 tiles. A
+// block is 8 x 8 pixels of the working copy. A block is busy when the tones of its 3 x 3 neighbourhood span at least
+// kBusyRange. In a busy block, pixels darker than the middle of that span are "ink", the others "ground".
 enum Feature : std::size_t {
   kPaperTone,          // tone at the peak of the histogram
   kPaperShare,         // share of pixels close to the tone of paper

@@ -1,4 +1,5 @@
-// Features of ink and ground. Print consists of thin runs of an even dark tone on an even light tone; photographs do not.
+// Features of ink and ground. Print consists of thin runs of an even dark tone on an even light tone; photographs do
+// not.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
@@ -48,8 +49,8 @@ struct InkCounts {
   std::vector<std::uint32_t> ofRow, ofColumn;  // ink pixels of each
 };
 
-// A pixel is clean ink below `cleanInk`, ink below `ink`, and clean ground from `cleanGround` on. A block that is not busy
-// has no ink: `ink` is 0.
+// A pixel is clean ink below `cleanInk`, ink below `ink`, and clean ground from `cleanGround` on. A block that is not
+// busy has no ink: `ink` is 0.
 struct InkLimits {
   int cleanInk, ink, cleanGround;
 };

@@ -88,9 +88,9 @@ AnalysedArea::AnalysedArea(const CheckedRecord& record, const void* pixels)
   width_ = VisibleWidth();
 }
 
-// An unreduced tone-curved copy of a 48-bit picture is 0 on its right half. The last pixel that is not 0 may have lost its
-// second and third sample, so the second sample decides. If fewer than kSmallestSide columns remain, as in an almost
-// black picture, no column is left out.
+// An unreduced tone-curved copy of a 48-bit picture is 0 on its right half. The last pixel that is not 0 may have lost
+// its second and third sample, so the second sample decides. If fewer than kSmallestSide columns remain, as in an
+// almost black picture, no column is left out.
 std::size_t AnalysedArea::VisibleWidth() const {
   const std::size_t middle = hasColour_ ? sampleStep_ : 0;
   std::size_t visible = 0;

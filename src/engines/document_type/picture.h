@@ -1,6 +1,6 @@
-// The picture that a caller hands to the recognizer: its record, checked, the area of it that is analysed, and the small
-// working copy that the features are measured on. Nothing outside stride x height bytes is read, whatever the record
-// says.
+// The picture that a caller hands to the recognizer: its record, checked, the area of it that is analysed, and the
+// small working copy that the features are measured on. Nothing outside stride x height bytes is read, whatever the
+// record says.
 #ifndef CATALOGCORE_ENGINES_DOCUMENT_TYPE_PICTURE_H_
 #define CATALOGCORE_ENGINES_DOCUMENT_TYPE_PICTURE_H_
 

@@ -58,8 +58,8 @@ void MeasureGradients(const GradientCounts& counts, FeatureVector& features) {
   features[kStrongOfSteep] = Ratio(counts.strong, counts.all - counts.flat);
 }
 
-// Thin lines are pixels clearly darker, or clearly lighter, than the pixels kReach to either side. Print consists of dark
-// lines. Photographs have few lines, about as many dark as light.
+// Thin lines are pixels clearly darker, or clearly lighter, than the pixels kReach to either side. Print consists of
+// dark lines. Photographs have few lines, about as many dark as light.
 constexpr std::size_t kReach = 3;    // pixels
 constexpr int kClearly = 24;         // tones
 constexpr std::size_t kRowStep = 2;  // only every other row is read

@@ -6,8 +6,8 @@
 
 namespace catalogcore {
 
-// An element of a face list's array, in pixels of the caller's picture and clipped to the picture. right and bottom are the
-// first column and row beyond the face. The face with the highest confidence comes first.
+// An element of a face list's array, in pixels of the caller's picture and clipped to the picture. right and bottom are
+// the first column and row beyond the face. The face with the highest confidence comes first.
 struct OrloFace {
   std::int32_t left;
   std::int32_t top;

@@ -1,6 +1,6 @@
-// The search has two steps. A survey runs the detector over the whole picture and keeps weak answers too. Then the detector
-// looks again at each candidate of low confidence in slightly changed copies: it finds a face in most of them, a chance
-// pattern in few.
+// The search has two steps. A survey runs the detector over the whole picture and keeps weak answers too. Then the
+// detector looks again at each candidate of low confidence in slightly changed copies: it finds a face in most of them,
+// a chance pattern in few.
 #include "engines/faces/face_search.h"
 
 #include <dlib/array2d.h>
@@ -23,8 +23,8 @@ using Detector = dlib::frontal_face_detector;
 using Scanner = Detector::image_scanner_type;
 using GreyImage = dlib::array2d<unsigned char>;
 
-// A confidence is the distance from the detector's own threshold; a plain detection has 0 or more. The values were chosen on
-// photographs labelled by eye.
+// A confidence is the distance from the detector's own threshold; a plain detection has 0 or more. The values were
+// chosen on photographs labelled by eye.
 constexpr double kSurveyFloor = -0.8;      // of a candidate's confidence
 constexpr double kBeyondDoubt = 0.5;       // confidence from which a candidate needs no second look
 constexpr double kLookFloor = -1.0;        // the value of a look without an answer

@@ -9,8 +9,8 @@
 
 namespace catalogcore::faces {
 
-// Creates the detector unless it exists; this takes longer than a search. FindFaces calls it too. Throws what the creation
-// throws; the next call then tries again.
+// Creates the detector unless it exists; this takes longer than a search. FindFaces calls it too. Throws what the
+// creation throws; the next call then tries again.
 void PrepareFaceSearch();
 
 // The faces in the picture (rows without padding), in its pixels, highest confidence first. A face may reach beyond the

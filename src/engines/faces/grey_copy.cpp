@@ -20,8 +20,8 @@ struct Taps {
   std::span<const std::uint16_t> weights;  // at least one
 };
 
-// The source positions and weights of each target position along one axis: the area that a target pixel covers where the
-// axis shrinks, linear interpolation where it grows.
+// The source positions and weights of each target position along one axis: the area that a target pixel covers where
+// the axis shrinks, linear interpolation where it grows.
 class ResamplingTaps {
  public:
   // REQUIRES: both lengths are positive.

@@ -39,8 +39,8 @@ FaceResult DescribeSource(std::int32_t bitsPerPixel, std::int32_t width, std::in
 PictureSize WorkingSize(const PictureSize& source);
 
 // Scales the picture to rows x stride of `target`: averages areas where an axis shrinks, interpolates linearly where it
-// grows. The grey of a colour pixel is (first + 2 * second + third) / 4, because the order of the samples is unknown. Of a
-// 16-bit sample the high byte counts. Throws std::bad_alloc.
+// grows. The grey of a colour pixel is (first + 2 * second + third) / 4, because the order of the samples is unknown.
+// Of a 16-bit sample the high byte counts. Throws std::bad_alloc.
 void MakeGreyCopy(const FaceSource& source, const MutablePixelView& target);
 
 }  // namespace catalogcore::faces

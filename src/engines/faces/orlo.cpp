@@ -1,7 +1,7 @@
 // The five operations behind the scene detector's declarations.
 //
-// Every block that the engine returns comes from one malloc, so OrloFree releases all kinds alike: the context's memory is a
-// GreyCopy followed by its pixels, a face list's array consists of OrloFace.
+// Every block that the engine returns comes from one malloc, so OrloFree releases all kinds alike: the context's memory
+// is a GreyCopy followed by its pixels, a face list's array consists of OrloFace.
 #include "scene/orlo.h"
 
 #include <algorithm>

@@ -8,8 +8,8 @@
 namespace catalogcore::faces {
 namespace {
 
-// Positions are fixed-point, in 1/65536 pixel. A picture has about ten thousand pixels on a side at most, and a square lies
-// less than that outside it, so 32 bits hold every position.
+// Positions are fixed-point, in 1/65536 pixel. A picture has about ten thousand pixels on a side at most, and a square
+// lies less than that outside it, so 32 bits hold every position.
 constexpr int kPositionBits = 16;
 constexpr int kWeightBits = 8;
 constexpr std::int32_t kOne = 1 << kPositionBits;
@@ -49,8 +49,8 @@ std::uint8_t Interpolate(const PixelView& picture, std::int32_t x, std::int32_t 
   return static_cast<std::uint8_t>((sum + kWeightOne * kWeightOne / 2) >> (2 * kWeightBits));
 }
 
-// The picture at half its size, each pixel the mean of four. Drops a last odd row or column. REQUIRES: both sides are at
-// least 2.
+// The picture at half its size, each pixel the mean of four. Drops a last odd row or column. REQUIRES: both sides are
+// at least 2.
 GreyPicture Halve(const PixelView& picture) {
   GreyPicture half;
   half.size = {picture.Stride() / 2, picture.Rows() / 2};
