@@ -20,10 +20,6 @@ constexpr char kTemporary[] = ".catalogcore-";
 
 constexpr int kFolderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
-struct CloseFolder {
-  void operator()(DIR* folder) const { closedir(folder); }
-};
-
 // The process's umask. Reading the umask means setting it; a file that another thread creates at that moment is for its
 // owner alone.
 mode_t Umask() {
@@ -77,8 +73,7 @@ std::optional<Folder> Folder::FindInner(const std::string& name) const {
 }
 
 std::vector<std::string> Folder::Names() const {
-  // A new open file description, so that reading starts at the first entry.
-  const std::unique_ptr<DIR, CloseFolder> entries(fdopendir(openat(Descriptor(), ".", kFolderFlags)));
+  const FolderEntries entries = OpenEntries(Descriptor());
   if (!entries) Fail("read", "", errno);
   std::vector<std::string> names;
   while (const dirent* const entry = readdir(entries.get())) {

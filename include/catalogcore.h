@@ -174,7 +174,7 @@ typedef struct IDXDSDATA {
   int32_t fixedScene;   /* 1: a document, whatever it shows; nothing is analysed */
   int32_t typeHint;     /* 1: document; 2: photograph; else: not known */
   uint16_t photoHint;   /* 3: photograph; else: no effect */
-  uint16_t photoKind;   /* 1, 2 or 3: photograph; only with 2 are faces detected; else: no effect */
+  uint16_t photoKind;   /* 1, 2, 3: photograph, and 1 and 3: faces are not detected; else: no effect */
   int32_t presetIndex;  /* output: the number of the preset index for the picture, or -1 */
 } IDXDSDATA;
 
@@ -220,11 +220,12 @@ IDXSTATUS IDXAddImage(IDXITEM* item);
 
 /*
  * Moves an image to another index (if marked), then sets its attribute (if marked). If setting the attribute fails, the
- * image stays moved. With the index marked, an image that is not in the catalogue is added as by IDXAddImage. An index
- * of -1, marked or not, removes the image as by IDXRemoveImage. With neither marked the call does nothing. Reads name,
- * index, attribute, state. IDX_OK; IDXERR_PARAM: as for IDXAddImage; IDXERR_PROTECTED; IDXERR_NOINDEX; IDXERR_NOIMAGE:
- * no such image, and only the attribute is marked; IDXERR_IMAGEEXISTS: another thread added the image meanwhile;
- * IDXERR_MEMORY: an image that was to be moved may have been removed. Add it again with its attribute marked.
+ * image stays moved. With the index marked, an image that is not in the catalogue is added as by IDXAddImage. With
+ * neither marked the call does nothing. Warning: an index of -1, marked or not, removes the image as by IDXRemoveImage,
+ * and -1 is also what IDXDetectScene writes for an undecided picture. Reads name, index, attribute, state. IDX_OK;
+ * IDXERR_PARAM: as for IDXAddImage; IDXERR_PROTECTED; IDXERR_NOINDEX; IDXERR_NOIMAGE: no such image, and only the
+ * attribute is marked; IDXERR_IMAGEEXISTS: another thread added the image meanwhile; IDXERR_MEMORY: an image that was to
+ * be moved may have been removed. Add it again with its attribute marked.
  */
 IDXSTATUS IDXChangeImage(IDXITEM* item);
 
@@ -325,13 +326,14 @@ IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int
  * IDXLoadImageFile. IDX_OK; IDXERR_FAILED: the file cannot be read, or is not a catalogue file; IDXERR_PARAM:
  * null; IDXERR_NODATA: no such file, or it holds no indexes; IDXERR_EMPTY; IDXERR_VERSION; IDXERR_MEMORY: a part may
  * have been added. After a failure other than IDXERR_NODATA the file holds more than the catalogue: do not overwrite
- * it. A record that is invalid or cannot be allocated is skipped; the status is still IDX_OK.
+ * it. A record that is invalid or cannot be allocated is skipped with IDX_OK, and the next write loses it.
  */
 IDXSTATUS IDXLoadIndexFile(IDXSTR name);
 
 /*
  * Adds the images of the file to the catalogue. Skips images whose file or index does not exist, and images that are in
- * the catalogue already. Statuses as for IDXLoadIndexFile, with IDXERR_VERSION in place of IDXERR_EMPTY.
+ * the catalogue already. So the images of a disk that is not mounted are skipped with IDX_OK, and the next write loses
+ * them. Statuses as for IDXLoadIndexFile, with IDXERR_VERSION in place of IDXERR_EMPTY.
  */
 IDXSTATUS IDXLoadImageFile(IDXSTR name);
 
@@ -340,12 +342,13 @@ IDXSTATUS IDXLoadImageFile(IDXSTR name);
  * the old file is intact, unless its folder does not allow new files: then the file is overwritten in place. Indexes
  * with all three protections, such as the presets, are not written. If a child of such an index is written and the
  * index does not exist, loading creates the index with the name and attribute of the child. An index whose name is
- * empty or has a line feed is not loaded again, and the record after it is damaged. IDX_OK; IDXERR_FAILED: the file
+ * empty or has a line feed is lost at the next load, together with a part of the record after it; the write still
+ * returns IDX_OK. IDX_OK; IDXERR_FAILED: the file
  * exists and is not a catalogue file, or cannot be written; IDXERR_PARAM: null; IDXERR_MEMORY.
  */
 IDXSTATUS IDXWriteIndexFile(IDXSTR name);
 
-/* Writes the images in the same way. A path with a line feed is not loaded again. */
+/* Writes the images in the same way. An image whose path has a line feed is lost at the next load. */
 IDXSTATUS IDXWriteImageFile(IDXSTR name);
 
 /* ---- Scenes */

@@ -71,7 +71,7 @@ using namespace catalogcore;
 IDXSTATUS IDXInitialize(void) {
   IDXUninitialize();
   const IDXSTATUS status = WithoutExceptions(Initialize);
-  if (status == IDXERR_MEMORY) IDXUninitialize();
+  if (status != IDX_OK && status != IDXERR_DETECTOR) IDXUninitialize();
   return status;
 }
 

@@ -17,17 +17,11 @@ namespace catalogcore {
 
 namespace {
 
-struct CloseFolder {
-  void operator()(DIR* folder) const { closedir(folder); }
-};
-
 std::vector<std::string> TemporaryNames(int folder, std::string_view prefix) {
   std::vector<std::string> names;
-  // A new open file description, so that reading starts at the first entry.
-  const int entries = openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  const std::unique_ptr<DIR, CloseFolder> open(entries < 0 ? nullptr : fdopendir(entries));
-  if (!open) return names;
-  while (const dirent* const entry = readdir(open.get())) {
+  const FolderEntries entries = OpenEntries(folder);
+  if (!entries) return names;
+  while (const dirent* const entry = readdir(entries.get())) {
     if (TemporaryFile::IsTemporaryName(prefix, entry->d_name)) names.emplace_back(entry->d_name);
   }
   return names;

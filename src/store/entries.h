@@ -11,7 +11,7 @@
 //   bucket       one of 1987 chains in each of three hash tables: the images, the indexes and the folders.
 //                CIDXString::GetHashKey of an entry's key is the number of its bucket.
 //   key table    a second hash table over the same entries, which finds a key in constant time (key_table.h).
-//   twins        two keys that differ only in the case of letters and have different buckets; the keys of two entries.
+//   twins        two entries whose keys differ only in the case of ASCII letters and have different buckets.
 //   group        the images of a folder that are filed in the same index; they are adjacent in the folder's image list.
 //   marker       an object that points to the first image of a group (CIDXSkipNode).
 //   skip list    the markers of a folder, in the order of its groups (folder_groups.cpp).
