@@ -219,13 +219,13 @@ IDXSTATUS IDXSetFilePath(IDXSTR path);
 IDXSTATUS IDXAddImage(IDXITEM* item);
 
 /*
- * Moves an image to another index (if marked), then sets its attribute (if marked). If setting the attribute fails, the
- * image stays moved. With the index marked, an image that is not in the catalogue is added as by IDXAddImage. With
- * neither marked the call does nothing. Warning: an index of -1, marked or not, removes the image as by IDXRemoveImage,
- * and -1 is also what IDXDetectScene writes for an undecided picture. Reads name, index, attribute, state. IDX_OK;
- * IDXERR_PARAM: as for IDXAddImage; IDXERR_PROTECTED; IDXERR_NOINDEX; IDXERR_NOIMAGE: no such image, and only the
- * attribute is marked; IDXERR_IMAGEEXISTS: another thread added the image meanwhile; IDXERR_MEMORY: an image that was to
- * be moved may have been removed. Add it again with its attribute marked.
+ * Moves an image to another index (if marked), then sets its attribute (if marked). If setting the attribute fails,
+ * the image stays moved. With the index marked, an image that is not in the catalogue is added as by IDXAddImage. With
+ * neither marked the call does nothing. Warning: an index of -1, marked or not, removes the image as by
+ * IDXRemoveImage, and -1 is also what IDXDetectScene writes for an undecided picture. Reads name, index, attribute,
+ * state. IDX_OK; IDXERR_PARAM: as for IDXAddImage; IDXERR_PROTECTED; IDXERR_NOINDEX; IDXERR_NOIMAGE: no such image,
+ * and only the attribute is marked; IDXERR_IMAGEEXISTS: another thread added the image meanwhile; IDXERR_MEMORY: an
+ * image that was to be moved may have been removed. Add it again with its attribute marked.
  */
 IDXSTATUS IDXChangeImage(IDXITEM* item);
 
