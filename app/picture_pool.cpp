@@ -207,7 +207,7 @@ class PicturePool::Worker {
   FileDescriptor memory_;
   FileDescriptor socket_{-1};
   const std::uint8_t* shared_ = nullptr;
-  pid_t process_ = 0;  // 0: there is none (any more)
+  pid_t process_ = 0;  // 0: not running
   int status_ = 0;     // what it ended with
   Reply reply_;
 };

@@ -18,7 +18,7 @@ std::vector<Ratio>& Rows() {
   return rows;
 }
 
-// Measures one round, and tells of it at once if it took long, preparations included.
+// Measures one round, and prints a line at once if it took long, preparations included.
 double Timed(const std::string& name, const Round& round) {
   constexpr double kLong = 5e9;
   double measured = 0;
