@@ -1,8 +1,11 @@
 // A new file that is written under a temporary name and then renamed over the file that it replaces.
 //
-// A temporary file is named PREFIX, PID, "-" and COUNT, and locked with flock() while its writer lives. A file of such
-// a name that nobody locks is a leftover of an interrupted writer. A folder is given by a descriptor, and names are
-// those of single entries of that folder; links are not followed.
+// The name of a temporary file is a prefix that the writer chooses, the number of the process, a "-" and a counter:
+// "PREFIX123-1". The writer locks the file with flock(), and the system releases the lock when the writer ends. A file
+// that has such a name and no lock is a leftover: an interrupted writer left it behind.
+//
+// A folder is given as an open descriptor. A name is that of a file in the folder, without "/". Symbolic links are not
+// followed.
 #ifndef CATALOGCORE_PERSIST_TEMPORARY_FILE_H_
 #define CATALOGCORE_PERSIST_TEMPORARY_FILE_H_
 
@@ -17,10 +20,11 @@ namespace catalogcore {
 
 class TemporaryFile {
  public:
-  // Creates a file of a unique name, with the permissions `mode` less the umask, and locks it. On failure the file is
-  // not open and errno is set. `folder` must stay open as long as the object lives. Throws std::bad_alloc.
+  // Creates a file with a unique name and the permissions `mode` without those in the umask, and locks the file. On
+  // failure the file is not open and errno is set. `folder` must stay open as long as the object lives. Throws
+  // std::bad_alloc.
   TemporaryFile(int folder, const std::string& prefix, mode_t mode);
-  // Removes the file unless it was renamed.
+  // Removes the file, unless it was renamed or removed.
   ~TemporaryFile() { Remove(); }
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -28,15 +32,15 @@ class TemporaryFile {
   bool IsOpen() const { return file_.IsOpen(); }
   int Descriptor() const { return file_.Get(); }
 
-  // Renames the file to `name`, which is replaced if it exists. On failure returns false and sets errno.
+  // Renames the file to `name`. Replaces an existing file of that name. On failure returns false and sets errno.
   bool Rename(const std::string& name);
 
   void Remove();
 
-  // Whether a temporary file with this prefix may have the name.
+  // Whether the name has the form of a temporary file's name with this prefix.
   static bool IsTemporaryName(std::string_view prefix, std::string_view name);
 
-  // Removes the leftovers in the folder whose names begin with the prefix. Failures are ignored. Throws std::bad_alloc.
+  // Removes the leftovers with this prefix from the folder. Ignores failures. Throws std::bad_alloc.
   static void RemoveLeftovers(int folder, std::string_view prefix);
 
  private:
@@ -45,8 +49,8 @@ class TemporaryFile {
   FileDescriptor file_;
 };
 
-// Writes all bytes at the file's position. On failure returns false and sets errno. A write beyond RLIMIT_FSIZE fails
-// with EFBIG and raises no signal.
+// Writes all bytes at the file's position. On failure returns false and sets errno. A write beyond the limit on file
+// sizes (RLIMIT_FSIZE) fails with EFBIG, and does not raise SIGXFSZ.
 bool WriteAll(int file, std::string_view bytes);
 
 }  // namespace catalogcore

@@ -1,5 +1,5 @@
-// A detection from top to bottom: sizes and hints, document or photograph, which document, which photograph, and the
-// preset index.
+// The steps of a detection: sizes and hints, document or photograph, size of the document, faces in the photograph, and
+// the number of the preset. Brenn (scene/brenn.h) is the recognizer and Orlo (scene/orlo.h) the face detector.
 #include "scene/detect_scene.h"
 
 #include <algorithm>
@@ -59,7 +59,7 @@ IDXSTATUS CDetectScene::DetectScene(const IDXDSDATA* data, std::int32_t& sceneCl
     }
     if (std::max(image.width, image.height) > kLargestSide) return IDXERR_IMAGESIZE;
   }
-  // Without pixels the hints and the sizes still decide.
+  // Missing pixels (IDXERR_PARAM) are no failure: the hints and the sizes may suffice.
   if (image.SetImageBuffer(data->pixels) == IDXERR_MEMORY) return IDXERR_MEMORY;
   const IDXSTATUS status = DetectImageType(image, sceneClass);
   if (status != IDX_OK) return status;
@@ -72,7 +72,8 @@ IDXSTATUS CDetectScene::DetectScene(const IDXDSDATA* data, std::int32_t& sceneCl
 
 namespace {
 
-constexpr char kCaller[] = "CatalogCr       ";  // 9 characters, padded with blanks to 16
+// The name under which the library calls the recognizer: 16 characters, padded with blanks.
+constexpr char kCaller[] = "CatalogCr       ";
 
 // The class by the first hint that applies; kClassUnknown without a hint.
 SceneClass ClassByHints(const CIDXImage& image) {
@@ -92,9 +93,10 @@ IDXSTATUS CDetectScene::DetectImageType(const CIDXImage& image, std::int32_t& sc
 }
 
 IDXSTATUS CDetectScene::Recognize(const CIDXImage& reduced, std::int32_t& sceneClass) const {
+  // The bits of the result word that hold the kind, and the two kinds of documents (scene/brenn.h).
   constexpr std::uint16_t kKind = 0xF000;
-  constexpr std::uint16_t kPrint = 0x1000;
-  constexpr std::uint16_t kColourDocument = 0x2000;
+  constexpr std::uint16_t kPrint = 0x1000;           // print or writing on paper
+  constexpr std::uint16_t kColourDocument = 0x2000;  // a document with colour or pictures
   if (paramSize == 0 || !paramData) return IDXERR_DETECTOR;
   const ImageRecord record(reduced);
   std::array<unsigned char, kBrennResultSize> result{};
@@ -108,7 +110,7 @@ IDXSTATUS CDetectScene::Recognize(const CIDXImage& reduced, std::int32_t& sceneC
   return IDX_OK;
 }
 
-// Which document: the paper whose size, or without a resolution whose proportions, are closest.
+// Which document: the paper of the closest size; without a resolution, the paper with the closest ratio of its sides.
 
 namespace {
 
@@ -116,7 +118,7 @@ struct PaperSides {
   double shortSide, longSide;  // inches
 };
 
-// The index of a paper is the scene value of documents of that size.
+// The position of a paper in this table is the scene value of documents of that size.
 constexpr PaperSides PaperSize[] = {
     {2.16, 3.58},   // card, 55 x 91 mm
     {3.93, 5.82},   // postcard, 100 x 148 mm
@@ -132,10 +134,12 @@ constexpr PaperSides PaperSize[] = {
 constexpr double PaperRatio[] = {1.654, 1.48, 1.5, 1.419, 1.412, 1.415, 1.294, 1.647};
 static_assert(std::size(PaperRatio) == std::size(PaperSize));
 
+// A paper is excluded if the relative error of a side, or without a resolution the difference of the ratios, is not
+// below this limit.
 constexpr double kTolerance = 0.2;
 
-// The first paper with the smallest score. A negative score excludes a paper. kDocumentOther if every paper is
-// excluded.
+// Returns the scene value of the paper with the smallest score, and of the first of them if several are equal. A
+// negative score excludes a paper. Returns kDocumentOther if every paper is excluded.
 template <typename Score>
 std::int32_t BestPaper(Score score) {
   double best = 200.0;
@@ -178,7 +182,7 @@ IDXSTATUS CDetectScene::DetectDocumentSize(const CIDXImage& image, std::int32_t&
 
 namespace {
 
-// Each frees on every path what the face detector allocated.
+// FaceContext and FaceList free what the face detector allocated, also after a failure.
 struct FaceContext {
   FaceContext() = default;
   ~FaceContext() {
@@ -212,13 +216,14 @@ IDXSTATUS CDetectScene::DetectPhotoScene(const CIDXImage& image, std::int32_t& s
 
   FaceContext face;
   Orlo_Initialize();
+  // scene/orlo.h defines the stride as negated; the first row is the top row.
   std::int32_t failure =
       Orlo_SetBitmap(&face.context, image.bitsPerPixel, image.width, image.height, -image.rowBytes, image.pixels.get());
   if (failure != 0) return IDXERR_FACES + static_cast<IDXSTATUS>(failure);
   FaceList found;
   failure = Orlo_DetectFacePosition(&face.context, &found.list);
   if (failure != 0) return IDXERR_FACES + static_cast<IDXSTATUS>(failure);
-  Orlo_Uninitialize();  // not after a failure: deliberately uneven, as scene/orlo.h allows
+  Orlo_Uninitialize();  // deliberately not called after a failure, as scene/orlo.h says
   return decide(found.list.count != 0 ? kPhotoFaces : kPhotoNoFaces);
 }
 

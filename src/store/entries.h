@@ -7,39 +7,46 @@
 //                kFolderTree: its cells are folders of the file system (key /Users/a).
 //                An array with one element for each tree is indexed by this number.
 //   entry        an image or a cell.
-//   filed        an image is filed in one index and in one folder. It stands in the image list of both cells.
-//   bucket       one of 1987 chains in each of three hash tables: the images, the indexes and the folders.
-//                CIDXString::GetHashKey of an entry's key is the number of its bucket.
-//   key table    a second hash table over the same entries, which finds a key in constant time (key_table.h).
+//   image list   the images of a cell, linked by `prev` and `next`. An image is in two image lists: that of its index
+//                and that of its folder.
+//   child list   the children of a cell, linked by `prevSibling` and `nextSibling`.
+//   to file      to insert an image into the image list of an index and into the image list of a folder.
+//   bucket       a chain of entries. There are three hash tables, one each for images, indexes and folders, and each
+//                has 1987 buckets. CIDXString::GetHashKey of an entry's key is the number of its bucket.
+//   key table    another hash table of the same entries, which finds a key in constant time (key_table.h). There is one
+//                each for images, indexes and folders.
 //   twins        two entries whose keys differ only in the case of ASCII letters and have different buckets.
 //   group        the images of a folder that are filed in the same index; they are adjacent in the folder's image list.
 //   marker       an object that points to the first image of a group (CIDXSkipNode).
 //   skip list    the markers of a folder, in the order of its groups (folder_groups.cpp).
+//   block        memory from one allocation.
 //   walk         an iteration over the cells of a subtree, or over their images; SearchHandle is its state (walks.h).
 //   find         a walk that stays open between calls of the application (open_finds.h).
-//   removed      a removed entry is in no list, chain or table. The store keeps it for finds that may stand on it.
-//   moved        a moved cell was moved to another parent, or was a descendant of a cell when that cell was moved.
+//   removed      a removed entry is in no list, bucket or key table. The store keeps the entry as long as a find may
+//                stand on it.
+//   moved        a moved cell was moved to another parent by MoveCell, or was below a cell when MoveCell moved that
+//                cell. No exported call uses MoveCell, so the catalogue of an application has no moved cells.
+//   the lock     the store's critical region (CIndexData::CriticalRegion), which the store's callers hold.
 //
-// Invariants, between two operations of the store (its callers hold the store's critical region):
-// - Cells: a cell stands in its parent's child list, in the order of linking; `ordinal` increases along that list. The
-//   root has no parent. A cell also stands in its bucket.
-// - Moved cells: a move cuts the moved cell off from its children. The children keep their `parent`, but stand in no
-//   child list. The moved cell and its former descendants are marked as `moved`. They are in no bucket, so that no key
-//   finds them. A cell below a moved cell is also a moved cell.
-// - Images: an image stands in the image list of cell[kIndexTree], in the image list of cell[kFolderTree], and in its
+// Invariants, between two operations of the store:
+// - Cells: a cell is at one place in its parent's child list. The list is in the order of insertion, and `ordinal`
+//   increases along the list. The root has no parent. A cell is also in its bucket.
+// - Images: an image is in the image list of cell[kIndexTree], in the image list of cell[kFolderTree], and in its
 //   bucket. The image list of an index is in the order of filing.
 // - Groups: the image list of a folder consists of groups in the order of their indexes in the tree (CompareCell).
 //   Within a group, images are in the order of filing. The folder's skip list has one marker for each group, in the
 //   same order. Indexes have no skip list. After an index was moved, or if the root of the index tree is missing, the
 //   groups may be out of order and one index may have several groups, even adjacent ones. Still, all images from one
 //   marker to the next have the same index.
-// - Key tables: an entry is in the key table of images, or of the cells of its tree, exactly while it is in its bucket.
-//   Entries may have equal keys, but only in a tree without a root. The table then returns the entry that comes first
-//   in the bucket.
-// - Removed entries: filed entries never point to removed entries. The `next` of a removed image points to the image
-//   that followed it when it was removed; that image is still filed or was removed later. So following `next` leads to
-//   a filed image of the same cell or to the end of its list. A removed cell has no links. A removed entry is deleted
-//   only after every find is closed that was open when the entry was removed (open_finds.h).
+// - Key tables: an entry is in its key table exactly while it is in its bucket. Entries may have equal keys, but only
+//   in a tree without a root. The table then returns the entry that comes first in the bucket.
+// - Removed entries: an entry that is not removed never points to a removed entry. The `next` of a removed image points
+//   to the image that followed it when it was removed. That image is still filed or was removed later, so following
+//   `next` leads to a filed image of the same cell or to the end of the list. A removed cell has no links. A removed
+//   entry is deleted only after every find is closed that was open when the entry was removed (open_finds.h).
+// - Moved cells: a move separates the moved cell from its children. The children keep their `parent`, but are in no
+//   child list. The moved cell and its former descendants are marked as `moved`. They are in no bucket and in no key
+//   table, so no key finds them. A cell below a moved cell is also a moved cell.
 #ifndef CATALOGCORE_STORE_ENTRIES_H_
 #define CATALOGCORE_STORE_ENTRIES_H_
 
@@ -75,12 +82,12 @@ enum StoreResult : std::uint32_t {
 
 struct CIDXCell;
 
-// A constant key whose text lies in the memory block of its entry and is freed with it.
+// A constant key whose text is in the block of its entry and is freed with that block.
 class EmbeddedKey : public CIDXString {
  public:
   // The number of bytes needed for a text of `size` bytes.
   static constexpr std::size_t BlockBytes(std::size_t size) { return size + 2; }
-  // Copies the first `size` bytes of the text into the block. None of them may be zero.
+  // Copies the first `size` bytes of the text into the block. None of these bytes may be zero.
   EmbeddedKey(char* block, const char* text, std::size_t size);
   ~EmbeddedKey() { buffer = nullptr; }
   EmbeddedKey(const EmbeddedKey&) = delete;
@@ -97,11 +104,11 @@ struct CIDXNodeInfo {
   bool removed = false;
 };
 
-// One memory block holds the node, its record and its key, so that filing an image allocates once. The fields that a
-// look-up reads lie together at the end of the node and the start of the record.
+// One block holds the node, its record (CIDXNodeInfo) and its key, so that filing an image allocates once. The fields
+// that a look-up reads lie together at the end of the node and the start of the record.
 struct CIDXNode {
-  // Returns an image that is filed nowhere, null on allocation failure. Its key is a copy of the first `size` bytes of
-  // the text. None of them may be zero.
+  // Returns an image that is not filed yet; null on allocation failure. Its key is a copy of the first `size` bytes of
+  // the text. None of these bytes may be zero.
   static CIDXNode* Create(const char* text, std::size_t size);
   CIDXNode(const CIDXNode&) = delete;
   CIDXNode& operator=(const CIDXNode&) = delete;
@@ -125,7 +132,7 @@ struct CIDXNode {
 struct CIDXCellInfo {
   virtual ~CIDXCellInfo() = default;
   CIDXString key;
-  CIDXString name;            // always has a block
+  CIDXString name;            // always has a block, also if empty
   std::uint32_t keyHash = 0;  // set by the key table
   std::uint16_t bucket = 0;
   std::uint8_t attribute = 0;

@@ -19,7 +19,8 @@ inline constexpr std::int32_t kMaxKeyBytes = 4096;
 
 // entries.h has the glossary and the invariants.
 //
-// Thread rule: the store does not lock. Every caller holds `criticalRegion` during a call and while it uses the result.
+// Thread rule: the store does not lock. Every caller holds the lock (`criticalRegion`) during a call and while it uses
+// the result.
 //
 // `tree` is kIndexTree or kFolderTree. `force` (non-zero) overrides the protection by attributes. A key passed in must
 // not be a string of the store.

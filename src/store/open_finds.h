@@ -29,7 +29,7 @@ struct FindSpan {
   FindSpan* next = nullptr;  // the following span
 };
 
-// Thread rule: callers hold the store's critical region, except for Close and IsOpen.
+// Thread rule: callers hold the store's lock, except for Close and IsOpen.
 class OpenFinds {
  public:
   OpenFinds();
@@ -37,8 +37,7 @@ class OpenFinds {
   OpenFinds(const OpenFinds&) = delete;
   OpenFinds& operator=(const OpenFinds&) = delete;
 
-  // Opens a find. Returns false on allocation failure. A walk that ends before the critical region is left need not be
-  // opened.
+  // Opens a find. Returns false on allocation failure. A walk that ends before the lock is released need not be opened.
   bool Open(SearchHandle& handle);
 
   // Closes a find; must be called once for each find. Ignores a handle that was not opened since the last Clear.
@@ -51,8 +50,8 @@ class OpenFinds {
   void Keep(CIDXNode* node);
   void Keep(CIDXCell* cell);
 
-  // Deletes at most kSweptAtOnce of the objects that no find can stand on. Every call that enters the critical region
-  // calls Sweep; the average call removes fewer entries, so that the number of kept entries decreases.
+  // Deletes at most kSweptAtOnce of the objects that no find can stand on. Every call that takes the lock calls Sweep.
+  // The average call removes fewer entries, so that the number of kept entries decreases.
   void Sweep() {
     for (std::size_t i = 0; i < kSweptAtOnce && first && IsClosed(*first); ++i) DeleteOldest();
   }
