@@ -39,7 +39,7 @@ class PrefixTest(unittest.TestCase):
             self.run_program(folder / program, self.root, LD_LIBRARY_PATH=str(prefix / LIBDIR))
 
     def check_embedding_guide(self, prefix):
-        """Builds the C programs of the guide and checks the output of the first."""
+        """Builds the C programs of the guide, the README's example, and checks the output of the first program."""
         guide = (prefix / EXAMPLES / "../embedding.md").read_text()
         programs = dict(re.findall(r"```c\n(/\* (?:\w+)\.c \*/)(.*?)```", guide, re.S))
         flags = shlex.split(self.run_program("pkg-config", "--cflags", "--libs", "catalogcore",
@@ -47,6 +47,9 @@ class PrefixTest(unittest.TestCase):
         for name in ("first", "walk"):
             (self.root / f"{name}.c").write_text(programs[f"/* {name}.c */"])
             self.run_program(C_COMPILER, "-std=c11", "-Wall", "-Wextra", "-Werror", "-c", f"{name}.c", *flags)
+        readme = (pathlib.Path(__file__).parents[2] / "README.md").read_text()
+        (self.root / "readme.cpp").write_text(re.search(r"```cpp\n(.*?)```", readme, re.S)[1])
+        self.run_program(CXX_COMPILER, "-std=c++20", "-Wall", "-Wextra", "-Werror", "-c", "readme.cpp", *flags)
         project = self.root / "project"
         project.mkdir()
         (project / "CMakeLists.txt").write_text(re.search(r"```cmake\n(.*?)```", guide, re.S)[1])
