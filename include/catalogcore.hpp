@@ -240,9 +240,9 @@ class Catalog {
   Result<void> LoadImages(std::string_view file) { return Call(IDXLoadImageFile, file); }
 
   /// Writes the indexes to a file in the directory. After any failure the old file is intact, unless its folder does
-  /// not allow new files: then the file is overwritten in place. Indexes with all three protections, such as the
-  /// presets, are not written. Two calls must not write the same file at once. Status::kFailed: the file cannot be
-  /// written; kMemory.
+  /// not allow new files: then the file is overwritten in place. Indexes whose attribute is exactly the three
+  /// protections, such as the presets, are not written. Two calls must not write the same file at once.
+  /// Status::kFailed: the file cannot be written; kMemory.
   Result<void> SaveIndexes(std::string_view file) const { return Call(IDXWriteIndexFile, file); }
 
   /// Writes the images to a file in the directory as SaveIndexes does. Both may use the same file.
