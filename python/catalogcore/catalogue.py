@@ -360,8 +360,8 @@ class Catalogue:
 
     def save_indexes(self, name: StrPath = INDEX_FILE) -> None:
         """Writes the indexes to a file and keeps its other entries. After a failure the old file is intact, unless its
-        folder does not allow new files: then the file is overwritten in place. Indexes with all three protections, such
-        as the presets, are not written. FileError."""
+        folder does not allow new files: then the file is overwritten in place. Indexes whose attribute is exactly the
+        three protections, such as the presets, are not written. FileError."""
         self._file(f"write {name}", library.IDXWriteIndexFile, name)
 
     def save_images(self, name: StrPath = IMAGE_FILE) -> None:

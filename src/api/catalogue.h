@@ -1,8 +1,8 @@
 // The state of the library, and the frame of every exported call.
 //
-// Threads: every call takes the catalogue's lock (CatalogueGuard) for as long as it reads or changes the catalogue, and
-// fills its record before it leaves the lock. A call that holds the lock enters no other call. IDXInitialize,
-// IDXUninitialize, IDXSetFilePath and IDXCloseFind take no lock.
+// Threads: every call holds the catalogue's lock (CatalogueGuard) while it reads or changes the catalogue, and writes
+// its record before it releases the lock. An exported call does not call another one while it holds the lock.
+// IDXInitialize, IDXUninitialize, IDXSetFilePath and IDXCloseFind do not lock.
 #ifndef CATALOGCORE_API_CATALOGUE_H_
 #define CATALOGCORE_API_CATALOGUE_H_
 
@@ -25,20 +25,20 @@ extern CDetectScene* dsScene;
 // The base directory of the catalogue files, with a "/" at its end; empty until it is set.
 extern CIDXString g_strFilePath;
 
-// Sets `path` to the base directory followed by `name`, which is not null. A name that cannot be converted leaves the
-// directory alone, which names no catalogue file. IDX_OK or IDXERR_MEMORY.
+// Sets `path` to the base directory followed by `name`, which is not null. If the name cannot be converted, `path` is
+// the directory, which is not a catalogue file. IDX_OK or IDXERR_MEMORY.
 IDXSTATUS GetCatalogueFilePath(IDXSTR name, CIDXString& path);
 
 inline constexpr int kStoreCodeBase = 0x1000;
 
-// IDX_OK for 0. With kStoreCodeBase the status of the store's result code, or IDXERR_FAILED for an unknown code. With
-// any other base the sum of both.
+// Returns IDX_OK for the code 0. With the base kStoreCodeBase, returns the status for a StoreResult, and IDXERR_FAILED
+// for an unknown code. With any other base, returns the sum of code and base.
 IDXSTATUS ConvertErrorCode(int code, int base);
 
 inline IDXSTATUS StoreStatus(std::uint32_t code) { return ConvertErrorCode(static_cast<int>(code), kStoreCodeBase); }
 
-// Runs `call`. IDXERR_PARAM when `required` (a record, a handle or another argument) is null; IDXERR_FAILED before
-// IDXInitialize. Exceptions become statuses.
+// Runs `call` and returns its status; exceptions become statuses. Returns IDXERR_PARAM if `required` (a record or
+// another argument) is null, and IDXERR_FAILED if there is no catalogue.
 template <typename Call>
 IDXSTATUS CatalogueCall(const void* required, Call call) noexcept {
   if (!required) return IDXERR_PARAM;

@@ -18,11 +18,12 @@ struct CloseHandle {
 
 using OwnedHandle = std::unique_ptr<IDXFINDHANDLE, CloseHandle>;
 
-// Allocates the zero-filled handle of an open find; null without memory. REQUIRES: the catalogue's lock.
+// Allocates a zero-filled handle and opens its find. Returns null on allocation failure. REQUIRES: the caller holds the
+// catalogue's lock.
 OwnedHandle NewHandle();
 
 // Allocates a handle, and calls `start` to position it and fill the record, all under the catalogue's lock. Returns the
-// handle when `start` returns IDX_OK, else null. `*status` (if not null) gets the status.
+// handle if `start` returns IDX_OK, else null. `*status` (if not null) gets the status.
 template <typename Start>
 IDXFIND FindFirst(IDXITEM* item, IDXSTATUS* status, Start start) {
   OwnedHandle handle;
@@ -35,8 +36,8 @@ IDXFIND FindFirst(IDXITEM* item, IDXSTATUS* status, Start start) {
   return result == IDX_OK ? handle.release() : nullptr;
 }
 
-// Calls `advance` to move the handle and fill the record under the catalogue's lock. IDXERR_PARAM when either is null;
-// `end` when the handle belongs to an earlier catalogue.
+// Calls `advance` to move the handle and fill the record under the catalogue's lock. Returns IDXERR_PARAM if the handle
+// or the record is null, and `end` if the handle belongs to an earlier catalogue.
 template <typename Advance>
 IDXSTATUS FindNext(IDXFIND find, IDXITEM* item, IDXSTATUS end, Advance advance) {
   if (!find || !item) return IDXERR_PARAM;

@@ -20,7 +20,7 @@ IDXSTATUS Found(const CIDXNode* node, IDXITEM& item) {
   return IDX_OK;
 }
 
-// The keys that restrict the find; "." for a field that is not marked.
+// Reads the keys that restrict the walk; a field that is not marked becomes ".", which restricts nothing.
 IDXSTATUS ReadCondition(const IDXITEM& item, CIDXString& folder, CIDXString& index) {
   const auto read = [&item](std::uint32_t field, CIDXString& key, auto get) -> IDXSTATUS {
     if ((item.mask & field) != 0) return get(&item, key);
@@ -58,7 +58,7 @@ IDXSTATUS IDXChangeImage(IDXITEM* item) {
     CIDXString name;
     IDXSTATUS status = GetIDXName(item, name);
     if (status != IDX_OK) return status;
-    if (item->index == IDX_ROOT) return IDXRemoveImage(item);  // also when the mask does not mark the index, on purpose
+    if (item->index == IDX_ROOT) return IDXRemoveImage(item);  // deliberately also if the index is not marked
     if ((item->mask & IDXMASK_INDEX) != 0) {
       CIDXString index;
       status = GetIDXIndex(item, index);

@@ -10,7 +10,7 @@ IDXSTATUS IDXDetectScene(IDXDSDATA* data) {
   std::int32_t sceneValue = kValueUnknown;
   const IDXSTATUS status = WithoutExceptions([&]() -> IDXSTATUS {
     if (!dsScene) return IDXERR_FAILED;
-    if (!*dsScene->Region()) return IDXERR_MEMORY;  // no detection goes without
+    if (!*dsScene->Region()) return IDXERR_MEMORY;  // a detection needs its lock
     const RegionGuard region(dsScene->Region());
     return dsScene->DetectScene(data, sceneClass, sceneValue);
   });

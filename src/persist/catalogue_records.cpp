@@ -15,12 +15,13 @@ namespace catalogcore {
 
 namespace {
 
-// Roots and presets have it. Every start makes them again, so that an index with all three protections is not saved.
+// The attribute of the roots and presets. Every IDXInitialize makes these again, so an index that has exactly this
+// attribute is not written.
 constexpr std::uint8_t kAllProtections = IDXATTR_NOMOVE | IDXATTR_NOREMOVE | IDXATTR_NORENAME;
 
 constexpr int kPayloadBlockSize = 1024;
 
-// Null when the path is not UTF-8, or without memory.
+// Null if the path is not UTF-8 or memory cannot be allocated.
 CFReference<CFURLRef> UrlOf(const char* path) {
   const CFReference<CFStringRef> text(CFStringCreateWithCString(nullptr, path, kCFStringEncodingUTF8));
   if (!text) return nullptr;
@@ -37,7 +38,7 @@ IDXSTATUS WriteRecords(CIndexData& data, const char* path, CFStringRef key,
   return _WriteKeyData(url.get(), key, payload) == 1 ? IDX_OK : IDXERR_FAILED;
 }
 
-// For each record in order, whether the image's file exists. Throws std::bad_alloc.
+// Returns for each record, in order, whether the image's file exists. Throws std::bad_alloc.
 std::vector<bool> FindImageFiles(PayloadReader reader) {
   std::vector<bool> exist;
   ExistingFiles files;
@@ -81,7 +82,7 @@ IDXSTATUS LoadImageRecords(CIndexData& data, const char* path) {
   if (status != IDX_OK) return status;
   PayloadReader reader(TextOf(payload.get()));
   if (!IsValidVersion(reader.VersionLine())) return IDXERR_VERSION;
-  const std::vector<bool> exist = FindImageFiles(reader);  // before the lock: a disk may be slow to answer
+  const std::vector<bool> exist = FindImageFiles(reader);  // without the lock: a disk may be slow to answer
   const CatalogueGuard guard(data);
   CIDXString indexKey;
   CIDXString imageKey;

@@ -13,8 +13,8 @@ namespace {
 
 constexpr char kVersion[] = "CatalogCoreVer1.0";
 
-// Makes room for `size` more bytes and their terminator. A full block grows by half, or by the needed bytes alone when
-// that fails.
+// Ensures that the block has space for `size` more bytes and their terminator. A full block grows by half its size. If
+// that fails, it grows only by what is needed.
 bool MakeRoom(CIDXBuffer& payload, std::int32_t size) {
   const std::int32_t needed = CheckedAdd(CheckedAdd(payload.Length(), size), 1);
   if (needed < 0) return false;
@@ -41,7 +41,7 @@ bool AppendRecord(CIDXBuffer& payload, const char* first, std::uint8_t attribute
   payload.CatBuffer(first, firstSize + 1);
   payload.CatBuffer(middle.c_str(), middleSize + 1);
   payload.CatBuffer(last, lastSize + 1);
-  return payload.CatBuffer("\n", 2) >= 0;  // allocates when the block is full
+  return payload.CatBuffer("\n", 2) >= 0;  // allocates if the block is full
 }
 
 bool CopyField(CIDXString& target, std::string_view field) {
@@ -62,7 +62,7 @@ bool PayloadReader::NextRecord(PayloadRecord& record) {
   record.last = Token('\n');
   isCut_ = !record.first.empty() && record.last.empty();
   if (record.last.empty()) return false;
-  // A comma ends the number, since a last field follows.
+  // DecimalValue stops at the comma before the last field.
   record.attribute = static_cast<std::uint8_t>(DecimalValue(attribute.data()) & 0xFF);
   return true;
 }

@@ -14,7 +14,7 @@ namespace {
 
 using Dictionary = CFReference<CFMutableDictionaryRef>;
 
-// False when the path is longer than PATH_MAX.
+// Returns false if the path is longer than PATH_MAX.
 bool PathOf(CFURLRef url, char (&path)[PATH_MAX]) {
   return CFURLGetFileSystemRepresentation(url, true, reinterpret_cast<UInt8*>(path), sizeof path);
 }
@@ -30,7 +30,7 @@ bool IsMissing(const char* path) {
   return stat(path, &status) != 0 && (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG);
 }
 
-// Sets `dictionary` to the mutable dictionary at the file's top.
+// Sets `dictionary` to the dictionary at the top of the file, as a mutable one.
 ReadResult ReadDictionary(CFURLRef url, Dictionary& dictionary) {
   char path[PATH_MAX];
   if (!PathOf(url, path) || IsMissing(path)) return ReadResult::kMissing;
@@ -50,7 +50,7 @@ ReadResult ReadDictionary(CFURLRef url, Dictionary& dictionary) {
 }  // namespace
 
 bool ReadPropertyValue(CFURLRef url, CFStringRef key, CFReference<CFDataRef>& value) {
-  if (!key) return false;  // CFSTR without memory
+  if (!key) return false;  // CFSTR could not allocate
   Dictionary dictionary;
   const ReadResult result = ReadDictionary(url, dictionary);
   if (result != ReadResult::kRead) return result == ReadResult::kMissing;
@@ -77,7 +77,7 @@ int _WriteKeyData(CFURLRef url, CFStringRef key, const CIDXBuffer& buffer) {
                                                                  CFIndex{buffer.Length()} + 1, kCFAllocatorNull));
   if (!dictionary || !value) return 0;
   CFDictionarySetValue(dictionary.get(), key, value.get());
-  if (CFDictionaryGetValue(dictionary.get(), key) != value.get()) return 0;  // no memory
+  if (CFDictionaryGetValue(dictionary.get(), key) != value.get()) return 0;  // the dictionary could not allocate
   const CFReference<CFDataRef> xml(CFPropertyListCreateXMLData(nullptr, dictionary.get()));
   if (!xml) return 0;
   const std::string_view text(reinterpret_cast<const char*>(CFDataGetBytePtr(xml.get())),

@@ -19,7 +19,7 @@ namespace {
 
 using Parts = std::initializer_list<std::string_view>;
 
-constexpr int kMostLinks = 40;  // the system follows as many
+constexpr int kMostLinks = 40;  // the system's own limit
 
 struct Target {
   explicit Target(std::string whole) : path(std::move(whole)) {
@@ -69,14 +69,15 @@ bool Flush(int file) {
 
 void TakePermissions(int file, const struct stat& source) {
   mode_t mode = source.st_mode & 07777;
-  // The owner first: a change of owner may clear bits of the mode. Without the group its permissions go too.
+  // The owner first: a change of owner may clear bits of the mode. If the group cannot be kept, neither are its
+  // permissions.
   if (fchown(file, source.st_uid, source.st_gid) != 0 && fchown(file, static_cast<uid_t>(-1), source.st_gid) != 0) {
     mode &= ~static_cast<mode_t>(S_IRWXG);
   }
   [[maybe_unused]] const int permitted = fchmod(file, mode);
 }
 
-// Whether the error says that the folder takes no new file, or does not let a new file replace the old one.
+// Whether the error means that the folder does not allow new files, or does not allow the old file to be replaced.
 bool IsFoldersRefusal(int error) { return error == EACCES || error == EPERM || error == EROFS || error == EBUSY; }
 
 int OpenUninterrupted(const std::string& path, int flags) {
@@ -93,7 +94,7 @@ bool WriteInPlace(const Target& target, Parts parts) {
   return ftruncate(file.Get(), size) == 0 && Flush(file.Get());
 }
 
-// Makes the rename survive a power failure. The file is whole without it, so that errors are ignored.
+// Makes the rename durable. Errors are ignored: without the flush, a power cut leaves the old or the new file, whole.
 void FlushFolder(const Target& target) {
   const FileDescriptor folder(open(target.folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (folder.IsOpen()) Flush(folder.Get());

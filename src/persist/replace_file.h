@@ -1,4 +1,4 @@
-// Replaces the content of a file. After any failure the file has its old content, with one exception, named below.
+// Replaces the content of a file. After any failure the file has its old content, with one exception below.
 #ifndef CATALOGCORE_PERSIST_REPLACE_FILE_H_
 #define CATALOGCORE_PERSIST_REPLACE_FILE_H_
 
@@ -12,9 +12,11 @@ namespace catalogcore {
 // content. Throws std::bad_alloc.
 //
 // The new file has the permissions and, where possible, the owner of the old file. A file without write permission is
-// not replaced. Where the folder takes no new file, a file with write permission is written in place; then a failure
-// may cut the file short. Leftovers of interrupted replacements of the same file are removed. Threads and processes may
-// replace one file at the same time: the last rename wins.
+// not replaced. Leftovers of interrupted replacements of the same file are removed. Threads and processes may replace
+// one file at the same time: the last rename wins.
+//
+// The exception: if the folder does not allow new files, a file with write permission is overwritten in place. A
+// failure can then cut the file short.
 bool ReplaceFile(const char* path, std::initializer_list<std::string_view> parts);
 
 }  // namespace catalogcore
