@@ -8,6 +8,7 @@
  *     preset     one of the ten indexes that every catalogue has from the start.
  *     entry      an image or an index.
  *     record     an IDXITEM: what a call reads about an entry, and what the call writes about it.
+ *     marked     a field of a record is marked if its bit is set in IDXITEM.mask.
  *     walk       an iteration over images or indexes: a find-first call, find-next calls, and IDXCloseFind.
  *     handle     the position of a walk, an IDXFIND.
  *
@@ -38,8 +39,8 @@
  *     anything else                                  IDXERR_MEMORY
  *
  * Limits: the path of an image has at most 4096 bytes of UTF-8, and at most 512 folders. The tree of indexes has four
- * levels below its root. A file may bring indexes on up to 64 levels, but the number that is written for an index
- * below the fourth level does not identify it: the number may be out of range, or that of another index.
+ * levels below its root. A loaded file may contain indexes on up to 64 levels, but the number that a call writes
+ * for an index below the fourth level does not identify it: the number may be out of range, or that of another index.
  *
  * Case: paths that differ only in the case of ASCII letters are two paths. The exception is about one such pair in
  * 2000, whose hashes in the catalogue happen to be equal: the two paths then count as one. If /p/summer78.jpg and
@@ -47,7 +48,7 @@
  * would remove that image. The same holds for folders. Walks return the path that was added first.
  *
  * Folders: a folder stays in the catalogue after its last image was removed, until IDXInitialize or IDXUninitialize.
- * The folder takes some 250 bytes and those of its path, and keeps its place in the order of walks.
+ * The folder takes about 250 bytes in addition to its path, and keeps its place in the order of walks.
  */
 #ifndef CATALOGCORE_H_
 #define CATALOGCORE_H_
@@ -84,8 +85,8 @@
  *
  * On output the library stores a new string in the variable. The application owns the new string: it reads the text
  * with CFStringGetCString and releases the string with CFRelease. The library does not release the string that the
- * variable held before. The variable keeps its value if memory is missing, or if the text is not valid UTF-8, which
- * only a file can bring. To notice this, set the variable to NULL before the call.
+ * variable held before. The variable keeps its value on allocation failure, and if the text is not valid UTF-8
+ * (only a loaded file can contain such text). To notice this, set the variable to NULL before the call.
  */
 typedef CFStringRef* IDXSTR;
 
@@ -96,7 +97,7 @@ enum {
   IDX_OK = 0,              /* success */
   IDXERR_FAILED = 1,       /* no catalogue; a string is missing or invalid; a file cannot be read or written */
   IDXERR_PARAM = 2,        /* an argument or field is missing or invalid */
-  IDXERR_NODATA = 3,       /* the catalogue file is missing, or has no indexes or no images */
+  IDXERR_NODATA = 3,       /* the catalogue file is missing, or holds none of the entries to load */
   IDXERR_EMPTY = 4,        /* the catalogue file's text has no line */
   IDXERR_VERSION = 6,      /* the catalogue file's text has another version */
   IDXERR_NOIMAGE = 7,      /* no such image; the end of a walk over images */
@@ -208,7 +209,7 @@ typedef struct IDXDSDATA {
   int32_t fixedScene;   /* 1: a document, whatever it shows; nothing is analysed */
   int32_t typeHint;     /* 1: document; 2: photograph; else: not known */
   uint16_t photoHint;   /* 3: photograph; else: no effect */
-  uint16_t photoKind;   /* 1, 2, 3: photograph, and 1 and 3: faces are not detected; else: no effect */
+  uint16_t photoKind;   /* 1, 2 or 3: photograph; 1 or 3: faces are not detected; else: no effect */
   int32_t presetIndex;  /* output: the number of the preset for the picture, or -1 */
 } IDXDSDATA;
 
@@ -382,10 +383,10 @@ IDXSTATUS IDXFindNextIndex(IDXFIND find, IDXITEM* item);
 
 /*
  * Renames `count` indexes, protected or not: names[i] becomes the display name of the index numbers[i]. A name may be
- * empty. A name that is null or cannot be converted (also on allocation failure) is replaced by the name used for the
- * element before, in the first element by the empty name. A number out of range is replaced by the number used for the
- * element before, in the first element by IDX_ROOT. IDX_OK; IDXERR_PARAM: an array is null, an index does not exist, or
- * a name could not be stored; the other indexes are renamed.
+ * empty. A name that is null or cannot be converted (also on allocation failure) counts as the name that was used for
+ * the element before; in the first element it counts as empty. A number out of range counts as the number that was used
+ * for the element before; in the first element it counts as IDX_ROOT. IDX_OK; IDXERR_PARAM: an array is null, an index
+ * does not exist, or a name could not be stored; the other indexes are renamed.
  */
 IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int32_t count);
 
@@ -433,9 +434,9 @@ IDXSTATUS IDXLoadImageFile(IDXSTR name);
  *     IDXERR_PARAM         `name` is null
  *     IDXERR_MEMORY
  *
- * Indexes whose attribute is exactly the three protections, such as the presets, are not written. If a child of such an
- * index is written and the index does not exist at the next load, the load creates the index with the name and
- * attribute of the child.
+ * Indexes whose attribute is exactly the three protections, such as the presets, are not written. The indexes below
+ * such an index are written. If the index does not exist at the next load, the load creates the index with the name and
+ * attribute of the first index below it in the file.
  *
  * A name that is empty or has a line feed damages the file, and the write returns IDX_OK: the next load gives the index
  * a wrong name, and loses the index of the next line or gives it another number.

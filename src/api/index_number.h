@@ -1,7 +1,7 @@
 // Converts between index numbers and the paths of indexes: 1100000 is 1/10.
 //
-// A number packs the groups of a path from the top down, `digits` decimal digits for each group but the first, for four
-// levels; missing levels are 0. -1 is the root ".".
+// A number holds the components of a path ("groups") from the top down. Each group except the first has `digits` decimal
+// digits. There are four levels, and missing levels are 0. -1 is the root ".".
 #ifndef CATALOGCORE_API_INDEX_NUMBER_H_
 #define CATALOGCORE_API_INDEX_NUMBER_H_
 
@@ -20,14 +20,14 @@ inline constexpr int kEndIndexNumber = 100000000;
 // Whether the number is in the range of index numbers, which excludes the root.
 constexpr bool IsIndexNumber(int number) { return number >= kFirstIndexNumber && number < kEndIndexNumber; }
 
-// The path of an index number, "." for the root. Empty when the number is out of range.
+// Returns the path of an index number, "." for the root. Returns empty text if the number is out of range.
 std::string IndexPath(int number);
 
-// The number whose path is exactly `path`, -1 for ".". 0 when no number stands for the path.
+// Returns the number whose path is exactly `path`, -1 for ".". Returns 0 if no number has this path.
 int NumberOfIndexPath(const std::string& path);
 
-// The path of a number; a group of 0 ends it, whatever follows. Negative when the number is out of range (`path` is
-// then unchanged) or there is no memory.
+// Sets `path` to the path of a number. A group of 0 ends the path, whatever follows. Returns a negative number, with
+// `path` unchanged, if the number is out of range or memory cannot be allocated.
 int ConvertINTtoPath(CIDXString& path, int number, int digits);
 
 // Sets `number` to the number of a path and returns the last group's value. A group that is not a number counts as 0.

@@ -30,13 +30,14 @@
 //
 // Invariants, between two operations of the store:
 // - Cells: a cell is at one place in its parent's child list. The list is in the order of insertion, and `ordinal`
-//   increases along the list. The root has no parent. A cell is also in its bucket.
+//   increases along the list. The root has no parent. A cell is also in its bucket. (See below for moved
+//   cells.)
 // - Images: an image is in the image list of cell[kIndexTree], in the image list of cell[kFolderTree], and in its
 //   bucket. The image list of an index is in the order of filing.
 // - Groups: the image list of a folder consists of groups in the order of their indexes in the tree (CompareCell).
 //   Within a group, images are in the order of filing. The folder's skip list has one marker for each group, in the
 //   same order. Indexes have no skip list. After an index was moved, or if the root of the index tree is missing, the
-//   groups may be out of order and one index may have several groups, even adjacent ones. Still, all images from one
+//   groups may be out of order. One index may then have several groups, even adjacent ones, but all images from one
 //   marker to the next have the same index.
 // - Key tables: an entry is in its key table exactly while it is in its bucket. Entries may have equal keys, but only
 //   in a tree without a root. The table then returns the entry that comes first in the bucket.
