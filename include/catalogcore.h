@@ -43,9 +43,9 @@
  * for an index below the fourth level does not identify it: the number may be out of range, or that of another index.
  *
  * Case: paths that differ only in the case of ASCII letters are two paths. The exception is about one such pair in
- * 2000, whose hashes in the catalogue happen to be equal: the two paths then count as one. If /p/summer78.jpg and
- * /p/SUMMER78.JPG were such a pair, only one of them could be added (the other: IDXERR_IMAGEEXISTS), and either path
- * would remove that image. The same holds for folders. Walks return the path that was added first.
+ * 2000, whose hashes in the catalogue happen to be equal: the two paths then count as one. /p/summer78.jpg and
+ * /p/SUMMER78.JPG are such a pair. If the first is in the catalogue, the second cannot be added (IDXERR_IMAGEEXISTS),
+ * and removing the second removes the first. The same holds for folders. Walks return the path that was added first.
  *
  * Folders: a folder stays in the catalogue after its last image was removed, until IDXInitialize or IDXUninitialize.
  * The folder takes about 250 bytes in addition to its path, and keeps its place in the order of walks.
