@@ -49,7 +49,7 @@ struct IndexCalls {
 }  // namespace detail
 
 /// A walk over images or indexes: an input range that can be iterated once. It owns a find handle, which it closes at
-/// its end or in its destructor, so a loop may be left at any time. A new walk stands on its first entry. catalogcore.h
+/// its end or in its destructor, so a loop may be left at any time. A new walk is at its first entry. catalogcore.h
 /// documents at IDXFIND how a walk sees concurrent changes. Clearing or closing the catalogue ends the walk. A walk
 /// belongs to one thread at a time.
 template <typename Entry, typename Calls>

@@ -58,7 +58,7 @@ IDXSTATUS IDXChangeImage(IDXITEM* item) {
     CIDXString name;
     IDXSTATUS status = GetIDXName(item, name);
     if (status != IDX_OK) return status;
-    if (item->index == IDX_ROOT) return IDXRemoveImage(item);  // deliberately also if the index is not marked
+    if (item->index == IDX_ROOT) return IDXRemoveImage(item);  // on purpose even if `index` is not marked
     if ((item->mask & IDXMASK_INDEX) != 0) {
       CIDXString index;
       status = GetIDXIndex(item, index);

@@ -15,8 +15,8 @@ namespace catalogcore {
 
 namespace {
 
-// The attribute of the roots and presets. Every IDXInitialize makes these again, so an index that has exactly this
-// attribute is not written.
+// The attribute of the roots and presets. Every IDXInitialize creates these again, so they are not written. A write
+// recognises them by this attribute alone, and omits every other index that has exactly this attribute too.
 constexpr std::uint8_t kAllProtections = IDXATTR_NOMOVE | IDXATTR_NOREMOVE | IDXATTR_NORENAME;
 
 constexpr int kPayloadBlockSize = 1024;
@@ -38,14 +38,14 @@ IDXSTATUS WriteRecords(CIndexData& data, const char* path, CFStringRef key,
   return _WriteKeyData(url.get(), key, payload) == 1 ? IDX_OK : IDXERR_FAILED;
 }
 
-// Returns for each record, in order, whether the image's file exists. Throws std::bad_alloc.
+// Returns for each line, in order, whether the image's file exists. Throws std::bad_alloc.
 std::vector<bool> FindImageFiles(PayloadReader reader) {
   std::vector<bool> exist;
   ExistingFiles files;
   std::string path;
   for (PayloadRecord record{}; reader.NextRecord(record);) {
     path = record.last.substr(0, PATH_MAX);
-    exist.push_back(path.size() < PATH_MAX && files.Has(path.c_str()));  // a longer path names no file
+    exist.push_back(path.size() < PATH_MAX && files.Has(path.c_str()));  // no file has a longer path
   }
   return exist;
 }

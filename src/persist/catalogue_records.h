@@ -1,9 +1,10 @@
-// Loads the records of a catalogue file into a catalogue, and writes the records of a catalogue to its file.
+// Loads the entries of a catalogue file into a catalogue, and writes the entries of a catalogue to a file.
 //
-// A catalogue file is an XML property list (property_file.h). The data item under the file's key is the payload
-// (payload.h): one record for each index, or for each image. `path` is the full path of the catalogue file.
+// A catalogue file is an XML property list (property_file.h). It has up to two data items: one for the indexes under
+// CATALOGCORE_INDEX_KEY, and one for the images under CATALOGCORE_IMAGE_KEY. Such an item is a payload (payload.h): a
+// text with one line for each entry. `path` is the path of the catalogue file.
 //
-// The functions lock the catalogue only while they add records to the catalogue or read them from it. They do not hold
+// The functions lock the catalogue only while they add entries to the catalogue or read them from it. They do not hold
 // the lock while they read or write a file, or check whether a file exists.
 #ifndef CATALOGCORE_PERSIST_CATALOGUE_RECORDS_H_
 #define CATALOGCORE_PERSIST_CATALOGUE_RECORDS_H_
@@ -22,9 +23,10 @@ namespace catalogcore {
 #define CATALOGCORE_INDEX_KEY CFSTR("IDXIndex")
 #define CATALOGCORE_IMAGE_KEY CFSTR("IDXImage")
 
-// Add the records of the file to the catalogue. Records that the store refuses are skipped, and so are images whose
+// Add the entries of the file to the catalogue. Entries that the store refuses are skipped, and so are images whose
 // file does not exist. Return the statuses of LoadPayload; IDXERR_EMPTY if the payload of indexes has no line;
-// IDXERR_VERSION if the first line is not the version tag; IDXERR_MEMORY, also after some of the records were added.
+// IDXERR_VERSION if the first line is not the version tag, or if the payload of images has no line; IDXERR_MEMORY if an
+// allocation failed. After IDXERR_MEMORY some of the entries may have been added.
 IDXSTATUS LoadIndexRecords(CIndexData& data, const char* path);
 IDXSTATUS LoadImageRecords(CIndexData& data, const char* path);
 

@@ -9,7 +9,7 @@
 inline constexpr std::size_t kBrennRecordSize = 52;
 inline constexpr std::size_t kBrennResultSize = 16;
 
-// Byte offsets of the fields of the image record; integers are in the host's byte order.
+// Byte offsets of the fields in the description of a picture (`record`). Integers are in the host's byte order.
 enum BrennRecordOffset : std::size_t {
   kBrennTag = 0,              // 16 bits: kBrennRecordTag
   kBrennSamplesPerPixel = 2,  // 16 bits: 1 or 3; 0 if the bit depth is not 8, 16, 24 or 48

@@ -35,7 +35,7 @@ void CDetectScene::Uninitialize() { paramData.reset(); }
 
 namespace {
 
-constexpr std::int32_t kSmallestSide = 50;   // pixels; a smaller picture shows too little to classify
+constexpr std::int32_t kSmallestSide = 50;   // pixels; a smaller picture is a photograph without faces
 constexpr std::int32_t kLargestSide = 4096;  // pixels
 
 }  // namespace
@@ -59,7 +59,7 @@ IDXSTATUS CDetectScene::DetectScene(const IDXDSDATA* data, std::int32_t& sceneCl
     }
     if (std::max(image.width, image.height) > kLargestSide) return IDXERR_IMAGESIZE;
   }
-  // Missing pixels (IDXERR_PARAM) are no failure: the hints and the sizes may suffice.
+  // IDXERR_PARAM means that there are no pixels. This is no failure: the hints and the sizes may suffice.
   if (image.SetImageBuffer(data->pixels) == IDXERR_MEMORY) return IDXERR_MEMORY;
   const IDXSTATUS status = DetectImageType(image, sceneClass);
   if (status != IDX_OK) return status;
@@ -130,7 +130,8 @@ constexpr PaperSides PaperSize[] = {
     {8.5, 14.0},    // Legal
 };
 
-// Long side over short side of the same papers. The values are not exactly the quotients of the rounded sizes above.
+// Long side over short side of the same papers. Some values differ from the quotients of the sizes above, which are
+// truncated to two decimals.
 constexpr double PaperRatio[] = {1.654, 1.48, 1.5, 1.419, 1.412, 1.415, 1.294, 1.647};
 static_assert(std::size(PaperRatio) == std::size(PaperSize));
 
@@ -138,8 +139,8 @@ static_assert(std::size(PaperRatio) == std::size(PaperSize));
 // below this limit.
 constexpr double kTolerance = 0.2;
 
-// Returns the scene value of the paper with the smallest score, and of the first of them if several are equal. A
-// negative score excludes a paper. Returns kDocumentOther if every paper is excluded.
+// Returns the scene value of the paper with the smallest score. Of several papers with this score, the first in the
+// table counts. A negative score excludes a paper. Returns kDocumentOther if every paper is excluded.
 template <typename Score>
 std::int32_t BestPaper(Score score) {
   double best = 200.0;
@@ -216,14 +217,14 @@ IDXSTATUS CDetectScene::DetectPhotoScene(const CIDXImage& image, std::int32_t& s
 
   FaceContext face;
   Orlo_Initialize();
-  // scene/orlo.h defines the stride as negated; the first row is the top row.
+  // scene/orlo.h wants the stride with its sign reversed. The first row is the top row nevertheless.
   std::int32_t failure =
       Orlo_SetBitmap(&face.context, image.bitsPerPixel, image.width, image.height, -image.rowBytes, image.pixels.get());
   if (failure != 0) return IDXERR_FACES + static_cast<IDXSTATUS>(failure);
   FaceList found;
   failure = Orlo_DetectFacePosition(&face.context, &found.list);
   if (failure != 0) return IDXERR_FACES + static_cast<IDXSTATUS>(failure);
-  Orlo_Uninitialize();  // deliberately not called after a failure, as scene/orlo.h says
+  Orlo_Uninitialize();  // not called after a failure; scene/orlo.h allows this
   return decide(found.list.count != 0 ? kPhotoFaces : kPhotoNoFaces);
 }
 

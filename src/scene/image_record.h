@@ -1,4 +1,4 @@
-// The record that describes the reduced picture to the recognizer, as scene/brenn.h lays it out.
+// The description of the reduced picture for the recognizer. scene/brenn.h defines its layout.
 #ifndef CATALOGCORE_SCENE_IMAGE_RECORD_H_
 #define CATALOGCORE_SCENE_IMAGE_RECORD_H_
 

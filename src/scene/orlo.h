@@ -25,8 +25,9 @@ struct OrloFaceList {
 extern "C" {
 std::int32_t Orlo_Initialize();
 
-// Describes the picture: `bitsPerPixel` 8, 16, 24 or 48; `negatedStride` is minus the bytes from one row to the next,
-// which run downward in memory from the first byte of `pixels`. The pixels must stay valid until the detection ends.
+// Describes the picture. `bitsPerPixel` is 8, 16, 24 or 48. `negatedStride` is the number of bytes from one row to the
+// next, with its sign reversed. Nevertheless `pixels` points to the top row, and each row is followed by the row below
+// it. The pixels must stay valid until the detection ends.
 std::int32_t Orlo_SetBitmap(OrloContext* context, std::int32_t bitsPerPixel, std::int32_t width, std::int32_t height,
                             std::int32_t negatedStride, const void* pixels);
 

@@ -22,8 +22,8 @@
 //   block        memory from one allocation.
 //   walk         an iteration over the cells of a subtree, or over their images; SearchHandle is its state (walks.h).
 //   find         a walk that stays open between calls of the application (open_finds.h).
-//   removed      a removed entry is in no list, bucket or key table. The store keeps the entry as long as a find may
-//                stand on it.
+//   removed      a removed entry is in no list, bucket or key table. The store keeps the entry as long as the position
+//                of a find may be this entry.
 //   moved        a moved cell was moved to another parent by MoveCell, or was below a cell when MoveCell moved that
 //                cell. No exported call uses MoveCell, so the catalogue of an application has no moved cells.
 //   the lock     the store's critical region (CIndexData::CriticalRegion), which the store's callers hold.
@@ -68,12 +68,12 @@ constexpr std::int32_t OtherTree(std::int32_t tree) { return tree == kFolderTree
 
 // The results of the store's operations. The exported calls convert them to their statuses.
 enum StoreResult : std::uint32_t {
-  StoreOk = 0,                // done; also a move to the cell where the entry already is
+  StoreOk = 0,                // done; or nothing to do, because the entry already is where it is moved to
   StoreFailed = 1,            // an entry could not be allocated
   StoreImageExists = 2,       // an image with this key exists
   StoreImageNotFound = 3,     // no image has this key
   StoreIndexExists = 4,       // a cell with this key exists
-  StoreIndexNotFound = 5,     // no cell has this key; for a move also: the new parent is missing
+  StoreIndexNotFound = 5,     // no cell has this key; or the new parent of a moved cell is missing
   StoreIndexHasChildren = 6,  // the cell to remove has child cells
   StoreInvalidKey = 8,        // the key is invalid in its tree, or names a cell that this operation does not accept
   StoreMoveProtected = 17,    // IDXATTR_NOMOVE is set
@@ -105,8 +105,8 @@ struct CIDXNodeInfo {
   bool removed = false;
 };
 
-// One block holds the node, its record (CIDXNodeInfo) and its key, so that filing an image allocates once. The fields
-// that a look-up reads lie together at the end of the node and the start of the record.
+// One block holds the node, its CIDXNodeInfo (`record`) and its key, so that filing an image allocates once. The fields
+// that a look-up reads lie together at the end of the node and the start of `record`.
 struct CIDXNode {
   // Returns an image that is not filed yet; null on allocation failure. Its key is a copy of the first `size` bytes of
   // the text. None of these bytes may be zero.

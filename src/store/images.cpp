@@ -12,12 +12,13 @@ CIDXNode* CIndexData::SearchNode(const CIDXString& key) const { return nodeTable
 std::uint32_t CIndexData::AddNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
                                   std::uint8_t attribute) {
   const HashedKey hashed(key);
-  nodeTable.Prefetch(hashed);  // loads from memory while the cells are looked up
+  nodeTable.Prefetch(hashed);  // memory answers while the cells are looked up
   CIDXCell* const index = SearchCell(kIndexTree, indexKey);
   CIDXCell* folder = SearchFolder(folderKey);
   if (nodeTable.Find(hashed)) return StoreImageExists;
   if (!index) return StoreIndexNotFound;
-  // The empty index key is accepted on purpose: it names the root, and the image is filed there.
+  // The empty index key also names the root, and the image would be filed there. No exported call and no catalogue file
+  // can pass an empty index key.
   if (index == root[kIndexTree] && indexKey.Length() != 0) return StoreInvalidKey;
   if (hashed.size > kMaxKeyBytes) return StoreInvalidKey;
   if (!folder) {
@@ -91,11 +92,11 @@ CIDXNode* CIndexData::IsolateNode(CIDXNode* node) {
   return ReleaseNode(kFolderTree, node);
 }
 
-// Takes the image out of the cell's list. The image keeps its own links, for finds that stand on it.
+// Takes the image out of the cell's list. The image keeps its own links: a find whose current image it is follows them.
 CIDXNode* CIndexData::ReleaseNode(std::int32_t tree, CIDXNode* node) {
   CIDXCell* const cell = node->cell[tree];
   if (!cell) return node;
-  if (tree == kFolderTree) DropFromGroup(node);  // requires the complete list
+  if (tree == kFolderTree) DropFromGroup(node);  // first: it needs the image in the list
   CIDXNode* const before = node->prev[tree];
   CIDXNode* const after = node->next[tree];
   (before ? before->next[tree] : cell->firstNode) = after;

@@ -1,7 +1,8 @@
 // Beginning and end of the store.
 //
-// Every image stands in a bucket, and every cell in a bucket or in `movedCells`. Some of them are in no tree, after a
-// move of cells or if a root could not be allocated. So the buckets are deleted, not the trees.
+// Every image is in a bucket, and every cell is in a bucket or in `movedCells`. Some cells and images are in no tree,
+// after a move of cells or if a root could not be allocated. The destructor therefore goes through the buckets and
+// `movedCells`, not through the trees.
 #include "store/index_data.h"
 
 #include "catalogcore.h"

@@ -57,10 +57,11 @@ class CIndexData {
 
   // ---- Images
 
-  // Files an image. StoreImageExists; StoreIndexNotFound; StoreInvalidKey for the index key "." (the empty index key is
-  // valid and names the root), for an invalid folder key and for an image key that is too long. Creates the folder and
-  // its missing ancestors as AddCell does. StoreFailed: the image is not filed; a folder that was created for it stays,
-  // unless creating the folder failed.
+  // Files an image. StoreImageExists; StoreIndexNotFound; StoreInvalidKey for the index key ".", for an invalid folder
+  // key and for an image key that is too long. (The empty index key also names the root and is accepted, but no
+  // exported call and no catalogue file can pass it.) Creates the folder and its missing ancestors as AddCell does.
+  // StoreFailed: the image is not filed. If AddCell failed, it may have removed folders. If the image itself could not
+  // be allocated, the folder that was created for it stays.
   std::uint32_t AddNode(const CIDXString& key, const CIDXString& indexKey, const CIDXString& folderKey,
                         std::uint8_t attribute);
 
@@ -69,8 +70,8 @@ class CIndexData {
 
   // Files an image in another cell of one tree. StoreImageNotFound; StoreInvalidKey for the key ".";
   // StoreIndexNotFound; StoreOk, without a change, if the image is already there; StoreMoveProtected. The image is
-  // removed and filed again, as a new object at the end of its lists. If filing fails, the image is lost and the result
-  // is AddNode's.
+  // removed and filed again as a new object: at the end of the index's list, and at the end of its group in the
+  // folder's list. If filing fails, the image is lost, and the result is that of AddNode.
   std::uint32_t MoveNode(std::int32_t tree, const CIDXString& key, const CIDXString& newCellKey, std::int32_t force);
 
   // Replaces the attribute of an image. StoreImageNotFound.
@@ -91,9 +92,9 @@ class CIndexData {
   // ---- Cells
 
   // Creates a cell and its missing ancestors, all with this name and attribute. StoreIndexExists; StoreInvalidKey.
-  // StoreFailed: an allocation failed. Then RemoveCell without force is called for every cell from the parent of the
-  // failed one up to the root. This removes the cells that this call created, and also an older ancestor left without
-  // children.
+  // StoreFailed: an allocation failed. Then RemoveCell without force is called for the parent of the cell that could
+  // not be created, and for every cell above the parent. This removes the cells that this call created. It also removes
+  // older ancestors that have no other child, with their images.
   std::uint32_t AddCell(std::int32_t tree, const CIDXString& key, const CIDXString& name, std::uint8_t attribute);
 
   // Removes a cell and its images. StoreIndexNotFound; StoreIndexHasChildren; StoreRemoveProtected; StoreInvalidKey for
@@ -134,7 +135,7 @@ class CIndexData {
   void DeleteAllNodes();
   void DeleteAllCells(std::int32_t tree);
 
-  // images.cpp. A null cell leaves the image out of the tree's lists: the tree has no root.
+  // images.cpp. `cell` may be null, but only in a tree without a root. The image is then in no list of that tree.
   CIDXCell* SearchFolder(const CIDXString& key);
   CIDXNode* CreateNode(const HashedKey& key, CIDXCell* index, CIDXCell* folder, std::uint8_t attribute);
   bool LinkNodes(std::int32_t tree, CIDXCell* cell, CIDXNode* node);
@@ -197,7 +198,7 @@ class CIndexData {
   KeyTable<CIDXNode> nodeTable;
   KeyTable<CIDXCell> cellTable[kTreeCount];
   OpenFinds openFinds;
-  CIDXCell* recentFolder = nullptr;  // the result of the latest SearchFolder; null after its removal
+  CIDXCell* recentFolder = nullptr;  // the result of the latest SearchFolder; null after this folder was removed
 };
 
 }  // namespace catalogcore

@@ -1,8 +1,8 @@
 // Finds, the walks that stay open between calls, and the removed entries that the store keeps for them.
 //
 // Time is divided into spans. A span begins when a find is opened. More finds may be opened in a span until an entry is
-// removed; the next find to be opened after a removal begins a new span. So a find may stand on entries that were
-// removed in its own span or in a later one, and never on an entry that was removed before its span.
+// removed; the next find to be opened after a removal begins a new span. So the position of a find may be an entry that
+// was removed in the find's own span or in a later one, but never an entry that was removed before that span.
 //
 // Invariants:
 // - While any span exists, a removed entry is kept in the last one. Without a span, a removed entry is deleted at once.
@@ -50,8 +50,8 @@ class OpenFinds {
   void Keep(CIDXNode* node);
   void Keep(CIDXCell* cell);
 
-  // Deletes at most kSweptAtOnce of the objects that no find can stand on. Every call that takes the lock calls Sweep.
-  // The average call removes fewer entries, so that the number of kept entries decreases.
+  // Deletes at most kSweptAtOnce of the spans and entries that no find needs any more. Every call that takes the lock
+  // calls Sweep. The average call removes fewer entries, so the number of kept entries decreases.
   void Sweep() {
     for (std::size_t i = 0; i < kSweptAtOnce && first && IsClosed(*first); ++i) DeleteOldest();
   }
