@@ -89,8 +89,8 @@ class Catalog {
   /// need the recognizer; everything else works.
   bool HasRecognizer() const noexcept { return hasRecognizer_; }
 
-  /// Empties the catalogue, which is then as after Open, without a directory. After Status::kMemory all calls give
-  /// Status::kFailed until Clear succeeds.
+  /// Empties the catalogue, which is then as after Open, without a directory. Status::kMemory: an allocation failed.
+  /// Afterwards all calls give Status::kFailed until Clear succeeds.
   Result<void> Clear() {
     if (!isOpen_) return Status::kFailed;
     const IDXSTATUS status = IDXInitialize();
@@ -100,17 +100,18 @@ class Catalog {
 
   // ---- Images
 
-  /// Files an image under an index other than the root. The file need not exist. Status::kParam: the path has no "/",
-  /// or the index is out of range; kImageExists; kNoIndex; kMemory; kFailed.
+  /// Files an image under an index other than the root. The file need not exist. Status::kParam: the path is invalid
+  /// (see IDXAddImage), or the index is out of range or the root; kImageExists; kNoIndex; kMemory; kFailed.
   Result<void> AddImage(std::string_view path, IndexNumber index, Attributes attributes = Attributes::kNone) {
     detail::InputText name(path);
     return Call(IDXAddImage, detail::Record().Name(name).Number(index).Protection(attributes));
   }
 
-  /// Moves an image, or adds it if it is not in the catalogue, then sets its attributes. What is not set in `change`
-  /// does not change. If setting the attributes fails, the image stays moved. Status::kProtected; kNoIndex; kNoImage:
-  /// no such image, and `change` has no index; kParam; kMemory: an image that was to be moved may have been removed;
-  /// kFailed.
+  /// Moves an image to the index in `change`, or adds it if it is not in the catalogue. Then sets its attributes. What
+  /// is not set in `change` does not change. An index of kRoot removes the image. If setting the attributes fails, the
+  /// image stays moved. Status::kProtected; kNoIndex; kNoImage: no such image, and `change` has only attributes; kParam;
+  /// kFailed; kMemory: an allocation failed, or the path is empty. After kMemory, an image that was to be moved may
+  /// have been removed.
   Result<void> ChangeImage(std::string_view path, const ImageChange& change, Options options = Options::kNone) {
     detail::InputText name(path);
     detail::Record record;
@@ -172,7 +173,8 @@ class Catalog {
   }
 
   /// Changes the name, then the attributes. What is not set in `change` does not change. If both are set, the status is
-  /// that of the attributes, even if the name was not changed. If the name is not valid text, nothing is changed.
+  /// that of the second step, even if the first step did not change the name. If the name is not valid text, nothing is
+  /// changed.
   /// Status::kNoIndex; kProtected; kParam; kMemory; kFailed.
   Result<void> ChangeIndex(IndexNumber number, const IndexChange& change, Options options = Options::kNone) {
     detail::InputText name(change.name.value_or(std::string_view()));
@@ -184,8 +186,8 @@ class Catalog {
   }
 
   /// Removes an index, and its images from the catalogue. Status::kNoIndex; kNotEmpty: the index has child indexes;
-  /// kProtected: the index or one of its images is protected, and the images before the protected one have been
-  /// removed; kParam; kFailed.
+  /// kProtected: the index or one of its images is protected; kParam; kFailed. If an image is protected, the images
+  /// that were added to the index before this image have been removed.
   Result<void> RemoveIndex(IndexNumber number, Options options = Options::kNone) {
     return Call(IDXRemoveIndex, detail::Record().Number(number).State(options));
   }
@@ -211,8 +213,8 @@ class Catalog {
     return IndexWalk::Begin(record);
   }
 
-  /// Sets the display name of an index, also of a protected one. The name may be empty. Status::kParam: no such index;
-  /// kFailed.
+  /// Sets the display name of an index, even of a protected index. The name may be empty. The names of presets are not
+  /// stored in files. Status::kParam: no such index; kFailed.
   Result<void> SetPresetName(IndexNumber number, std::string_view name) {
     detail::InputText text(name);
     const IDXSTR variable = text.Variable();
@@ -227,22 +229,24 @@ class Catalog {
   // ---- Files
 
   /// Sets the directory of the catalogue's files, with or without a final "/". The directory is not created.
-  /// Status::kFailed; kMemory: no directory is set.
+  /// Status::kFailed; kMemory: an allocation failed, or the text is empty. After kMemory no directory is set.
   Result<void> SetDirectory(std::string_view directory) { return Call(IDXSetFilePath, directory); }
 
   /// Adds the indexes of a file in the directory to the catalogue. Call it before LoadImages. Status::kNoData: the file
-  /// is missing or holds no indexes; kEmpty; kVersion; kFailed: the file cannot be read, or is not a catalogue file;
-  /// kMemory. After a failure other than kNoData the file holds more than the catalogue: do not overwrite it.
+  /// is missing or has no list of indexes; kEmpty; kVersion; kFailed: the file cannot be read, or is not a catalogue
+  /// file; kMemory. After any failure except kNoData, do not overwrite the file: it may hold entries that were not
+  /// loaded.
   Result<void> LoadIndexes(std::string_view file) { return Call(IDXLoadIndexFile, file); }
 
-  /// Adds the images of a file in the directory, except images whose own file or index does not exist. Status::kNoData;
-  /// kVersion; kFailed; kMemory.
+  /// Adds the images of a file in the directory, except images whose own file or index does not exist. The next save
+  /// loses the images that were skipped. Fails as LoadIndexes does, but never with Status::kEmpty.
   Result<void> LoadImages(std::string_view file) { return Call(IDXLoadImageFile, file); }
 
-  /// Writes the indexes to a file in the directory. After any failure the old file is intact, unless its folder does
-  /// not allow new files: then the file is overwritten in place. Indexes whose attribute is exactly the three
-  /// protections, such as the presets, are not written. Two calls must not write the same file at once.
-  /// Status::kFailed: the file cannot be written; kMemory.
+  /// Writes the indexes to a file in the directory. They replace the indexes in the file; other values stay. After any
+  /// failure the old file is intact, unless its folder does not allow new files: then the file is overwritten in place,
+  /// and a failure can cut it short. Indexes whose attribute is exactly the three protections, such as the presets, are
+  /// not written. Two calls must not write the same file at once. Status::kFailed: the file is not a catalogue file, or
+  /// cannot be written; kMemory.
   Result<void> SaveIndexes(std::string_view file) const { return Call(IDXWriteIndexFile, file); }
 
   /// Writes the images to a file in the directory as SaveIndexes does. Both may use the same file.

@@ -13,7 +13,7 @@
 
 namespace catalogcore {
 
-/// The number of an index: 1000000 to 99999999, two decimal digits a level from the top down, or kRoot.
+/// The number of an index: 1000000 to 99999999, or kRoot. catalogcore.h explains the digits at IDX_ROOT.
 using IndexNumber = std::int32_t;
 
 /// The root of the tree, which holds no image.
@@ -134,10 +134,10 @@ struct IndexChange {
   std::optional<Attributes> attributes = std::nullopt;  ///< the new attributes
 };
 
-/// The images that Catalog::Images walks: those that match index and folder. Lower levels are always included.
+/// Restricts the walk of Catalog::Images to the images that match both the index and the folder.
 struct ImageQuery {
   IndexNumber index = kRoot;     ///< images of this index and of the indexes below it; kRoot: of any index
-  std::string_view folder = {};  ///< full path: images in this folder and in the folders below it; empty: in any
+  std::string_view folder = {};  ///< images in this folder (full path) and in the folders below it; empty: in any
   bool withPaths = true;         ///< false: `path` stays empty, which makes counting several times faster
 };
 

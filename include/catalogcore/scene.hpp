@@ -17,16 +17,16 @@ namespace catalogcore {
 /// What the application knows of a picture.
 enum class Hint {
   kNone,             ///< nothing
-  kFixedDocument,    ///< a document, whatever it shows; nothing is analysed
+  kFixedDocument,    ///< a document, whatever it shows; Classify gives preset::kDocumentFixed
   kDocument,         ///< a document
-  kPhotograph,       ///< a photograph; faces are detected
-  kPhotographAlone,  ///< a photograph; faces are not detected
+  kPhotograph,       ///< a photograph; the face detector looks for faces
+  kPhotographAlone,  ///< a photograph; the face detector is not used
 };
 
 /// A picture in memory. Byte b of the pixel in column x of row y is
 /// pixels[y * rowBytes + x * (bitsPerPixel / 8) + b].
 struct PixelBuffer {
-  std::span<const std::byte> pixels = {};  ///< at least rowBytes * height bytes; empty: decided by hint and sizes alone
+  std::span<const std::byte> pixels = {};  ///< at least rowBytes * height bytes; empty: hint and sizes alone decide
   std::int32_t width = 0;                  ///< pixels in a row, 1 to 4096
   std::int32_t height = 0;                 ///< rows, 1 to 4096
   std::int32_t bitsPerPixel = 0;           ///< 8 or 16: one sample a pixel; 24 or 48: three

@@ -55,7 +55,7 @@ class Kind(enum.Enum):
     DOCUMENT = enum.auto()
     DECLARED_DOCUMENT = enum.auto()  # filed as Preset.DOCUMENT_FIXED, whatever its size
     PHOTO = enum.auto()
-    PHOTO_WITHOUT_FACES = enum.auto()  # faces are not detected
+    PHOTO_WITHOUT_FACES = enum.auto()  # the face detector is not used
 
 
 _HINTS: dict[Kind, dict[str, int]] = {
@@ -151,8 +151,8 @@ class Catalogue:
 
     A new catalogue has the presets. `folder` is the folder of its files, which need not exist yet; without a folder,
     pass the full paths of the files. The path of an image is a full path in valid UTF-8. Two paths that differ only in
-    the case of ASCII letters are two images, except about one pair in 2,000. Paths and names must not have a line feed,
-    because the files cannot store it.
+    the case of ASCII letters are normally two images. In about one of 2,000 such pairs they are one image. Paths and
+    names must not have a line feed, because the files cannot store it.
 
     A second catalogue raises ClosedError, and so do calls after close(), which ends all walks. Failures raise
     CatalogueError; any call may raise InvalidError or OutOfMemoryError. An argument of a wrong type raises TypeError.
@@ -216,7 +216,8 @@ class Catalogue:
     # ---- Images
 
     def add(self, path: StrPath, index: int, attribute: int = 0) -> None:
-        """Files an image under an index. ExistsError; NotFoundError: no such index; InvalidError: also for the root."""
+        """Files an image under an index. ExistsError; NotFoundError: no such index; InvalidError: the path is invalid,
+        or the index is out of range or the root."""
         name = _path(path)
         self._do(f"add {path}", library.IDXAddImage, item_of(name=name, index=index, attribute=attribute))
 
@@ -287,7 +288,7 @@ class Catalogue:
     def add_index(self, name: str, parent: int = ROOT, attribute: int = 0, *, exist_ok: bool = False) -> int:
         """Adds an index below another and returns its number. ExistsError: the parent has a child of this name; with
         `exist_ok` the call returns the number of this child. FullError; NotFoundError: no such parent; InvalidError:
-        also below the fourth level."""
+        the parent is out of range or on the fourth level."""
         text = String(name, "name")
         item = item_of(name=text, index=parent, attribute=attribute, operation=OP_GETINFO)
         status = self._status(library.IDXAddIndex, ctypes.byref(item))
@@ -302,8 +303,8 @@ class Catalogue:
         self._do(f"rename index {number}", library.IDXChangeIndex, item)
 
     def name_presets(self, names: Mapping[int, str]) -> None:
-        """Sets display names of indexes, also of protected ones. NotFoundError: an index does not exist, and the
-        indexes before it are renamed."""
+        """Sets display names of indexes, even of protected indexes. The names of presets are not stored in files.
+        NotFoundError: an index does not exist. The indexes before it have been renamed."""
         for number, name in names.items():
             self.rename_index(number, name, force=True)
 
@@ -312,9 +313,9 @@ class Catalogue:
         self._do(f"change index {number}", library.IDXChangeIndex, item_of(index=number, attribute=attribute))
 
     def remove_index(self, number: int, *, force: bool = False) -> None:
-        """Removes an index, and its images from the catalogue. NotFoundError; NotEmptyError: it has child
-        indexes; ProtectedError, unless forced: the index or one of its images is protected, and the images before the
-        protected one have been removed."""
+        """Removes an index, and its images from the catalogue. NotFoundError; NotEmptyError: it has child indexes;
+        ProtectedError, unless forced: the index or one of its images is protected. If an image is protected, the images
+        that were added to the index before this image have been removed."""
         self._do(f"remove index {number}", library.IDXRemoveIndex, item_of(index=number, state=_state(force)))
 
     def index(self, number: int) -> Index:
@@ -350,22 +351,24 @@ class Catalogue:
 
     def load_indexes(self, name: StrPath = INDEX_FILE, *, missing_ok: bool = False) -> None:
         """Adds the indexes of a file. Indexes that exist already do not change. FileError; NoDataError, which is a
-        FileError: the file is missing or has no indexes. `missing_ok` suppresses NoDataError."""
+        FileError: the file is missing or has no list of indexes. `missing_ok` suppresses NoDataError."""
         self._load(name, library.IDXLoadIndexFile, missing_ok)
 
     def load_images(self, name: StrPath = IMAGE_FILE, *, missing_ok: bool = False) -> None:
         """Adds the images of a file, except images whose own file or index does not exist, and images that are in the
-        catalogue already. Call load_indexes() first. Raises what load_indexes() raises."""
+        catalogue already. The next save loses the images that were skipped. Call load_indexes() first. Raises what
+        load_indexes() raises."""
         self._load(name, library.IDXLoadImageFile, missing_ok)
 
     def save_indexes(self, name: StrPath = INDEX_FILE) -> None:
-        """Writes the indexes to a file and keeps its other entries. After a failure the old file is intact, unless its
-        folder does not allow new files: then the file is overwritten in place. Indexes whose attribute is exactly the
-        three protections, such as the presets, are not written. FileError."""
+        """Writes the indexes to a file. They replace the indexes in the file; other values stay. After a failure the
+        old file is intact, unless its folder does not allow new files: then the file is overwritten in place, and a
+        failure can cut it short. Indexes whose attribute is exactly the three protections, such as the presets, are not
+        written. FileError."""
         self._file(f"write {name}", library.IDXWriteIndexFile, name)
 
     def save_images(self, name: StrPath = IMAGE_FILE) -> None:
-        """Writes the images to a file in the same way. FileError."""
+        """Writes the images to a file as save_indexes() writes the indexes. FileError."""
         self._file(f"write {name}", library.IDXWriteImageFile, name)
 
     # ---- Scenes

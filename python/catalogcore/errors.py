@@ -71,7 +71,7 @@ class FileError(CatalogueError):
 
 
 class NoDataError(FileError):
-    """The catalogue file is missing, or has no entries of this kind."""
+    """The catalogue file is missing, or has no list of entries of this kind."""
 
 
 class SceneError(CatalogueError):
