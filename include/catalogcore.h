@@ -68,7 +68,7 @@
 #include <CoreFoundation/CoreFoundation.h>
 #include <stdint.h>
 
-/* The major version of this header: programs built with another one must be built again. */
+/* The major version of this header. A program built with another major version must be built again. */
 #define CATALOGCORE_VERSION_MAJOR 1
 /* The minor version, which grows when something is added. */
 #define CATALOGCORE_VERSION_MINOR 0
@@ -86,7 +86,7 @@
  *     item.name = &path;   (after the call: CFRelease(path);)
  *
  * On input the library reads the string that the variable holds, and never releases the string. A call that needs a
- * text returns:
+ * text returns one of these statuses if the text is invalid:
  *
  *     the pointer is null                            IDXERR_PARAM
  *     the variable is NULL                           IDXERR_FAILED
@@ -97,12 +97,13 @@
  *
  * On output the library stores a new string in the variable. The application owns the new string: it reads the text
  * with CFStringGetCString and releases the string with CFRelease. The library does not release the string that the
- * variable held before. The variable keeps its value on allocation failure, and if the text is not valid UTF-8
- * (only a loaded file can contain such text). To notice this, set the variable to NULL before the call.
+ * variable held before. In two cases no string is stored and the variable keeps its value: on allocation failure, and
+ * if the text is not valid UTF-8 (only a loaded file can contain such text). To notice these cases, set the variable to
+ * NULL before the call.
  */
 typedef CFStringRef* IDXSTR;
 
-/* What a call returns: one of the values below, IDXERR_RECOGNIZER and IDXERR_FACES with a code added. */
+/* What a call returns: one of the values below. A code of the engine is added to the last two. */
 typedef uint32_t IDXSTATUS;
 
 enum {
@@ -204,8 +205,8 @@ typedef struct IDXITEM {
  * - A step returns the next entry at the time of the step. Removed entries are not returned. Entries that were added or
  *   moved to a later position are returned, so a walk may return a moved image twice.
  * - The image that was returned last may be removed or moved before the next step. The walk then continues with the
- *   image that followed it when it was removed or moved. Images that are later inserted between the two are not
- *   returned.
+ *   image that followed it when it was removed or moved. Images that are inserted later before the following image are
+ *   not returned.
  * - A walk over indexes ends if the index that was returned last is removed. A walk over images without a path ends if
  *   the index of the image that was returned last is removed.
  *
@@ -348,8 +349,8 @@ IDXSTATUS IDXSearchImage(IDXITEM* item);
 IDXFIND IDXFindFirstImage(IDXITEM* item, IDXSTATUS* status);
 
 /*
- * Finds the next image. With IDXOP_GETINFO writes `name`, `index` and `attribute`. The record may be another one than
- * in the find-first call. IDX_OK; IDXERR_NOIMAGE: the end of the walk; IDXERR_PARAM: `find` is null. REQUIRES:
+ * Finds the next image. With IDXOP_GETINFO writes `name`, `index` and `attribute`. The record need not be the record of
+ * the find-first call. IDX_OK; IDXERR_NOIMAGE: the end of the walk; IDXERR_PARAM: `find` is null. REQUIRES:
  * IDXFindFirstImage returned the handle.
  */
 IDXSTATUS IDXFindNextImage(IDXFIND find, IDXITEM* item);
@@ -432,16 +433,16 @@ IDXSTATUS IDXFindNextIndex(IDXFIND find, IDXITEM* item);
 
 /*
  * Renames `count` indexes, protected or not: names[i] becomes the display name of the index numbers[i]. A name may be
- * empty. The names of presets are not stored in files: set them after each IDXInitialize.
+ * empty. A load does not restore the names of presets: set them after each IDXInitialize.
  *
- * An invalid element does not fail:
+ * An invalid element is no failure:
  *
- * - A name that is null or cannot be converted is replaced by the name of the previous element, in the first element by
- *   the empty name.
- * - A number that is out of range is replaced by the number of the previous element, in the first element by IDX_ROOT:
- *   the call then renames the root.
+ * - If a name is null or cannot be converted, the call uses the name that it used for the previous element. For the
+ *   first element it uses the empty name.
+ * - If a number is out of range, the call uses the number that it used for the previous element. For the first element
+ *   it uses IDX_ROOT, and renames the root.
  *
- * A failed allocation of a converted name or number has the same effect.
+ * A failed allocation for the conversion of a name or a number has the same effect.
  *
  *     IDX_OK
  *     IDXERR_PARAM    an array is null: nothing is renamed. Or an index does not exist, or a name could not be stored:
@@ -468,8 +469,8 @@ IDXSTATUS IDXSetPresetIndexName(const IDXSTR* names, const int32_t* numbers, int
  *     IDX_OK
  *     IDXERR_FAILED        the file cannot be read, or is not a catalogue file
  *     IDXERR_PARAM         `name` is null
- *     IDXERR_NODATA        there is no such file, or the file has no list of indexes
- *     IDXERR_EMPTY         the list has no line, not even the version line
+ *     IDXERR_NODATA        there is no such file, or the file has no list of indexes, or the list has no bytes
+ *     IDXERR_EMPTY         the list has bytes but no line, not even the version line
  *     IDXERR_VERSION       the first line is not the version line of this library
  *     IDXERR_MEMORY        an allocation failed. Some of the indexes may have been added
  *

@@ -109,9 +109,9 @@ class Catalog {
 
   /// Moves an image to the index in `change`, or adds it if it is not in the catalogue. Then sets its attributes. What
   /// is not set in `change` does not change. An index of kRoot removes the image. If setting the attributes fails, the
-  /// image stays moved. Status::kProtected; kNoIndex; kNoImage: no such image, and `change` has only attributes; kParam;
-  /// kFailed; kMemory: an allocation failed, or the path is empty. After kMemory, an image that was to be moved may
-  /// have been removed.
+  /// image stays moved. Status::kProtected; kNoIndex; kNoImage: no such image, and `change` has only attributes;
+  /// kParam; kFailed; kMemory: an allocation failed, or the path is empty. After kMemory, an image that was to be moved
+  /// may have been removed.
   Result<void> ChangeImage(std::string_view path, const ImageChange& change, Options options = Options::kNone) {
     detail::InputText name(path);
     detail::Record record;
@@ -213,8 +213,8 @@ class Catalog {
     return IndexWalk::Begin(record);
   }
 
-  /// Sets the display name of an index, even of a protected index. The name may be empty. The names of presets are not
-  /// stored in files. Status::kParam: no such index; kFailed.
+  /// Sets the display name of an index, even of a protected index. The name may be empty. A load does not restore
+  /// the names of presets. Status::kParam: no such index; kFailed.
   Result<void> SetPresetName(IndexNumber number, std::string_view name) {
     detail::InputText text(name);
     const IDXSTR variable = text.Variable();

@@ -303,7 +303,7 @@ class Catalogue:
         self._do(f"rename index {number}", library.IDXChangeIndex, item)
 
     def name_presets(self, names: Mapping[int, str]) -> None:
-        """Sets display names of indexes, even of protected indexes. The names of presets are not stored in files.
+        """Sets display names of indexes, even of protected indexes. A load does not restore the names of presets.
         NotFoundError: an index does not exist. The indexes before it have been renamed."""
         for number, name in names.items():
             self.rename_index(number, name, force=True)
