@@ -53,10 +53,10 @@
  * does not identify the index: the number may be out of range, or that of another index.
  *
  * Case: two paths that differ only in the case of ASCII letters are normally two images. In about one of 2000 such
- * pairs, the hashes of the two paths are equal, and the catalogue treats both paths as the same image. An example is
+ * pairs, both paths have the same hash bucket, and the catalogue treats them as the same image. An example is
  * /p/summer78.jpg and /p/SUMMER78.JPG. If the first is in the catalogue, adding the second returns IDXERR_IMAGEEXISTS,
  * and removing the second removes the first. Walks return the path that was added. Folders are compared in the same
- * way: two folders with equal hashes are one folder. Each image in that folder keeps its own path.
+ * way: two folders with the same bucket are one folder. Each image in that folder keeps its own path.
  *
  * Folders: a folder stays in the catalogue after its last image was removed, until IDXInitialize or IDXUninitialize.
  * The folder takes about 250 bytes in addition to its path, and keeps its place in the order of walks. Only a failed

@@ -83,7 +83,7 @@ int IDXFindFirstHash(int32_t bucket, IDXSTR out) {
     find = NewHandle();
     first = idData->FirstNodeOfBucket(static_cast<std::uint32_t>(bucket));
   }
-  if (!find) return 1;  // without memory
+  if (!find) return 1;  // the handle could not be allocated
   const CIDXString empty;
   CopyCIDXStringtoIDXSTR(out, first ? first->info->key : empty);
   return 1;

@@ -6,8 +6,8 @@
 
 namespace catalogcore {
 
-// Sets `folder` to the part of `file` before the last "/" and returns 1. Returns 0, with `folder` unchanged, when
-// `file` has no "/", or without memory.
+// Sets `folder` to the part of `file` before the last "/" and returns 1. Returns 0, with `folder` unchanged, if
+// `file` has no "/" or memory cannot be allocated.
 int ExtractFilePath(CIDXString& folder, const CIDXString& file);
 
 }  // namespace catalogcore

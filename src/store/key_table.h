@@ -98,7 +98,7 @@ struct HashChain {
 //
 // The table uses linear hashing (W. Litwin, 1980): the entries of a slot form a list, and the table grows by one slot
 // at a time, which divides the list of one other slot. So an insertion never waits until all entries are moved. An
-// insertion never fails either: without memory for more slots, the lists get longer.
+// insertion never fails either: if more slots cannot be allocated, the lists get longer.
 //
 // A key may have as many twins as there are buckets, all with the same hash. Only one of them is inserted under that
 // hash; an entry that finds a twin there is inserted under its TwinHash, where Find looks second.
