@@ -25,7 +25,7 @@ struct KeyPool {
 // Folders with images of many indexes.
 KeyPool ManyGroups() {
   KeyPool pool{{""}, {"/p", "/p/q"}, {}};
-  for (int i = 0; i < 10; ++i) pool.indexes.push_back(std::to_string(i));
+  for (int i = 0; i < 50; ++i) pool.indexes.push_back(std::to_string(i % 10));
   for (int i = 0; i < 150; ++i) pool.indexes.push_back(std::to_string(i % 10) + "/" + std::to_string(i));
   for (int i = 0; i < 300; ++i) pool.images.push_back("/p/" + std::to_string(i));
   return pool;
@@ -100,9 +100,10 @@ class SideBySide {
     } else if (kind < 88) {
       Both(&CIndexData::ChangeAttributeCell, &CatalogueModel::ChangeAttributeCell, tree, cell, attribute);
     } else {
-      const Key everything("/");
+      const Key everything("/"), everyIndex("");
       const Key* const start = Below(4) ? &folder : Below(2) ? &everything : nullptr;
-      Walk(kind >= 92, tree, Below(4) ? cell : everything, index, start ? start->Text() : nullptr, force);
+      const Key& filter = Below(3) ? everyIndex : index;
+      Walk(kind >= 92, tree, Below(4) ? cell : everything, filter, start ? start->Text() : nullptr, Below(4) > 0);
     }
     ContinueWalks();
     EXPECT_EQ(BrokenInvariant(store_), "") << "after an operation of kind " << kind;

@@ -1,5 +1,7 @@
 #include "tests/support/catalogue_model.h"
 
+#include <strings.h>
+
 #include <algorithm>
 
 #include "store/entries.h"
@@ -16,14 +18,12 @@ unsigned ModelHash(const std::string& text) {
   return static_cast<unsigned>(hash % 1987);
 }
 
-bool ModelEqual(const std::string& a, const std::string& b) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [&](char x, char y) { return lower(x) == lower(y); });
-}
-
 namespace {
 
-bool IsSameKey(const std::string& a, const std::string& b) { return ModelHash(a) == ModelHash(b) && ModelEqual(a, b); }
+// Compares by the rules of the C locale, which is the locale of every test.
+bool IsSameKey(const std::string& a, const std::string& b) {
+  return ModelHash(a) == ModelHash(b) && strcasecmp(a.c_str(), b.c_str()) == 0;
+}
 
 bool IsValid(int tree, const std::string& key) {
   if (key.empty()) return tree == kFolderTree;

@@ -85,9 +85,8 @@ inline std::string Told(const CatalogueModel::Cell* cell) {
   return cell ? cell->name + "=" + cell->key + "=" + std::to_string(cell->attribute) : "the end";
 }
 
-// The hash and the equality of keys, computed in another way than in the library.
+// The bucket of a key, computed in another way than in the library.
 unsigned ModelHash(const std::string& text);
-bool ModelEqual(const std::string& a, const std::string& b);
 
 }  // namespace catalogcore
 

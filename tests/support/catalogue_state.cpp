@@ -35,72 +35,36 @@ void ForEachCell(const CIndexData& store, int tree, Visit visit) {
   for (auto* cell = const_cast<CIDXCell*>(root); cell; cell = NextInPreOrder(root, cell)) visit(cell);
 }
 
-template <typename Entry>
-std::string BrokenChain(const HashChain<Entry>& chain, const KeyTable<Entry>& table, std::uint32_t bucket,
-                        std::set<const Entry*>& chained) {
-  const Entry* before = nullptr;
-  for (const Entry* entry = chain.head; entry; before = entry, entry = entry->hashNext) {
-    if (entry->hashPrev != before) return "chain link back from " + KeyOf(entry);
-    if (entry->info->key.GetHashKey() != bucket) return "wrong bucket of " + KeyOf(entry);
-    if (!chained.insert(entry).second) return "twice in the table: " + KeyOf(entry);
-    const Entry* first = chain.head;
-    while (first->info->key != entry->info->key) first = first->hashNext;
-    if (table.Find(HashedKey(entry->info->key)) != first) return "key table at " + KeyOf(entry);
+// Checks all buckets and the key table; `chained` gets their entries.
+template <typename Entry, typename ChainOf>
+std::string BrokenTable(ChainOf chainOf, const KeyTable<Entry>& table, std::set<const Entry*>& chained) {
+  for (std::uint32_t bucket = 0; bucket < CIDXString::kBucketCount; ++bucket) {
+    const HashChain<Entry>& chain = chainOf(bucket);
+    const Entry* before = nullptr;
+    for (const Entry* entry = chain.head; entry; before = entry, entry = entry->hashNext) {
+      if (entry->hashPrev != before) return "chain link back from " + KeyOf(entry);
+      chained.insert(entry);
+      const Entry* first = chain.head;
+      while (first->info->key != entry->info->key) first = first->hashNext;
+      if (table.Find(HashedKey(entry->info->key)) != first) return "key table at " + KeyOf(entry);
+    }
+    if (chain.tail != before) return "end of chain " + std::to_string(bucket);
   }
-  return chain.tail == before ? "" : "end of chain " + std::to_string(bucket);
+  return table.Count() == chained.size() ? "" : "count of a key table";
 }
 
-std::string BrokenLinks(const CIDXCell* cell) {
-  const CIDXCell* before = nullptr;
-  for (const CIDXCell* child = cell->firstChild; child; before = child, child = child->nextSibling) {
-    if (child->parent != cell || child->prevSibling != before) return "links of child " + KeyOf(child);
-    if (before && before->ordinal >= child->ordinal) return "ordinal of child " + KeyOf(child);
+// Checks the lists of a cell; `filed` gets its images.
+std::string BrokenLists(const CIDXCell* cell, int tree, std::set<const CIDXNode*>& filed) {
+  const CIDXCell* childBefore = nullptr;
+  for (const CIDXCell* child = cell->firstChild; child; childBefore = child, child = child->nextSibling) {
+    if (child->parent != cell || child->prevSibling != childBefore) return "links of child " + KeyOf(child);
   }
-  return cell->lastChild == before ? "" : "last child of " + KeyOf(cell);
-}
-
-std::string BrokenImageList(const CIDXCell* cell, int tree, bool isOrdered, std::set<const CIDXNode*>& filed) {
   const CIDXNode* before = nullptr;
-  const CIDXSkipNode* marker = cell->skipHead;
-  const std::vector<CIDXSkipNode*> noRuns;
-  const std::vector<CIDXSkipNode*>& runs = isOrdered && cell->skipRuns ? *cell->skipRuns : noRuns;
-  std::size_t runsSeen = 0;
   for (const CIDXNode* node = cell->firstNode; node; before = node, node = node->next[tree]) {
     if (node->cell[tree] != cell || node->prev[tree] != before) return "links of image " + KeyOf(node);
-    if (!filed.insert(node).second) return "filed twice: " + KeyOf(node);
-    if (tree == kIndexTree) continue;
-    const bool beginsGroup = !before || before->cell[kIndexTree] != node->cell[kIndexTree];
-    const bool isSecondGroup = !isOrdered && marker && marker->node == node;  // of the same index, side by side
-    if (!beginsGroup && !isSecondGroup) continue;
-    if (!marker || marker->node != node) return "marker of group at " + KeyOf(node);
-    if (before && isOrdered && StoreInspector::Compare(before->cell[kIndexTree], node->cell[kIndexTree]) != -1) {
-      return "order of groups at " + KeyOf(node);
-    }
-    if (runsSeen < runs.size() && runs[runsSeen] == marker) ++runsSeen;
-    marker = marker->next;
+    filed.insert(node);
   }
-  if (runsSeen != runs.size()) return "run of groups in " + KeyOf(cell);
-  if (marker) return "marker without a group in " + KeyOf(cell);
-  return cell->lastNode == before ? "" : "last image of " + KeyOf(cell);
-}
-
-// `filed`: every image that is. Nothing that a removed entry leads to is looked at before it is known to be there.
-std::string BrokenWaiting(const FindSpan* first, const std::set<const CIDXNode*>& filed) {
-  std::set<const CIDXNode*> there = filed;
-  for (const FindSpan* span = first; span; span = span->next) {
-    for (const CIDXNode* node = span->nodes.head; node; node = node->hashNext) there.insert(node);
-    for (const CIDXCell* cell = span->cells.head; cell; cell = cell->hashNext) {
-      if (cell->parent || cell->nextSibling || cell->firstChild || cell->firstNode) return "removed " + KeyOf(cell);
-    }
-  }
-  for (const CIDXNode* node : there) {
-    if (node->info->removed == (filed.count(node) == 1)) return "mark of " + KeyOf(node);
-    for (int tree = 0; tree < kTreeCount; ++tree) {
-      const CIDXNode* const next = node->next[tree];
-      if (next && (!there.count(next) || next->cell[tree] != node->cell[tree])) return "what follows " + KeyOf(node);
-    }
-  }
-  return "";
+  return cell->lastChild == childBefore && cell->lastNode == before ? "" : "end of a list of " + KeyOf(cell);
 }
 
 }  // namespace
@@ -127,42 +91,25 @@ CatalogueState StateOf(const CIndexData& store) {
 
 std::string BrokenInvariant(const CIndexData& store) {
   const StoreInspector inspector(store);
-  std::set<const CIDXNode*> chainedImages;
-  std::set<const CIDXCell*> chainedCells;
-  for (std::uint32_t bucket = 0; bucket < CIDXString::kBucketCount; ++bucket) {
-    std::string broken = BrokenChain(inspector.ImageChain(bucket), inspector.ImageTable(), bucket, chainedImages);
-    for (int tree = 0; tree < kTreeCount && broken.empty(); ++tree) {
-      broken = BrokenChain(inspector.CellChain(tree, bucket), inspector.CellTable(tree), bucket, chainedCells);
-    }
-    if (!broken.empty()) return broken;
-  }
-  std::size_t inTable = 0;
-  // Moved indexes leave their groups where they were.
-  const bool isOrdered = inspector.Root(kIndexTree) && !inspector.MovedCells(kIndexTree).head;
-  for (int tree = 0; tree < kTreeCount; ++tree) {
+  std::set<const CIDXNode*> images;
+  const auto imageChain = [&](std::uint32_t bucket) -> auto& { return inspector.ImageChain(bucket); };
+  std::string broken = BrokenTable(imageChain, inspector.ImageTable(), images);
+  for (int tree = 0; tree < kTreeCount && broken.empty(); ++tree) {
     std::set<const CIDXNode*> filed;
-    std::set<const CIDXCell*> cells;
-    std::string broken;
+    std::set<const CIDXCell*> inTable, inTree;
+    const auto cellChain = [&](std::uint32_t bucket) -> auto& { return inspector.CellChain(tree, bucket); };
+    broken = BrokenTable(cellChain, inspector.CellTable(tree), inTable);
     const auto visit = [&](const CIDXCell* cell) {
-      if (!cells.insert(cell).second || !broken.empty()) return;
-      broken = BrokenLinks(cell);
-      if (broken.empty()) broken = BrokenImageList(cell, tree, isOrdered, filed);
-      if (broken.empty() && tree == kIndexTree && cell->skipHead) broken = "marker in index " + KeyOf(cell);
-      if (broken.empty() && chainedCells.count(cell) == (cell->info->moved ? 1 : 0)) broken = "table of " + KeyOf(cell);
-      if (!cell->info->moved) ++inTable;
+      if (broken.empty()) broken = BrokenLists(cell, tree, filed);
+      if (!cell->info->moved) inTree.insert(cell);
     };
     ForEachCell(store, tree, visit);
     for (const CIDXCell* cell = inspector.MovedCells(tree).head; cell; cell = cell->hashNext) visit(cell);
-    if (broken.empty() && filed != chainedImages) broken = "images filed and images in the table differ";
-    if (!broken.empty()) return broken;
+    if (broken.empty() && filed != images) broken = "images filed and images in the table differ";
+    // Without a root, only the table leads to the cells.
+    if (broken.empty() && inspector.Root(tree) && inTree != inTable) broken = "cells filed and in the table differ";
   }
-  // A root that there was no memory for leaves its tree's other cells to the table alone.
-  const bool hasRoots = inspector.Root(kIndexTree) && inspector.Root(kFolderTree);
-  if (hasRoots && inTable != chainedCells.size()) return "a cell in the table is in no tree";
-  if (inspector.ImageTable().Count() != chainedImages.size()) return "count of the images' key table";
-  const std::uint64_t cells = inspector.CellTable(kIndexTree).Count() + inspector.CellTable(kFolderTree).Count();
-  if (cells != chainedCells.size()) return "count of the cells' key tables";
-  return BrokenWaiting(inspector.FirstSpan(), chainedImages);
+  return broken;
 }
 
 std::ostream& operator<<(std::ostream& out, const CatalogueState& state) {

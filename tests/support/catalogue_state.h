@@ -33,7 +33,8 @@ std::ostream& operator<<(std::ostream& out, const CatalogueState& state);
 
 CatalogueState StateOf(const CIndexData& store);
 
-// Names a broken invariant of store/entries.h and its place; empty when all hold.
+// Names a broken link or table of the store and its place; empty when all agree. The order of entries, groups and
+// markers is part of the state.
 std::string BrokenInvariant(const CIndexData& store);
 
 }  // namespace catalogcore

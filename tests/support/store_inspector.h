@@ -35,8 +35,6 @@ class StoreInspector {
     return count;
   }
 
-  static int Compare(const CIDXCell* a, const CIDXCell* b) { return CIndexData::CompareCell(kIndexTree, a, b); }
-
  private:
   const CIndexData& store_;
 };
