@@ -1,22 +1,28 @@
-// Cases that the random calls (random_calls_test.cpp) do not reach: the codec, invalid arguments, and fields of
-// records.
+// Random sequences of exported calls, compared with the model; and cases that they do not reach: the codec, invalid
+// arguments, and fields of records.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <climits>
+#include <filesystem>
+#include <fstream>
+#include <random>
 #include <thread>
 #include <tuple>
 
 #include "api/catalogue.h"
 #include "api/index_number.h"
 #include "api/internal_calls.h"
-#include "base/file_path.h"
 #include "tests/api/item.h"
+#include "tests/support/compared_calls.h"
 #include "tests/support/store_inspector.h"
 
 namespace catalogcore {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 class CallsTest : public testing::Test {
  protected:
@@ -27,6 +33,30 @@ class CallsTest : public testing::Test {
     return IDXAddImage(&Item().Name(name).Index(index));
   }
 };
+
+// At the end of each sequence both files are written and loaded, and the loaded catalogue is compared.
+TEST(RandomCalls, LibraryAndModelAgreeAndSoDoesWhatIsLoaded) {
+  const fs::path folder = fs::temp_directory_path() / ("catalogcore_calls_" + std::to_string(getpid()));
+  Keys names;
+  for (int i = 0; i < 30; ++i) {
+    const fs::path path = folder / ("f" + std::to_string(i % 3)) / ("image, " + std::to_string(i) + ".jpg");
+    fs::create_directories(path.parent_path());
+    if (i % 10) std::ofstream(path) << "x";  // some files are missing
+    names.push_back(path);
+  }
+  for (unsigned long seed = 1; seed <= 30 && !testing::Test::HasFailure(); ++seed) {
+    std::mt19937_64 random(seed);
+    ComparedCalls run([&random](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); },
+                      names);
+    for (int step = 0; step < 300; ++step) {
+      run.Step();
+      ASSERT_FALSE(testing::Test::HasFailure()) << "seed " << seed << ", step " << step;
+    }
+    run.WriteAndLoad(folder);
+    EXPECT_FALSE(testing::Test::HasFailure()) << "seed " << seed;
+  }
+  fs::remove_all(folder);
+}
 
 TEST(IndexNumber, StandsForAPathAndBack) {
   for (const auto& [number, path] :
@@ -66,11 +96,7 @@ TEST(StoreStatus, MapsEveryCode) {
   EXPECT_EQ(ConvertErrorCode(5, 100), 105u);
 }
 
-TEST(FilePath, EndsAtItsLastSlash) {
-  CIDXString folder;
-  EXPECT_EQ(ExtractFilePath(folder, Key("/a/b.jpg")), 1);
-  EXPECT_EQ(ExtractFilePath(folder, Key("b.jpg")), 0);
-  EXPECT_STREQ(folder.Text(), "/a");
+TEST(FilePath, TwoSlashesBeginAsTheNormalFormOfAPath) {
   for (const auto& [key, norm] : {std::pair{"//x", "s:x"}, {"//", "s:"}, {"/x", "/x"}, {"", ""}}) {
     Key text(key);
     EXPECT_EQ(NormFilePathKey(text), 1);

@@ -77,7 +77,6 @@ int __real_close(int file);
 int __real_stat(const char* path, struct stat* status);
 ssize_t __real_readlink(const char* path, char* text, size_t size);
 int __real_flock(int file, int operation);
-int __real_access(const char* path, int mode);
 int __real_faccessat(int folder, const char* path, int mode, int flags);
 
 static void RemoveStolen() {
@@ -127,10 +126,6 @@ int __wrap_flock(int file, int operation) {
     __real_flock(thief, LOCK_EX);
   }
   return __real_flock(file, operation);
-}
-int __wrap_access(const char* path, int mode) {
-  if (onExistence) onExistence();
-  return __real_access(path, mode);
 }
 int __wrap_faccessat(int folder, const char* path, int mode, int flags) {
   if (onExistence) onExistence();

@@ -14,7 +14,7 @@ void ArmCalls(OnCall what, int at, int error = 0);
 // The number of flushes before the rename in `work`.
 int FlushesBeforeRename(void (*work)());
 
-// Sets a function that every check for the existence of a file calls; null for none.
+// Sets a function that every check for a file in an open folder calls; null for none.
 void OnExistence(void (*asked)());
 
 // Whether the armed call was reached.
