@@ -1,6 +1,5 @@
 #include "tests/scene/fake_engines.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -21,8 +20,7 @@ std::vector<std::uint8_t> Copy(const void* bytes, std::int64_t count) {
 }
 
 void ExpectZero(const void* bytes, std::int64_t count) {
-  const std::vector<std::uint8_t> given = Copy(bytes, count);
-  fakeEngines.isZeroed &= std::count(given.begin(), given.end(), 0) == count;
+  fakeEngines.isZeroed &= Copy(bytes, count) == std::vector<std::uint8_t>(static_cast<std::size_t>(count));
 }
 
 void* Allocate() {
@@ -54,7 +52,7 @@ std::int32_t DocumentTypeRecognize(std::int32_t reserved, const char* caller, co
   fakeEngines.block = Copy(paramData, paramSize);
   fakeEngines.isZeroed &= reserved == 0;
   ExpectZero(result, sizeof(std::uint16_t));
-  if (fakeEngines.writesWord) std::memcpy(result, &fakeEngines.recognizeWord, sizeof fakeEngines.recognizeWord);
+  std::memcpy(result, &fakeEngines.recognizeWord, sizeof fakeEngines.recognizeWord);
   if (fakeEngines.recognizing) fakeEngines.recognizing();
   return fakeEngines.recognizeResult;
 }
@@ -66,10 +64,7 @@ std::int32_t Orlo_SetBitmap(OrloContext* context, std::int32_t bitsPerPixel, std
   Called('B');
   ExpectZero(context, offsetof(OrloContext, block) + sizeof context->block);
   context->memory = Allocate();
-  fakeEngines.bitsPerPixel = bitsPerPixel;
-  fakeEngines.width = width;
-  fakeEngines.height = height;
-  fakeEngines.negatedStride = negatedStride;
+  fakeEngines.sizes = {bitsPerPixel, width, height, negatedStride};
   fakeEngines.bitmap = Copy(pixels, -std::int64_t{negatedStride} * height);
   return fakeEngines.setBitmapResult;
 }
@@ -85,7 +80,7 @@ std::int32_t Orlo_DetectFacePosition(OrloContext*, OrloFaceList* list) {
 std::int32_t Orlo_Uninitialize() { return Called('U'); }
 
 void OrloFree(void* memory) {
-  Called(memory ? 'F' : '0');
-  fakeEngines.blocksHeld -= memory ? 1 : 0;
+  Called('F');
+  --fakeEngines.blocksHeld;
   std::free(memory);
 }

