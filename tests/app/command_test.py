@@ -2,6 +2,7 @@
 import contextlib
 import csv
 import fcntl
+import functools
 import io
 import itertools
 import json
@@ -26,10 +27,8 @@ PAGE, PHOTOGRAPH = pictures.page(), pictures.photograph()
 
 
 def bucket(path):
-    value = 0
-    for byte in path.encode():
-        value = (value * 137 + (byte - 256 if byte > 127 else byte)) & 0xFFFFFFFF
-    return value % 1987
+    """The bucket of the library's table; the path is ASCII."""
+    return functools.reduce(lambda value, byte: (value * 137 + byte) % 2**32, os.fsencode(path), 0) % 1987
 
 
 class CommandTest(pictures.CommandCase):
@@ -37,10 +36,7 @@ class CommandTest(pictures.CommandCase):
 
     def setUp(self):
         super().setUp()
-        self.pictures = self.root / "pictures"
-        (self.pictures / "scans").mkdir(parents=True)
-        (self.pictures / "beach.png").write_bytes(PHOTOGRAPH)
-        (self.pictures / "scans" / "page.png").write_bytes(PAGE)
+        self.page, = self.write({"scans/page.png": PAGE})
 
     def listed(self, *arguments):
         return [json.loads(line) for line in self.run_command("ls", "--json", *arguments)[0].splitlines()]
@@ -49,16 +45,13 @@ class CommandTest(pictures.CommandCase):
         return json.loads(self.run_command("sort", "--json", *arguments, status=status)[0])
 
     def test_pictures_are_filed_by_what_they_show(self):
-        beach, page = str(self.pictures / "beach.png"), str(self.pictures / "scans/page.png")
+        beach, page = str(self.beach), str(self.page)
         self.assertEqual(self.run_command("sort", "--dry-run", self.pictures)[0].splitlines()[:3],
-                         [beach + ": Other photographs (1090000)", page + ": Pages (2030000)",
-                          "Would file 2 pictures:"])
+                         [beach + ": Other photographs (1090000)", page + ": Pages (2030000)", "Would file 2 pictures:"])
         self.assertEqual([(f["file"], f["preset"]) for f in self.sort("--dry-run", self.pictures)["files"]],
                          [(beach, OTHER_PHOTOGRAPHS), (page, PAGES)])
         self.assertFalse(self.catalog.exists())
-        out, err = self.run_command("sort", self.pictures)
-        self.assertEqual(err, "")
-        self.assertRegex(out, r"Filed 2 pictures:\n +1090000 +Other photographs +1\n +2030000 +Pages +1\n")
+        self.assertRegex(self.run_command("sort", self.pictures)[0], r"Filed 2 pictures:\n +1090000 +Other photographs +1\n +2030000 +Pages +1\n")
         self.assertEqual(self.sort(self.pictures)["already"], 2)
         self.assertEqual(self.run_command("ls")[0].splitlines(), [beach, page])
         for name in ("Pages", "pages", "2/3", "2030000", "Documents/Pages", "Documents"):
@@ -66,10 +59,10 @@ class CommandTest(pictures.CommandCase):
         self.assertEqual(self.run_command("ls", "--folder", self.pictures / "scans")[0], page + "\n")
         counts = {node["index"]: node["below"] for node in json.loads(self.run_command("tree", "--json")[0])}
         self.assertEqual([counts[n] for n in (1000000, 2000000, PAGES, OTHER)], [1, 1, 1, 0])
-        rows = list(csv.DictReader(io.StringIO(self.run_command("export", "--format", "csv")[0])))
-        self.assertEqual([(row["file"], row["index"]) for row in rows], [(beach, "1090000"), (page, "2030000")])
         exported = json.loads(self.run_command("export", "--format", "json")[0])
-        self.assertEqual([image["folder"] for image in exported], [str(self.pictures), str(self.pictures / "scans")])
+        rows = csv.DictReader(io.StringIO(self.run_command("export", "--format", "csv")[0]))
+        for image, row, path, index in zip(exported, rows, (self.beach, self.page), ("1090000", "2030000"), strict=True):
+            self.assertEqual((image["folder"], row["file"], row["index"]), (str(path.parent), str(path), index))
         self.run_command("mv", beach, "Other")
         self.assertEqual(self.sort("--again", self.pictures)["filed"], 2)
         self.assertEqual([image["index"] for image in self.listed()], [OTHER_PHOTOGRAPHS, PAGES])
@@ -78,7 +71,7 @@ class CommandTest(pictures.CommandCase):
         self.assertEqual(self.sort(self.pictures)["filed"], 0)
 
     def test_classify_says_what_a_picture_is(self):
-        (self.pictures / "notes.png").write_text("no picture")
+        self.write({"notes.png": b"no picture"})
         done, err = self.run_command("classify", "--json", self.pictures, self.root / "absent", status=1)
         lines = [json.loads(line) for line in done.splitlines()]
         self.assertEqual([(line["class"], line["preset"], line["name"], line["status"]) for line in lines],
@@ -88,24 +81,13 @@ class CommandTest(pictures.CommandCase):
         self.assertFalse(self.catalog.exists())
 
     def test_what_cannot_be_filed_is_named_and_the_rest_goes_on(self):
-        (self.pictures / "cut.png").write_bytes(PHOTOGRAPH[:len(PHOTOGRAPH) // 2])
-        (self.pictures / "fake.jpg").write_text("no picture")
-        (self.pictures / "line\nfeed.png").write_bytes(PHOTOGRAPH)
-        pathlib.Path(os.fsdecode(bytes(self.pictures) + b"/\xff.png")).write_bytes(PHOTOGRAPH)
-        (self.pictures / ".hidden.png").write_bytes(PHOTOGRAPH)
-        for name in ("readme.txt", "b.TXT", "x.a b"):
-            (self.pictures / name).write_text("passed over")
-        (self.pictures / "gif.png").write_bytes(b"GIF89a" + bytes(20))
-        (self.pictures / "bmp.png").write_bytes(b"BM" + bytes(20))
-        (self.pictures / "text.png").write_text("BM is no bitmap")
-        (self.pictures / "scans" / "up").symlink_to(self.pictures)
-        (self.pictures / "same").symlink_to(self.pictures / "scans")
-        (self.root / "far").mkdir()
-        (self.root / "far" / "page.png").write_bytes(PAGE)
-        (self.pictures / "link").symlink_to(self.root / "far")
-        (self.pictures / "gone.png").symlink_to(self.pictures / "nowhere")
-        (self.root / "far" / "cut").mkdir()
-        (self.root / "far" / "cut" / "far.png").write_bytes(PHOTOGRAPH[:999])
+        self.write({
+            "line\nfeed.png": PHOTOGRAPH, os.fsdecode(b"\xff.png"): PHOTOGRAPH, ".hidden.png": PHOTOGRAPH,
+            "cut.png": PHOTOGRAPH[:len(PHOTOGRAPH) // 2], "../far/cut/far.png": PHOTOGRAPH[:999], "../far/page.png": PAGE,
+            "gif.png": b"GIF89a" + bytes(20), "bmp.png": b"BM" + bytes(20), "text.png": b"BM is no bitmap",
+            "fake.jpg": b"no picture", "readme.txt": b"passed over", "b.TXT": b"passed over", "x.a b": b""})
+        for link, target in (("scans/up", "."), ("same", "scans"), ("link", "../far"), ("gone.png", "nowhere")):
+            (self.pictures / link).symlink_to((self.root / "pictures" / target).resolve())
         err = self.run_command("sort", "--dry-run", self.pictures, status=1)[1]
         for link, target in (("gone.png", "pictures/nowhere"), ("link/cut/far.png", "far/cut/far.png")):
             self.assertIn(f"{self.pictures / link} -> {self.root / target}: ", err)
@@ -121,17 +103,16 @@ class CommandTest(pictures.CommandCase):
         self.run_command("rm", self.pictures / "link" / "page.png")
         shutil.move(self.pictures / "scans", self.root / "moved")
         (self.pictures / "scans").symlink_to(self.root / "moved")
-        self.run_command("rm", self.pictures / "scans" / "page.png")
+        self.run_command("rm", self.page)
 
     def test_names_that_differ_in_case_alone(self):
-        buckets = {}  # of the library's table: it compares names in any letter case within one
+        buckets = {}  # the library compares names in any letter case within a bucket
         for letters in itertools.product(*zip("abcdefghij", "ABCDEFGHIJ")):
             name = "".join(letters) + ".png"
-            buckets.setdefault(bucket(str(self.pictures / name)), []).append(name)
+            buckets.setdefault(bucket(self.pictures / name), []).append(name)
         first, name = next(names for names in buckets.values() if len(names) > 1)[:2]
         other = next(names[0] for names in buckets.values() if first not in names)
-        for twin in (first, name, other):
-            (self.pictures / twin).write_bytes(PHOTOGRAPH)
+        self.write(dict.fromkeys((first, name, other), PHOTOGRAPH))
         result = self.sort(self.pictures, status=1)
         self.assertEqual((result["filed"], len(result["skipped"])), (4, 1))
         self.assertIn("letter case", result["skipped"][0]["reason"])
@@ -142,15 +123,14 @@ class CommandTest(pictures.CommandCase):
     def test_images_whose_file_is_gone_stay_until_they_are_forgotten(self):
         self.run_command("sort", self.pictures)
         self.run_command("index", "add", "Photographs", "Holiday")
-        page = self.pictures / "scans" / "page.png"
-        self.run_command("mv", page, "Holiday")
-        self.run_command("protect", page, "--no-move")
+        self.run_command("mv", self.page, "Holiday")
+        self.run_command("protect", self.page, "--no-move")
         shutil.move(self.pictures / "scans", self.root / "unplugged")
-        (self.pictures / "new.png").write_bytes(PHOTOGRAPH)
+        self.write({"new.png": PHOTOGRAPH})
         self.run_command("sort", self.pictures)
         gone = [image for image in self.listed() if image["missing"]]
-        self.assertEqual([(i["file"], i["index"], i["attribute"]) for i in gone], [(str(page), 1100000, 1)])
-        self.assertIn("missing: " + str(page), self.run_command("check", status=1)[0])
+        self.assertEqual([(i["file"], i["index"], i["attribute"]) for i in gone], [(str(self.page), 1100000, 1)])
+        self.assertIn(f"missing: {self.page}", self.run_command("check", status=1)[0])
         self.run_command("check", "--forget")
         self.assertEqual(len(self.listed()), 2)
         shutil.move(self.root / "unplugged", self.pictures / "scans")
@@ -164,13 +144,12 @@ class CommandTest(pictures.CommandCase):
         def item(*records, **tag):
             return pictures.catalogue_file("IDXImage", *records, Other=1, **tag)
 
-        record = f"1/9,0,{self.pictures / 'beach.png'}"
+        record = f"1/9,0,{self.beach}"
         for content in (whole[:300], b"", item(tag="CatalogCoreVer9"),
                         item(record, "1/9,0"), item(record, "1/9,0,no-folder")):
             (self.catalog / "images.plist").write_bytes(content)
-            err = self.run_command("sort", self.pictures, status=3)[1]
-            self.assertIn("nothing was changed", err)
-            self.run_command("mv", self.pictures / "beach.png", "Pages", status=3)
+            self.assertIn("nothing was changed", self.run_command("sort", self.pictures, status=3)[1])
+            self.run_command("mv", self.beach, "Pages", status=3)
             self.assertEqual((self.catalog / "images.plist").read_bytes(), content)
         self.run_command("check", "--forget")  # drops the record without a folder, and keeps what is not ours
         self.assertEqual(plistlib.loads((self.catalog / "images.plist").read_bytes().rstrip(b"\0"))["Other"], 1)
@@ -185,11 +164,10 @@ class CommandTest(pictures.CommandCase):
         self.run_command("sort", self.pictures)
         with open(self.catalog / "lock", "r+") as lock:
             fcntl.flock(lock, fcntl.LOCK_EX)
-            err = self.run_command("rm", self.pictures / "beach.png", status=3)[1]
+            err = self.run_command("rm", self.beach, status=3)[1]
             self.assertRegex(err, r"is being changed by process \d+ \(catalogcore sort\).*--wait")
             self.assertEqual(len(self.listed()), 2)
-            waiting = subprocess.Popen(self.command("--wait", "rm", self.pictures / "beach.png"),
-                                       stderr=subprocess.PIPE, text=True)
+            waiting = subprocess.Popen(self.command("--wait", "rm", self.beach), stderr=subprocess.PIPE, text=True)
             with self.assertRaises(subprocess.TimeoutExpired):
                 waiting.wait(0.3)
         self.assertRegex(waiting.communicate(timeout=60)[1], r"process \d+ \(catalogcore sort\); waiting for it\n")
@@ -210,11 +188,11 @@ class CommandTest(pictures.CommandCase):
                 (("rm", "Summer"), "--force"), (("rm", "1000000"), "is a preset")):
             self.assertIn(reason, self.run_command("index", *arguments, status=2)[1], arguments)
         self.run_command("sort", self.pictures)
-        self.run_command("mv", self.pictures / "beach.png", "Summer")
-        self.run_command("protect", self.pictures / "beach.png", "--no-move")
-        self.run_command("mv", self.pictures / "beach.png", "Other", status=1)
-        self.run_command("mv", "--force", self.pictures / "beach.png", "Summer")
-        self.run_command("protect", self.pictures / "scans/page.png", "--no-move")
+        self.run_command("mv", self.beach, "Summer")
+        self.run_command("protect", self.beach, "--no-move")
+        self.run_command("mv", self.beach, "Other", status=1)
+        self.run_command("mv", "--force", self.beach, "Summer")
+        self.run_command("protect", self.page, "--no-move")
         self.assertEqual(self.sort("--again", "--dry-run", self.pictures, status=1)["filed"], 1)
         names = b"".join(os.fsencode(self.pictures / name) + b"\0" for name in ("absent", "scans/page.png"))
         for index, options, listed, status in (("Other", ["--to", "Other", "-0"], names, 1),
@@ -225,7 +203,7 @@ class CommandTest(pictures.CommandCase):
                                   capture_output=True)
             self.assertNotIn(b"cannot move :", done.stderr)
             self.assertEqual(done.returncode, status, (options, done.stderr))
-            self.assertIn(str(self.pictures / "scans/page.png"), self.run_command("ls", index)[0], options)
+            self.assertIn(str(self.page), self.run_command("ls", index)[0], options)
         self.assertIn("no remove", self.run_command("tree")[0])
         self.run_command("index", "protect", "Summer", "--none")
         self.assertNotIn("no remove", self.run_command("tree")[0])
@@ -237,9 +215,8 @@ class CommandTest(pictures.CommandCase):
         self.assertIn("no number is left", self.run_command("index", "add", ".", "one more", status=2)[1])
 
     def test_a_sort_that_is_stopped_keeps_what_it_has_and_jobs_change_nothing(self):
-        for number in range(40):
-            (self.pictures / f"{number:02}.png").write_bytes(PAGE)
-        (self.pictures / "!.jpg").write_text("no picture: named as soon as the work has begun")
+        self.write({f"{number:02}.png": PAGE for number in range(40)})
+        self.write({"!.jpg": b"no picture: named as soon as the work has begun"})
 
         def begun(*command):
             process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
@@ -266,7 +243,7 @@ class CommandTest(pictures.CommandCase):
         self.assertEqual(*written)
 
     def test_a_sort_with_a_closed_output_files_everything(self):
-        (self.pictures / "a.png").write_text("no picture")
+        self.write({"a.png": b"no picture"})
         for outputs in (">&- 2>&-", "2>&1 | true"):
             shutil.rmtree(self.catalog, ignore_errors=True)
             subprocess.run(["sh", "-c", f'"$0" "$@" {outputs}', *self.command("sort", self.pictures)])
@@ -274,11 +251,11 @@ class CommandTest(pictures.CommandCase):
             self.assertRegex((self.catalog / "lock").read_text(), r"^process \d+ \(catalogcore sort\)\n$")
 
     def test_a_terminal_gets_lines_that_fit_and_no_control_characters(self):
-        for name in ("a\x1b[31m.png", "b\x9b31m.png", "c\u202egnp\\.png", "写真" * 12 + ".png"):
-            (self.pictures / name).write_bytes(PHOTOGRAPH)
+        names = "a\x1b[31m.png", "b\x9b31m.png", "c\u202egnp\\.png", "写真" * 12 + ".png"
+        self.write(dict.fromkeys(names, PHOTOGRAPH))
         self.run_command("sort", self.pictures)
         self.run_command("index", "add", ".", '=1+"2"')
-        self.run_command("mv", self.pictures / "beach.png", '=1+"2"')
+        self.run_command("mv", self.beach, '=1+"2"')
         self.assertIn(',10000000,"\'=1+""2""",', self.run_command("export", "--format", "csv")[0])
         self.assertIn("c\u202egnp\\.png\n", self.run_command("ls")[0])
         self.assertIn("c\\u202Egnp\\\\.png", self.run_command("ls", "--json")[0])

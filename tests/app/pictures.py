@@ -1,4 +1,5 @@
 """Pictures and catalogue files for the tests, written without the library; and test cases that run the command."""
+import functools
 import math
 import pathlib
 import plistlib
@@ -58,6 +59,7 @@ def page(dots_per_inch=75):
     return png(620, 877, page_tone, dots_per_inch)
 
 
+@functools.cache
 def photograph():
     return png(300, 200, hills_tone)
 
@@ -68,13 +70,21 @@ def catalogue_file(key, *records, tag="CatalogCoreVer1.0", **others):
 
 
 class CommandCase(unittest.TestCase):
-    """Runs the command `program` on a catalogue in a folder of its own."""
+    """Runs the command `program` in a folder of its own, with a catalogue and a folder of pictures."""
     program = None
 
     def setUp(self):
         self.root = pathlib.Path(tempfile.mkdtemp()).resolve()
         self.addCleanup(shutil.rmtree, self.root)
-        self.catalog = self.root / "catalog"
+        self.catalog, self.pictures = self.root / "catalog", self.root / "pictures"
+        self.beach, = self.write({"beach.png": photograph()})
+
+    def write(self, files):
+        """Writes files of these names, relative to the folder of pictures, and contents; returns their paths."""
+        for name, content in files.items():
+            (self.pictures / name).parent.mkdir(parents=True, exist_ok=True)
+            (self.pictures / name).write_bytes(content)
+        return [self.pictures / name for name in files]
 
     def command(self, *arguments):
         return [self.program, "--catalog", str(self.catalog), *map(str, arguments)]

@@ -123,7 +123,7 @@ TEST_F(DetectSceneTest, RecognizerGetsTheReducedCopyAndItsRecord) {
 TEST_F(DetectSceneTest, RecognizersWordAndFailureDecide) {
   const GreyTestPicture picture(200, 150);
   for (const auto& [word, preset] :
-       {std::pair{0x1000, 2030000}, {0x2fff, 2030000}, {0x3000, 1090000}, {0, 1090000}, {0xF000, 1090000}}) {
+       {std::pair{0x1000, 2030000}, {0x2fff, 2030000}, {0x3000, 1090000}, {0, 1090000}, {0xD000, 1090000}}) {
     fakeEngines.recognizeWord = static_cast<std::uint16_t>(word);
     Expect(picture.record, IDX_OK, preset, preset == 2030000 ? "R" : "RIBDUFF");
   }
