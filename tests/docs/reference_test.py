@@ -31,11 +31,6 @@ def is_documented(element):
     return any("".join(element.find(kind).itertext()).strip() for kind in ("briefdescription", "detaileddescription"))
 
 
-def is_covered_by_its_class(name, scope):
-    own = scope.rpartition("::")[2]
-    return name in (own, "~" + own, "operator=")
-
-
 documented = collections.defaultdict(bool)
 for file in pathlib.Path(output, "xml").glob("*.xml"):
     for compound in xml.etree.ElementTree.parse(file).iter("compounddef"):
@@ -44,13 +39,13 @@ for file in pathlib.Path(output, "xml").glob("*.xml"):
             continue
         if kind != "namespace":
             documented[scope] |= is_documented(compound)
-        prefix = "" if kind == "file" else scope + "::"
+        prefix, own = "" if kind == "file" else scope + "::", scope.rpartition("::")[2]
         for member in compound.iter("memberdef"):
             if member.get("prot") == "private":
                 continue
             name = member.findtext("name")
             is_guard = member.get("kind") == "define" and name.startswith("CATALOGCORE_") and name.endswith("_")
-            if not name or name.startswith("@") or is_guard or is_covered_by_its_class(name, scope):
+            if not name or name.startswith("@") or is_guard or name in (own, "~" + own, "operator="):
                 name = ""
             else:
                 documented[prefix + name] |= is_documented(member)

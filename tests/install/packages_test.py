@@ -27,61 +27,47 @@ def run(*command, **options):
     return done.stdout
 
 
-class Machine:
-    """The packages installed on this machine."""
-
-    def __init__(self):
-        self.stanzas, self.depends, self.providers, self.essential = {}, {}, {}, []
-        architectures = (run("dpkg", "--print-architecture").strip(), "all")
-        for stanza in pathlib.Path("/var/lib/dpkg/status").read_text().strip().split("\n\n"):
-            fields = dict(re.findall(r"^([\w-]+): (.*)$", stanza, re.M))
-            if fields["Status"] != "install ok installed" or fields["Architecture"] not in architectures:
-                continue
-            name = fields["Package"]
-            self.stanzas[name] = stanza
-            self.depends[name] = [fields.get("Pre-Depends", ""), fields.get("Depends", "")]
-            for provided in [name, *names(fields.get("Provides", ""))]:
-                self.providers.setdefault(provided, name)
-            if fields.get("Essential") == "yes":
-                self.essential.append(name)
-
-    def closure(self, *relations):
-        """The packages that satisfy the relations, the essential packages, and all their dependencies."""
-        found, left = set(), [*relations, *self.essential]
-        while left:
-            for alternatives in filter(None, left.pop().split(",")):
-                package = next((self.providers[name] for name in names(alternatives, "|") if name in self.providers), None)
-                if package and package not in found:
-                    found.add(package)
-                    left += self.depends[package]
-        return sorted(found)
-
-
 def names(relation, separator=","):
     return [re.sub(r"[ (:].*", "", part.strip()) for part in relation.split(separator) if part.strip()]
 
 
-def make_root(root, machine, packages):
+def closure(*relations):
+    """The installed packages that satisfy the relations, the essential packages, and all their dependencies."""
+    fields = "${Status}|${Essential}|${Package}|${Provides}|${Pre-Depends},${Depends}\n".replace("|", "\t")
+    depends, providers, found, left = {}, {}, set(), list(relations)
+    for line in run("dpkg-query", "-W", "-f", fields).splitlines():
+        status, essential, name, provides, relation = line.split("\t")
+        if status == "install ok installed":
+            depends[name] = relation
+            providers.update({provided: name for provided in names(provides) if provided not in providers}, **{name: name})
+            left += [name] * (essential == "yes")
+    while left:
+        for alternatives in filter(None, left.pop().split(",")):
+            package = next((providers[name] for name in names(alternatives, "|") if name in providers), None)
+            if package and package not in found:
+                found.add(package)
+                left.append(depends[package])
+    return sorted(found)
+
+
+def make_root(root, packages):
     """Makes a root directory with only these packages."""
     for name in ("bin", "lib", "lib32", "lib64", "libx32", "sbin"):
         if os.path.islink("/" + name):
             (root / "usr" / name).mkdir(parents=True)
             (root / name).symlink_to("usr/" + name)
     listed = subprocess.run(["dpkg-query", "-L", *packages], stdout=subprocess.PIPE, text=True).stdout
-    files = "".join(line[1:] + "\n" for line in sorted(set(listed.splitlines())) if line.startswith("/") and len(line) > 1)
+    files = root.with_name("files")
+    files.write_text("".join(name[1:] + "\n" for name in sorted(set(re.findall("^/.+$", listed, re.M)))))
     unused = [f"--exclude=usr/share/{name}/*" for name in ("doc", "i18n", "icons", "info", "locale", "man", "zoneinfo")]
-    with tempfile.TemporaryFile() as names_of_files:
-        names_of_files.write(files.encode())
-        names_of_files.seek(0)
-        with subprocess.Popen(["tar", "-C", "/", "-c", "--no-recursion", "--ignore-failed-read", *unused, "-T", "-"],
-                              stdin=names_of_files, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as archive:
-            run("tar", "-C", root, "-x", "--no-same-owner", stdin=archive.stdout)
+    with subprocess.Popen(["tar", "-C", "/", "-c", "--no-recursion", "--ignore-failed-read", *unused, "-T", files],
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as archive:
+        run("tar", "-C", root, "-x", "--no-same-owner", stdin=archive.stdout)
 
-    own = pathlib.Path("/var/lib/dpkg")
-    database = root / "var/lib/dpkg"
+    own, database = pathlib.Path("/var/lib/dpkg"), root / "var/lib/dpkg"
     for folder in ("info", "updates", "triggers", "alternatives"):
         (database / folder).mkdir(parents=True, exist_ok=True)
-    (database / "status").write_text("".join(machine.stanzas[name] + "\n\n" for name in packages))
+    (database / "status").write_text(run("dpkg-query", "-s", *packages))
     for file in (own / "info").iterdir():
         if file.stem.split(":")[0] in packages or file.name == "format":
             shutil.copy(file, database / "info")
@@ -143,7 +129,6 @@ class PackagesTest(unittest.TestCase):
         if subprocess.run([*AS_ROOT, "chroot", "/", "true"], stderr=subprocess.DEVNULL).returncode:
             print("only the contents of the packages were checked: a root to install them in cannot be made here")
             return
-        machine = Machine()
         depends = [run("dpkg-deb", "-f", file, "Depends") for file in self.packages.values()]
         root = self.folder / "root"
         (root / "work").mkdir(parents=True)
@@ -152,7 +137,7 @@ class PackagesTest(unittest.TestCase):
         (root / "proc/self").mkdir(parents=True)  # mounting /proc needs more rights; the command runs itself from it
         (root / "proc/self/exe").symlink_to("/usr/bin/catalogcore")
         (root / "work/page.png").write_bytes(pictures.page())
-        make_root(root, machine, machine.closure(*depends, *COMPILER))
+        make_root(root, closure(*depends, *COMPILER))
         for file in self.packages.values():
             shutil.copy(file, root / "work")
 
