@@ -195,32 +195,26 @@ TEST_F(PictureTest, WhatIsNoWholePictureIsRefusedWithItsReason) {
         whole.extension() == ".jpg" ? "the image is cut short: its end is missing" : "the image is cut short");
   }
   const std::string jpeg = Bytes(folder_ / "a.jpg");
-  const std::string passes = Bytes(folder_ / "b.jpg");
-  const auto enlarged = [](std::string bytes, const char* frame) {
-    return bytes.replace(bytes.find(frame) + 5, 4, "\x4E\x20\x4E\x20");  // 20000 x 20000
-  };
+  std::string stream = jpeg;
+  stream.replace(jpeg.find("\xFF\xC0") + 5, 4, "\x4E\x20\x4E\x20");  // 20000 x 20000
   std::string ended = jpeg;
   ended.replace(jpeg.size() / 2, 2, "\xFF\xD9");
   std::string png = Bytes(folder_ / "a.png");
   png.replace(png.size() / 2, 100, 100, '\x55');
-  cases.insert(
-      cases.end(),
-      {{Written("rows.jpg", jpeg.substr(0, jpeg.size() / 3)), "the image is cut short"},
-       {Written("png.jpg", Bytes(folder_ / "a.png")), "none"},
-       {Written("warns.jpg", std::string(jpeg).insert(jpeg.find("\xFF\xDB"), 3, '\0')), "none"},
-       {Written("ended.jpg", ended), "the image is damaged: Corrupt JPEG data: premature end of data segment"},
-       {Written("damaged.png", png), "the image is damaged"},
-       {Written("stream.jpg", enlarged(jpeg, "\xFF\xC0")), "the image is damaged: Corrupt JPEG data: premature end"},
-       {Written("bomb.jpg", enlarged(passes, "\xFF\xC2")), "the image is too large"},
-       {Written("empty.jpg", ""), "the file is empty"},
-       {Written("short.jpg", "\xFF\xD8\xFF"), "not an image file"},
-       {Written("text.jpg", "once upon a time"), "not an image file"},
-       {Written("svg.jpg", "<svg xmlns='http://www.w3.org/2000/svg'/>"), "not an image file"},
-       {Saved(image, "a.gif"), "GIF is not a supported format"},
-       {Saved(image, "a.ppm"), "not an image file"},
-       {folder_, "a folder"},
-       {folder_ / "missing.jpg", "No such file or directory"},
-       {folder_ / "pipe.jpg", "not a regular file"}});
+  cases.insert(cases.end(),
+               {{Written("rows.jpg", jpeg.substr(0, jpeg.size() / 3)), "the image is cut short"},
+                {Written("png.jpg", Bytes(folder_ / "a.png")), "none"},
+                {Written("warns.jpg", std::string(jpeg).insert(jpeg.find("\xFF\xDB"), 3, '\0')), "none"},
+                {Written("ended.jpg", ended), "the image is damaged: Corrupt JPEG data: premature end of data segment"},
+                {Written("damaged.png", png), "the image is damaged"},
+                {Written("stream.jpg", stream), "the image is damaged: Corrupt JPEG data: premature end"},
+                {Written("empty.jpg", ""), "the file is empty"},
+                {Written("short.jpg", "\xFF\xD8\xFF"), "not an image file"},
+                {Written("svg.jpg", "<svg xmlns='http://www.w3.org/2000/svg'/>"), "not an image file"},
+                {Saved(image, "a.gif"), "GIF is not a supported format"},
+                {folder_, "a folder"},
+                {folder_ / "missing.jpg", "No such file or directory"},
+                {folder_ / "pipe.jpg", "not a regular file"}});
   ASSERT_EQ(mkfifo((folder_ / "pipe.jpg").c_str(), 0600), 0);
   if (geteuid() != 0) {
     cases.emplace_back(Written("locked.jpg", jpeg), "Permission denied");
@@ -241,14 +235,14 @@ TEST_F(PictureTest, WhatIsNoWholePictureIsRefusedWithItsReason) {
 TEST_F(PictureTest, TheDateIsThatOfTakingOrOfTheFile) {
   const Source image = Plain(20, 10, {1, 2, 3});
   const auto dateWith = [&](const char* field, const char* value) {
-    if (field != nullptr) vips_image_set_string(image.get(), field, value);
+    vips_image_set_string(image.get(), field, value);
     return ReadPictureFacts(Saved(image, "a.jpg")).date;
   };
-  std::array<char, 32> now = {};
+  std::array<char, 32> today = {};
   const std::time_t before = std::time(nullptr);
-  const std::string ofFile = dateWith(nullptr, nullptr);
-  std::strftime(now.data(), now.size(), "%Y-%m-%d %H:%M:", std::localtime(&before));
-  EXPECT_TRUE(ofFile.starts_with(now.data()) || before % 60 > 50) << ofFile;
+  const std::string ofFile = ReadPictureFacts(Saved(image, "a.jpg")).date;
+  std::strftime(today.data(), today.size(), "%Y-%m-%d %H:", std::localtime(&before));
+  EXPECT_TRUE(ofFile.starts_with(today.data()) || before % 3600 > 3590) << ofFile;
   EXPECT_EQ(dateWith("exif-ifd0-DateTime", "2001:02:03 04:05:06"), "2001-02-03 04:05:06");
   EXPECT_EQ(dateWith("exif-ifd2-DateTimeDigitized", "2000:02:29 24:00:00"), "2001-02-03 04:05:06");
   EXPECT_EQ(dateWith("exif-ifd2-DateTimeOriginal", "1999:12:31 23:59:59"), "1999-12-31 23:59:59");
