@@ -141,7 +141,8 @@ class CatalogueTest(unittest.TestCase):
             (colour[..., 0].copy()[..., None], True, 8), (numpy.dstack([deep] * 3), True, 48),
             (colour[:, :50][:59], True, 24), (deep[7:8, 9:30], True, 16), (colour[:, 20:], False, 24),
             (memoryview(colour.tobytes()).cast("B", colour.shape), True, 24), (colour[::-1], False, 24),
-            (colour[..., 1], False, 8), (deep.T, False, 16), (numpy.broadcast_to(deep[0], (60, 70)), False, 16)]
+            (colour[:, ::-1], False, 24), (colour[..., ::-1], False, 24), (deep.T, False, 16),
+            (numpy.broadcast_to(deep[0], (60, 70)), False, 16)]
         for number, (pixels, in_place, bits) in enumerate(cases):
             with self.subTest(number):
                 picture, array = _library.Picture(), numpy.asarray(pixels)
