@@ -21,34 +21,20 @@ using catalogcore::tools::SourcePicture;
 
 constexpr std::int32_t Code(FaceResult result) { return static_cast<std::int32_t>(result); }
 
-struct Ellipse {
-  double tone, centreX, centreY, radiusX, radiusY;
-
-  bool Covers(double x, double y) const { return std::hypot((x - centreX) / radiusX, (y - centreY) / radiusY) < 1; }
-};
-
-// In units of the head's breadth, from the middle of the face.
-constexpr Ellipse kFace[] = {
-    {60, 0, -0.12, 0.52, 0.66},                                         // hair
-    {190, 0, 0.05, 0.42, 0.55},                                         // skin
-    {120, -0.19, -0.10, 0.13, 0.075}, {120, 0.19, -0.10, 0.13, 0.075},  // eyes
-    {70, -0.19, -0.19, 0.13, 0.03},   {70, 0.19, -0.19, 0.13, 0.03},    // brows
-    {215, 0, 0.05, 0.035, 0.13},                                        // bridge of the nose
-    {60, 0, 0.33, 0.14, 0.02},                                          // mouth
-};
-constexpr std::int32_t kFaceWidth = 120;
-constexpr std::int32_t kFaceHeight = 90;
-constexpr std::int32_t kHeadBreadth = 45;
-
-double ToneOfFace(std::int32_t x, std::int32_t y) {
-  double tone = 90;
-  for (const Ellipse& ellipse : kFace) {
-    const double across = static_cast<double>(x - kFaceWidth / 2) / kHeadBreadth;
-    const double down = static_cast<double>(y - kFaceHeight / 2) / kHeadBreadth;
-    if (ellipse.Covers(across, down)) tone = ellipse.tone;
-  }
-  return tone;
+// A picture of 512 x 384 units, which is the size of the copy that is searched, with two faces as face_networks.cpp
+// describes them. One lies in the left half, upright; the other in the right half, turned by a quarter clockwise and
+// twice as large.
+double ToneOfFaces(double x, double y) {
+  const auto isSpot = [&](double centreX, double centreY, double side) {
+    return std::max(std::abs(x - centreX), std::abs(y - centreY)) < side / 2;
+  };
+  if (isSpot(80, 96, 10)) return 225;
+  if (isSpot(400, 160, 20)) return 255;
+  return isSpot(80, 80, 10) || isSpot(432, 160, 20) ? 180 : 110;
 }
+
+constexpr std::int32_t kWidth = 512;
+constexpr std::int32_t kHeight = 384;
 
 // `tint` is added to the first sample of a colour and subtracted from the third, which keeps the grey.
 template <typename Tone>
@@ -80,15 +66,37 @@ std::vector<OrloFace> Faces(const SourcePicture& picture) {
   return copy;
 }
 
-TEST(Orlo, FindsTheSameFaceInEveryDepthAndStride) {
-  const std::vector<OrloFace> faces = Faces(Draw(8, kFaceWidth, kFaceHeight, ToneOfFace));
-  ASSERT_EQ(faces.size(), 1U);
-  EXPECT_NEAR((faces[0].left + faces[0].right) / 2, kFaceWidth / 2, kHeadBreadth / 5);
-  EXPECT_NEAR((faces[0].top + faces[0].bottom) / 2, kFaceHeight / 2, kHeadBreadth / 3);
-  EXPECT_NEAR(faces[0].right - faces[0].left, kHeadBreadth, kHeadBreadth / 3);
+// `face` in units of 1 / `scale` pixel.
+void ExpectFace(const OrloFace& face, double scale, const OrloFace& expected) {
+  const double most = 2 + 1 / scale;
+  EXPECT_NEAR(face.left / scale, expected.left, most);
+  EXPECT_NEAR(face.top / scale, expected.top, most);
+  EXPECT_NEAR(face.right / scale, expected.right, most);
+  EXPECT_NEAR(face.bottom / scale, expected.bottom, most);
+}
+
+TEST(Orlo, FindsFacesOfEverySizeAndOrientation) {
+  for (const double scale : {0.5, 1.0, 1.875, 4.0}) {
+    const auto width = static_cast<std::int32_t>(kWidth * scale), height = static_cast<std::int32_t>(kHeight * scale);
+    const std::vector<OrloFace> faces = Faces(Draw(24, width, height, [&](int x, int y) {
+      double sum = 0;  // of 16 points of the pixel
+      for (int i = 0; i < 16; ++i) sum += ToneOfFaces((x + (i % 4 + 0.5) / 4) / scale, (y + (i / 4 + 0.5) / 4) / scale);
+      return sum / 16;
+    }));
+    ASSERT_EQ(faces.size(), 2U) << scale;
+    // The brighter one first. Each is moved towards the darker spot, which is above an upright face and to the right
+    // of a turned one.
+    ExpectFace(faces[0], scale, {413 - 35, 160 - 26, 413 + 35, 160 + 26});
+    ExpectFace(faces[1], scale, {80 - 13, 89 - 17, 80 + 13, 89 + 17});
+  }
+}
+
+TEST(Orlo, FindsTheSameFacesInEveryDepthAndStride) {
+  const std::vector<OrloFace> faces = Faces(Draw(8, kWidth, kHeight, ToneOfFaces));
+  ASSERT_EQ(faces.size(), 2U);
   for (const std::int32_t bits : {8, 16, 24, 48}) {
     for (const int tint : {0, 30, -30}) {  // opposite tints exchange the first and the third sample
-      EXPECT_EQ(Faces(Draw(bits, kFaceWidth, kFaceHeight, ToneOfFace, tint)), faces) << bits << ' ' << tint;
+      EXPECT_EQ(Faces(Draw(bits, kWidth, kHeight, ToneOfFaces, tint)), faces) << bits << ' ' << tint;
     }
   }
 }
@@ -124,7 +132,7 @@ TEST(Orlo, RefusesInvalidArguments) {
 }
 
 TEST(Orlo, ReportsFailedAllocations) {
-  const SourcePicture face = Draw(8, kFaceWidth, kFaceHeight, ToneOfFace);
+  const SourcePicture face = Draw(8, kWidth, kHeight, ToneOfFaces);
   OrloContext context{};
   OrloFaceList list{};
   for (int round = 0; round < 2;
@@ -141,21 +149,18 @@ TEST(Orlo, ReportsFailedAllocations) {
     }
     EXPECT_EQ(list.faces, nullptr);
     EXPECT_EQ(Orlo_DetectFacePosition(&context, &list), 0);
-    EXPECT_EQ(list.count, 1U);
+    EXPECT_EQ(list.count, 2U);
   }
   OrloFree(list.faces);
   OrloFree(context.memory);
 }
 
-TEST(Orlo, ScalesAndClipsFacesToThePicture) {
-  constexpr int kScale = 14;
-  constexpr int kCut = 41 * kScale;  // the left border cuts a part of the head off
-  const auto cutFace = [](std::int32_t x, std::int32_t y) { return ToneOfFace((x + kCut) / kScale, y / kScale); };
-  const std::vector<OrloFace> faces = Faces(Draw(24, kFaceWidth * kScale - kCut, kFaceHeight * kScale, cutFace));
+TEST(Orlo, ClipsFacesToThePicture) {
+  // Cut off at the right, so that the second face reaches beyond the border, and below, so that the first does.
+  const std::vector<OrloFace> faces = Faces(Draw(8, 512, 103, [](int x, int y) { return ToneOfFaces(x - 72, y); }));
   ASSERT_EQ(faces.size(), 1U);
-  EXPECT_NEAR((faces[0].left + faces[0].right) / 2 + kCut, kFaceWidth * kScale / 2, kHeadBreadth * kScale / 5);
-  EXPECT_NEAR(faces[0].right - faces[0].left, kHeadBreadth * kScale, kHeadBreadth * kScale / 3);
-  for (const auto& [width, height] : {std::pair{50, 4096}, {4095, 61}}) Faces(Draw(48, width, height, cutFace));
+  EXPECT_EQ(faces[0].bottom, 103);
+  for (const auto& [width, height] : {std::pair{50, 4096}, {4095, 61}}) Faces(Draw(48, width, height, ToneOfFaces));
 }
 
 }  // namespace

@@ -1,173 +1,182 @@
-// The search has two steps. A survey runs the detector over the whole picture and keeps weak answers too. Then the
-// detector looks again at each candidate of low confidence in slightly changed copies: it finds a face in most of them,
-// a chance pattern in few.
 #include "engines/faces/face_search.h"
-
-#include <dlib/array2d.h>
-#include <dlib/image_processing/frontal_face_detector.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <functional>
 #include <numeric>
-#include <utility>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
 
-#include "engines/faces/patch_sampler.h"
+#include "engines/faces/network_files.h"
+#include "engines/faces/pyramid.h"
+#include "engines/network/network.h"
 
 namespace catalogcore::faces {
 namespace {
 
-using Detector = dlib::frontal_face_detector;
-using Scanner = Detector::image_scanner_type;
-using GreyImage = dlib::array2d<unsigned char>;
+// Chosen together with the networks in resources/ (docs/accuracy.md). Thresholds are logits.
+constexpr double kProposalThreshold = -4.0;  // of the search network
+constexpr double kFaceThreshold = 0.0;       // of the check network
+constexpr std::size_t kMostProposals = 16;   // that are checked; bounds the time of a search
+constexpr double kProposalOverlap = 0.3;     // of two proposals, at most; shares of their union
+constexpr double kFaceOverlap = 0.4;         // of two faces, at most
 
-// A confidence is the distance from the detector's own threshold; a plain detection has 0 or more. The values were
-// chosen on photographs labelled by eye.
-constexpr double kSurveyFloor = -0.8;      // of a candidate's confidence
-constexpr double kBeyondDoubt = 0.5;       // confidence from which a candidate needs no second look
-constexpr double kLookFloor = -1.0;        // the value of a look without an answer
-constexpr double kFaceThreshold = -0.15;   // of a face's score
-constexpr double kSmallFacePenalty = 0.2;  // the smallest size has a third of all windows
-constexpr std::size_t kMaxCandidates = 256;
-constexpr std::size_t kMaxSecondLooks = 8;  // candidates; bounds the time of a search
+// The geometry of the networks, as they were trained (tools/faces/networks.py).
+constexpr double kCellStep = 8;          // pixels from one cell of the search network to the next
+constexpr double kMiddleSize = 26;       // size of a face whose logarithm of the size is 0, in pixels of a level
+constexpr double kFarthestSize = 1.5;    // of the search network's logarithm from 0
+constexpr double kFarthestSide = 1;      // of the check network's logarithms
+constexpr std::int32_t kPatchSide = 48;  // pixels of the check network's input
+constexpr double kPatchFace = 26;        // size of a proposal in that patch
+constexpr std::size_t kMostCandidates = 40 * kMostProposals;
 
-constexpr double kWindowSide = 80;                // pixels of the detector's window
-constexpr double kSmallFace = 1.1 * kWindowSide;  // separates the smallest size of the survey from the next
-constexpr std::int32_t kPatchSide = 112;
-constexpr double kMaxShift = 0.25;  // of an answer from the middle of a patch, in sides of the face
-constexpr std::size_t kBestLooks = 4;
+enum SearchAnswer : std::size_t { kSearchScore, kSearchX, kSearchY, kSearchSize, kFirstQuarter, kSearchAnswers = 8 };
+enum CheckAnswer : std::size_t { kCheckScore, kCheckX, kCheckY, kCheckWidth, kCheckHeight, kCheckAnswers };
 
-struct Candidate {
-  double confidence = 0;
-  dlib::rectangle box;
-};
+struct Networks {
+  Networks() : search(Read(NetworkFiles()[0], kSearchAnswers)), check(Read(NetworkFiles()[1], kCheckAnswers)) {}
 
-bool IsMoreConfident(const Candidate& a, const Candidate& b) { return a.confidence > b.confidence; }
-
-// Never changes after its creation, so all searches share it.
-const Detector& TheDetector() {
-  static const Detector detector = dlib::get_frontal_face_detector();
-  return detector;
-}
-
-GreyImage ToImage(const PixelView& picture) {
-  GreyImage image(picture.Rows(), picture.Stride());
-  for (std::int32_t y = 0; y < picture.Rows(); ++y) std::ranges::copy(picture.Row(y), &image[y][0]);
-  return image;
-}
-
-// The answers of all filters of the detector in the scanner's picture.
-std::vector<Candidate> Answers(const Scanner& scanner, double floor) {
-  const Detector& detector = TheDetector();
-  std::vector<Candidate> answers;
-  std::vector<std::pair<double, dlib::rectangle>> found;
-  for (unsigned long i = 0; i < detector.num_detectors(); ++i) {
-    const double threshold = detector.get_w(i)(scanner.get_num_dimensions());
-    scanner.detect(detector.get_processed_w(i).get_detect_argument(), found, threshold + floor);
-    for (const auto& [score, box] : found) answers.push_back({score - threshold, box});
-  }
-  return answers;
-}
-
-// Keeps the answer with the highest confidence of those that overlap.
-std::vector<Candidate> WithoutOverlaps(std::vector<Candidate> answers) {
-  std::sort(answers.begin(), answers.end(), IsMoreConfident);
-  const dlib::test_box_overlap overlap = TheDetector().get_overlap_tester();
-  std::vector<Candidate> kept;
-  for (const Candidate& answer : answers) {
-    if (kept.size() == kMaxCandidates) break;
-    const auto overlaps = [&](const Candidate& other) { return overlap(other.box, answer.box); };
-    if (std::none_of(kept.begin(), kept.end(), overlaps)) kept.push_back(answer);
-  }
-  return kept;
-}
-
-std::vector<Candidate> Survey(const PixelView& picture) {
-  Scanner scanner;
-  scanner.copy_configuration(TheDetector().get_scanner());
-  scanner.load(ToImage(picture));
-  return WithoutOverlaps(Answers(scanner, kSurveyFloor));
-}
-
-class SecondLook {
- public:
-  explicit SecondLook(const PixelView& picture) : sampler_(picture) {
-    scanner_.copy_configuration(TheDetector().get_scanner());
-    scanner_.set_max_pyramid_levels(1);
-    patch_.size = {kPatchSide, kPatchSide};
-    patch_.pixels.resize(patch_.size.Area());
-  }
-
-  // The mean of the candidate's confidence and its best looks. Only the best count, because most poses fit a given face
-  // badly.
-  double Score(const Candidate& candidate) {
-    std::array<double, kPoseCount> looks;
-    std::size_t look = 0;
-    for (const double side : kSides) {
-      for (const double degrees : kTurns) {
-        for (const bool isMirrored : {false, true}) looks[look++] = Look(candidate, {side, degrees, isMirrored});
-      }
-    }
-    std::partial_sort(looks.begin(), looks.begin() + kBestLooks, looks.end(), std::greater<>());
-    const double sum = std::accumulate(looks.begin(), looks.begin() + kBestLooks, candidate.confidence);
-    return sum / (kBestLooks + 1);
-  }
+  network::Network search;
+  network::Network check;
 
  private:
-  // Close to the window's side, because the survey's sizes are a sixth apart.
-  static constexpr std::array<double, 3> kSides = {0.9 * kWindowSide, kWindowSide, 1.1 * kWindowSide};
-  static constexpr std::array<double, 3> kTurns = {-8, 0, 8};
-  static constexpr std::size_t kPoseCount = kSides.size() * kTurns.size() * 2;
-  static_assert(kBestLooks <= kPoseCount);
-
-  double Look(const Candidate& candidate, const Pose& pose) {
-    const dlib::rectangle& box = candidate.box;
-    const Square square = {static_cast<double>(box.left() + box.right() + 1) / 2,
-                           static_cast<double>(box.top() + box.bottom() + 1) / 2, static_cast<double>(box.width())};
-    sampler_.Sample(square, pose, patch_);
-    scanner_.load(ToImage(patch_.View()));
-    double best = kLookFloor;
-    for (const Candidate& answer : Answers(scanner_, kLookFloor)) {
-      const double shiftX = static_cast<double>(answer.box.left() + answer.box.right() + 1 - kPatchSide) / 2;
-      const double shiftY = static_cast<double>(answer.box.top() + answer.box.bottom() + 1 - kPatchSide) / 2;
-      const double shift = std::max(std::abs(shiftX), std::abs(shiftY));
-      if (shift < kMaxShift * pose.side) best = std::max(best, answer.confidence);
+  static network::Network Read(const EmbeddedFile& file, std::size_t answers) {
+    const std::span content(reinterpret_cast<const std::uint8_t*>(file.content.data()), file.content.size());
+    const std::optional<network::Description> description = network::ReadBlock(content);
+    if (!description || description->inputs != 1 || description->layers.back().outputs != answers) {
+      throw std::runtime_error(std::string(file.name) + " is damaged");
     }
-    return best;
+    return network::Network(*description);
   }
-
-  PatchSampler sampler_;
-  Scanner scanner_;
-  GreyPicture patch_;
 };
 
-double RequiredScore(const Candidate& candidate) {
-  const bool isSmall = static_cast<double>(candidate.box.width()) < kSmallFace;
-  return isSmall ? kFaceThreshold + kSmallFacePenalty : kFaceThreshold;
+const Networks& TheNetworks() {
+  static const Networks networks;
+  return networks;
 }
 
-OrloFace ToFace(const dlib::rectangle& box) {
-  return {static_cast<std::int32_t>(box.left()), static_cast<std::int32_t>(box.top()),
-          static_cast<std::int32_t>(box.right() + 1), static_cast<std::int32_t>(box.bottom() + 1)};
+std::int32_t ToScore(double logit, const network::Network& network) {
+  return static_cast<std::int32_t>(std::lround(std::ldexp(logit, network.AnswerBits())));
+}
+
+double ToLogit(std::int32_t answer, const network::Network& network) {
+  return std::ldexp(static_cast<double>(answer), -network.AnswerBits());
+}
+
+// e^x for x between -2 and 2, with an error below 1e-9. std::exp differs from one C library to another.
+double Exponential(double x) {
+  constexpr int kTerms = 9;
+  double power = 1;
+  for (int n = kTerms; n > 0; --n) power = 1 + power * (x / 8) / n;
+  for (int doublings = 0; doublings < 3; ++doublings) power *= power;
+  return power;
+}
+
+FoundFace AsSquare(const Place& place, std::int32_t score) {
+  const double half = place.size / 2;
+  return {place.x - half, place.y - half, place.x + half, place.y + half, score};
+}
+
+double Area(const FoundFace& face) { return (face.right - face.left) * (face.bottom - face.top); }
+
+// The part of their union that both cover.
+double Overlap(const FoundFace& a, const FoundFace& b) {
+  const double across = std::min(a.right, b.right) - std::max(a.left, b.left);
+  const double down = std::min(a.bottom, b.bottom) - std::max(a.top, b.top);
+  if (across <= 0 || down <= 0) return 0;
+  return across * down / (Area(a) + Area(b) - across * down);
+}
+
+bool OverlapsOne(const FoundFace& face, const std::vector<FoundFace>& others, double most) {
+  return std::any_of(others.begin(), others.end(), [&](const FoundFace& other) { return Overlap(face, other) > most; });
+}
+
+struct Proposal {
+  Place place;
+  std::int32_t score = 0;
+};
+
+Place PlaceOfCell(std::size_t row, std::size_t column, std::span<const std::int32_t> answers, double step) {
+  const auto answer = [&](SearchAnswer i) { return ToLogit(answers[i], TheNetworks().search); };
+  const double size = kMiddleSize * Exponential(std::clamp(answer(kSearchSize), -kFarthestSize, kFarthestSize));
+  const auto quarters = answers.subspan(kFirstQuarter);
+  return {((static_cast<double>(column) + answer(kSearchX)) * kCellStep + 0.5) * step,
+          ((static_cast<double>(row) + answer(kSearchY)) * kCellStep + 0.5) * step, size * step,
+          static_cast<int>(std::max_element(quarters.begin(), quarters.end()) - quarters.begin())};
+}
+
+std::vector<Proposal> SearchLevels(const Pyramid& pyramid, network::Workspace& workspace) {
+  const network::Network& search = TheNetworks().search;
+  const std::int32_t threshold = ToScore(kProposalThreshold, search);
+  std::vector<Proposal> proposals;
+  double step = 1;
+  for (std::size_t level = 0; level < pyramid.LevelCount(); ++level, step *= 2) {
+    const network::Answers cells = search.Evaluate(pyramid.Level(level), workspace);
+    for (std::size_t row = 0; row < cells.rows; ++row) {
+      for (std::size_t column = 0; column < cells.columns; ++column) {
+        const auto answers = cells.At(row, column);
+        if (answers[kSearchScore] < threshold) continue;
+        proposals.push_back({PlaceOfCell(row, column, answers, step), answers[kSearchScore]});
+      }
+    }
+  }
+  return proposals;
+}
+
+std::vector<Proposal> BestProposals(const Pyramid& pyramid, network::Workspace& workspace) {
+  std::vector<Proposal> proposals = SearchLevels(pyramid, workspace);
+  std::stable_sort(proposals.begin(), proposals.end(),
+                   [](const Proposal& a, const Proposal& b) { return a.score > b.score; });
+  if (proposals.size() > kMostCandidates) proposals.resize(kMostCandidates);
+  std::vector<Proposal> best;
+  std::vector<FoundFace> squares;
+  for (const Proposal& proposal : proposals) {
+    const FoundFace square = AsSquare(proposal.place, proposal.score);
+    if (OverlapsOne(square, squares, kProposalOverlap)) continue;
+    squares.push_back(square);
+    best.push_back(proposal);
+    if (best.size() == kMostProposals) break;
+  }
+  return best;
+}
+
+FoundFace FaceOfPlace(const Place& place, std::span<const std::int32_t> answers) {
+  const auto answer = [&](CheckAnswer i) { return ToLogit(answers[i], TheNetworks().check); };
+  const auto side = [&](CheckAnswer i) {
+    return place.size * Exponential(std::clamp(answer(i), -kFarthestSide, kFarthestSide));
+  };
+  const Direction shift = InPicture(place.quarter, {answer(kCheckX), answer(kCheckY)});
+  const Direction extent = InPicture(place.quarter, {side(kCheckWidth), side(kCheckHeight)});
+  const double halfWidth = std::abs(extent.right) / 2, halfHeight = std::abs(extent.down) / 2;
+  const double x = place.x + shift.right * place.size, y = place.y + shift.down * place.size;
+  return {x - halfWidth, y - halfHeight, x + halfWidth, y + halfHeight, answers[kCheckScore]};
 }
 
 }  // namespace
 
-void PrepareFaceSearch() { TheDetector(); }
+void PrepareFaceSearch() { TheNetworks(); }
 
-std::vector<OrloFace> FindFaces(const PixelView& picture) {
-  SecondLook secondLook(picture);
-  std::size_t looksLeft = kMaxSecondLooks;
-  std::vector<OrloFace> faces;
-  for (const Candidate& candidate : Survey(picture)) {
-    double score = candidate.confidence;
-    if (score < kBeyondDoubt) {
-      if (looksLeft-- == 0) break;
-      score = secondLook.Score(candidate);
-    }
-    if (score >= RequiredScore(candidate)) faces.push_back(ToFace(candidate.box));
+std::vector<FoundFace> FindFaces(const PixelView& picture) {
+  const network::Network& check = TheNetworks().check;
+  const Pyramid pyramid(picture);
+  network::Workspace workspace;
+  GreyPicture patch{{kPatchSide, kPatchSide}, std::vector<std::uint8_t>(std::size_t{kPatchSide} * kPatchSide)};
+  std::vector<FoundFace> checked;
+  for (const Proposal& proposal : BestProposals(pyramid, workspace)) {
+    pyramid.CutUpright(proposal.place, kPatchFace, patch);
+    const network::Answers answers = check.Evaluate(patch.View(), workspace);
+    if (answers.rows == 0 || answers.columns == 0) throw std::runtime_error("the check network has no answer");
+    if (answers.At(0, 0)[kCheckScore] < ToScore(kFaceThreshold, check)) continue;
+    checked.push_back(FaceOfPlace(proposal.place, answers.At(0, 0)));
+  }
+  std::stable_sort(checked.begin(), checked.end(),
+                   [](const FoundFace& a, const FoundFace& b) { return a.score > b.score; });
+  std::vector<FoundFace> faces;
+  for (const FoundFace& face : checked) {
+    if (!OverlapsOne(face, faces, kFaceOverlap)) faces.push_back(face);
   }
   return faces;
 }

@@ -82,8 +82,8 @@ void ResamplingTaps::AddLinear(double centre, std::size_t sourceLength) {
   if (second > 0) weights_.push_back(second);
 }
 
-constexpr double kWorkingArea = 1536.0 * 1152.0;
-constexpr double kMaxEnlargement = 4;
+constexpr std::int32_t kWorkingSide = 512;
+constexpr double kMaxEnlargement = 3;
 
 constexpr std::size_t kHighByte = std::endian::native == std::endian::little ? 1 : 0;  // of a 16-bit sample
 
@@ -158,7 +158,8 @@ FaceResult DescribeSource(std::int32_t bitsPerPixel, std::int32_t width, std::in
 }
 
 PictureSize WorkingSize(const PictureSize& source) {
-  const double scale = std::min(std::sqrt(kWorkingArea / static_cast<double>(source.Area())), kMaxEnlargement);
+  const double scale =
+      std::min(kWorkingSide / static_cast<double>(std::max(source.width, source.height)), kMaxEnlargement);
   return {Scaled(source.width, scale), Scaled(source.height, scale)};
 }
 

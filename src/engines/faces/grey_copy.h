@@ -34,8 +34,8 @@ struct FaceSource {
 FaceResult DescribeSource(std::int32_t bitsPerPixel, std::int32_t width, std::int32_t height,
                           std::int32_t negatedStride, const void* pixels, FaceSource& source);
 
-// The size of the grey copy: the picture's proportions at kWorkingArea pixels, but never enlarged more than
-// kMaxEnlargement times. Sized by area, so the time of a search does not depend on the proportions.
+// The size of the grey copy: the picture's proportions with a longer side of kWorkingSide pixels, but never enlarged
+// more than kMaxEnlargement times.
 PictureSize WorkingSize(const PictureSize& source);
 
 // Scales the picture to rows x stride of `target`: averages areas where an axis shrinks, interpolates linearly where it

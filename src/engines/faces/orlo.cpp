@@ -61,23 +61,26 @@ FaceResult SetPicture(OrloContext& context, const FaceSource& source) {
   return FaceResult::kSuccess;
 }
 
-std::int32_t ScaledAndClipped(std::int32_t position, std::int32_t from, std::int32_t to) {
-  const double scaled = static_cast<double>(position) * to / from;
+std::int32_t ScaledAndClipped(double position, std::int32_t from, std::int32_t to) {
+  const double scaled = position * to / from;
   return static_cast<std::int32_t>(std::lround(std::clamp(scaled, 0.0, static_cast<double>(to))));
 }
 
-OrloFace InSource(const OrloFace& face, const GreyCopy& copy) {
-  const auto column = [&](std::int32_t x) { return ScaledAndClipped(x, copy.size.width, copy.sourceSize.width); };
-  const auto row = [&](std::int32_t y) { return ScaledAndClipped(y, copy.size.height, copy.sourceSize.height); };
+OrloFace InSource(const FoundFace& face, const GreyCopy& copy) {
+  const auto column = [&](double x) { return ScaledAndClipped(x, copy.size.width, copy.sourceSize.width); };
+  const auto row = [&](double y) { return ScaledAndClipped(y, copy.size.height, copy.sourceSize.height); };
   return {column(face.left), row(face.top), column(face.right), row(face.bottom)};
 }
 
 FaceResult ListFaces(GreyCopy& copy, OrloFaceList& list) {
-  const std::vector<OrloFace> faces = FindFaces(PixelView(copy.Pixels(), copy.size.height, copy.size.width));
+  std::vector<OrloFace> faces;
+  for (const FoundFace& found : FindFaces(PixelView(copy.Pixels(), copy.size.height, copy.size.width))) {
+    const OrloFace face = InSource(found, copy);
+    if (face.left < face.right && face.top < face.bottom) faces.push_back(face);
+  }
   if (faces.empty()) return FaceResult::kSuccess;
   OrloBlock block = Allocate(faces.size() * sizeof(OrloFace));
-  std::transform(faces.begin(), faces.end(), static_cast<OrloFace*>(block.get()),
-                 [&](const OrloFace& face) { return InSource(face, copy); });
+  std::copy(faces.begin(), faces.end(), static_cast<OrloFace*>(block.get()));
   list.count = faces.size();
   list.faces = block.release();
   return FaceResult::kSuccess;
@@ -88,7 +91,7 @@ FaceResult ListFaces(GreyCopy& copy, OrloFaceList& list) {
 
 using catalogcore::faces::FaceResult;
 
-// Creates the detector early. It lives until the process ends, so calls are not counted.
+// Reads the networks early. They live until the process ends, so calls are not counted.
 std::int32_t Orlo_Initialize() {
   return catalogcore::faces::CodeOf([] {
     catalogcore::faces::PrepareFaceSearch();

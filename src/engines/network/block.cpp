@@ -17,7 +17,7 @@ constexpr std::size_t kMostInputs = 4;  // samples of a pixel
 constexpr std::size_t kMostLayers = 32;
 constexpr std::size_t kMostOutputs = 256;
 constexpr std::size_t kMostKernel = 16;
-constexpr std::size_t kMostStride = 4;
+constexpr std::size_t kMostStride = 16;
 constexpr int kMostShift = 30;
 
 // Reads numbers in order. After the end it returns 0, and IsShort is true.
