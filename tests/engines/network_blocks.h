@@ -62,7 +62,7 @@ inline network::Description RandomNetwork(std::mt19937& random, std::size_t laye
     network::Layer layer;
     layer.kernel = from(1, 4);
     layer.stride = from(1, 2);
-    layer.padding = from(0, layer.kernel - 1);
+    layer.padding = from(0, layer.kernel / 2);
     layer.isAveraged = random() % 8 == 0;
     layer.inputs = inputs;
     layer.outputs = from(1, 70);

@@ -1,6 +1,7 @@
 #include "engines/faces/grey_copy.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -90,30 +91,46 @@ constexpr std::size_t kHighByte = std::endian::native == std::endian::little ? 1
 // Sums of weighted bytes in tap units: at most 255 * kTapUnit, which 16 bits hold.
 using WeightedRow = std::vector<std::uint16_t>;
 
-// Adds the first of every kBytesPerSample bytes. Blocks of fixed length and __restrict let GCC and Clang vectorise the
-// loop.
+constexpr std::size_t kRowsTogether = 4;
+
+struct WeightedSource {
+  const std::uint8_t* samples = nullptr;
+  unsigned weight = 0;
+};
+
+// Adds the first of every kBytesPerSample bytes of four rows. Blocks of fixed length and __restrict let GCC and Clang
+// vectorise the loop.
 template <std::size_t kBytesPerSample>
-void AddWeighted(const std::uint8_t* __restrict samples, unsigned weight, std::uint16_t* __restrict sums,
+void AddWeighted(const std::array<WeightedSource, kRowsTogether>& rows, std::uint16_t* __restrict sums,
                  std::size_t count) {
+  const auto [a, b, c, d] = rows;
+  const auto add = [&](std::size_t i) {
+    const std::size_t at = i * kBytesPerSample;
+    sums[i] = static_cast<std::uint16_t>(sums[i] + a.weight * a.samples[at] + b.weight * b.samples[at] +
+                                         c.weight * c.samples[at] + d.weight * d.samples[at]);
+  };
   constexpr std::size_t kBlock = 16;
   std::size_t i = 0;
   for (; i + kBlock <= count; i += kBlock) {
-    for (std::size_t j = i; j < i + kBlock; ++j) {
-      sums[j] = static_cast<std::uint16_t>(sums[j] + weight * samples[j * kBytesPerSample]);
-    }
+    for (std::size_t j = i; j < i + kBlock; ++j) add(j);
   }
-  for (; i < count; ++i) sums[i] = static_cast<std::uint16_t>(sums[i] + weight * samples[i * kBytesPerSample]);
+  for (; i < count; ++i) add(i);
 }
 
 // The weighted sum of the high bytes of the source rows of one target row.
 void SumRows(const FaceSource& source, const Taps& rows, WeightedRow& sums) {
   std::fill(sums.begin(), sums.end(), std::uint16_t{0});
-  for (std::size_t i = 0; i < rows.weights.size(); ++i) {
-    const std::uint8_t* const row = source.Row(rows.first + i).data();
+  for (std::size_t i = 0; i < rows.weights.size(); i += kRowsTogether) {
+    std::array<WeightedSource, kRowsTogether> together;
+    for (std::size_t k = 0; k < kRowsTogether; ++k) {
+      const bool isTap = i + k < rows.weights.size();
+      const std::uint8_t* const samples = source.Row(rows.first + (isTap ? i + k : i)).data();
+      together[k] = {source.bytesPerSample == 1 ? samples : samples + kHighByte, isTap ? rows.weights[i + k] : 0U};
+    }
     if (source.bytesPerSample == 1) {
-      AddWeighted<1>(row, rows.weights[i], sums.data(), sums.size());
+      AddWeighted<1>(together, sums.data(), sums.size());
     } else {
-      AddWeighted<2>(row + kHighByte, rows.weights[i], sums.data(), sums.size());
+      AddWeighted<2>(together, sums.data(), sums.size());
     }
   }
 }

@@ -54,7 +54,7 @@ bool IsHeaderValid(std::span<const std::uint8_t> block) {
 
 bool HasValidSizes(const Layer& layer, bool isLast) {
   return layer.kernel >= 1 && layer.kernel <= kMostKernel && layer.stride >= 1 && layer.stride <= kMostStride &&
-         layer.padding < layer.kernel && layer.outputs >= 1 && layer.outputs <= kMostOutputs &&
+         layer.padding <= layer.kernel / 2 && layer.outputs >= 1 && layer.outputs <= kMostOutputs &&
          layer.shift <= kMostShift && layer.maximum <= std::numeric_limits<std::int16_t>::max() &&
          (layer.maximum == 0) == isLast;
 }

@@ -11,7 +11,7 @@
 //   layers, in their order:
 //     u8     kernel: rows and columns of the kernel
 //     u8     stride
-//     u8     padding: zeros on each side of the input
+//     u8     padding: zeros on each side of the input, at most half of the kernel
 //     u8     1 if the outputs are averaged over all places, otherwise 0
 //     u16    outputs
 //     u16    maximum: outputs are clamped to 0..maximum; 0 for the last layer, which is not clamped
