@@ -2,7 +2,6 @@
 // accepted gives the same answers in every form.
 #include <algorithm>
 
-#include "engines/network/network.h"
 #include "fuzz/support/fuzzer.h"
 #include "tests/engines/network_blocks.h"
 
@@ -15,18 +14,12 @@ void Check(const BlockBytes& block) {
   if (!description) return;
   std::vector<std::uint8_t> picture(24 * 24 * description->inputs);
   for (std::size_t i = 0; i < picture.size(); ++i) picture[i] = static_cast<std::uint8_t>(i * 37);
-  std::vector<std::int32_t> first;
+  std::vector<std::int64_t> first;
   for (const network::Form& form : network::Forms()) {
     network::Workspace workspace;
     const network::Network network(*description, form);
-    const network::Answers answers = network.Evaluate({picture.data(), 24, 24 * description->inputs}, workspace);
-    std::vector<std::int32_t> values;
-    for (std::size_t row = 0; row < answers.rows; ++row) {
-      for (std::size_t column = 0; column < answers.columns; ++column) {
-        const auto place = answers.At(row, column);
-        values.insert(values.end(), place.begin(), place.end());
-      }
-    }
+    const PixelView view(picture.data(), 24, 24 * description->inputs);
+    const std::vector<std::int64_t> values = AllAnswers(network.Evaluate(view, workspace));
     if (&form == &network::Forms().front()) first = values;
     EXPECT_EQ(values, first) << form.name;
   }

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "engines/network/block.h"
+#include "engines/network/network.h"
 
 namespace catalogcore {
 
@@ -16,6 +16,15 @@ using BlockBytes = std::vector<std::uint8_t>;
 
 inline void Append(BlockBytes& block, std::uint32_t value, std::size_t size) {
   for (std::size_t i = 0; i < size; ++i) block.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
+}
+
+inline std::vector<std::int64_t> AllAnswers(const network::Answers& answers) {
+  std::vector<std::int64_t> values;
+  for (std::size_t place = 0; place < answers.rows * answers.columns; ++place) {
+    const auto some = answers.At(place / answers.columns, place % answers.columns);
+    values.insert(values.end(), some.begin(), some.end());
+  }
+  return values;
 }
 
 // Gives the block a valid tag, version, size and check sum.

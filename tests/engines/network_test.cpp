@@ -83,15 +83,8 @@ TEST(Network, EveryFormGivesTheSumsOfTheDescription) {
 
     for (const Form& form : Forms()) {
       const Network network(*description, form);
-      const Answers answers = network.Evaluate({picture.data(), rows, columns * samples}, workspace);
-      std::vector<std::int64_t> values;
-      for (std::size_t row = 0; row < answers.rows; ++row) {
-        for (std::size_t column = 0; column < answers.columns; ++column) {
-          const auto place = answers.At(row, column);
-          values.insert(values.end(), place.begin(), place.end());
-        }
-      }
-      ASSERT_EQ(values, map.values) << form.name << ", round " << round;
+      const PixelView view(picture.data(), rows, columns * samples);
+      ASSERT_EQ(AllAnswers(network.Evaluate(view, workspace)), map.values) << form.name << ", round " << round;
     }
   }
 }

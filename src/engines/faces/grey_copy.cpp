@@ -103,7 +103,7 @@ struct WeightedSource {
 template <std::size_t kBytesPerSample>
 void AddWeighted(const std::array<WeightedSource, kRowsTogether>& rows, std::uint16_t* __restrict sums,
                  std::size_t count) {
-  const auto [a, b, c, d] = rows;
+  const WeightedSource a = rows[0], b = rows[1], c = rows[2], d = rows[3];  // copies, which stay in registers
   const auto add = [&](std::size_t i) {
     const std::size_t at = i * kBytesPerSample;
     sums[i] = static_cast<std::uint16_t>(sums[i] + a.weight * a.samples[at] + b.weight * b.samples[at] +
