@@ -50,7 +50,7 @@ def main():
     if (options.work / "check.pt").exists():
         check = _load(networks.check_network(), options.work / "check.pt")
         patches = [networks.upright(levels, cell, networks.quarter_of(cell)) for levels in pyramids
-                   for cell in networks.proposals(networks.search(search, levels), 16)]
+                   for cell in networks.proposals(networks.search(search, levels), networks.MOST_PROPOSALS)]
         _write("check", check, patches, options.resources)
 
 

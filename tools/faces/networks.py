@@ -13,6 +13,7 @@ MOST_ENLARGEMENT = 3.0
 STRIDE = 8  # pixels from one cell of the search network to the next
 MIDDLE_SIZE = 26.0  # size of a face, in pixels of a level, that the search network calls 1
 LEAST_SIZE, MOST_SIZE = 17.0, 40.0  # of a face in its level
+MOST_PROPOSALS = 32  # of one picture that are checked
 PATCH_SIDE = 48  # of the check network
 PATCH_FACE = 26.0  # size of a proposed face in that patch
 SEARCH_OUTPUTS = 8  # face, dx, dy, log size, four orientations
@@ -113,7 +114,9 @@ def check(network, levels, cells):
     quarters = [quarter_of(cell) for cell in cells]
     patches = numpy.stack([upright(levels, cell, quarter) for cell, quarter in zip(cells, quarters)])
     with torch.no_grad():
-        out = network(as_input(patches)[:, None])[:, :, 0, 0].numpy()
+        out, mirrored = (network(as_input(some)[:, None])[:, :, 0, 0].numpy() for some in (patches, patches[:, :, ::-1]))
+    mirrored[:, 1] *= -1
+    out = (out + mirrored) / 2
     found = []
     for answer, cell, quarter in zip(out, cells, quarters):
         x, y, size = cell[1:4]

@@ -104,7 +104,7 @@ def measure(search, check, photographs):
     found, empty = [], []
     for picture in photographs:
         levels, _ = networks.pyramid(picture.levels[0])
-        cells = networks.proposals(networks.search(search, levels), 16)
+        cells = networks.proposals(networks.search(search, levels), networks.MOST_PROPOSALS)
         best = networks.check(check, levels, cells)[:, 0].max()
         if not picture.faces:
             empty.append(best)

@@ -59,7 +59,7 @@ def measure(network, photographs):
     hits, clear, best, empty = 0, 0, [], []
     for picture in photographs:
         levels, scale = networks.pyramid(picture.levels[0])
-        found = networks.proposals(networks.search(network, levels), 16)
+        found = networks.proposals(networks.search(network, levels), networks.MOST_PROPOSALS)
         if not picture.faces:
             empty.append(found[0, 0])
             continue

@@ -19,8 +19,8 @@ namespace {
 
 // Chosen together with the networks in resources/ (docs/accuracy.md). Thresholds are logits.
 constexpr double kProposalThreshold = -4.0;  // of the search network
-constexpr double kFaceThreshold = 0.0;       // of the check network
-constexpr std::size_t kMostProposals = 16;   // that are checked; bounds the time of a search
+constexpr double kFaceThreshold = 1.0;       // of the check network
+constexpr std::size_t kMostProposals = 32;   // that are checked; bounds the time of a search
 constexpr double kProposalOverlap = 0.3;     // of two proposals, at most; shares of their union
 constexpr double kFaceOverlap = 0.4;         // of two faces, at most
 
@@ -75,9 +75,9 @@ double Exponential(double x) {
   return power;
 }
 
-FoundFace AsSquare(const Place& place, std::int32_t score) {
+FoundFace AsSquare(const Place& place) {
   const double half = place.size / 2;
-  return {place.x - half, place.y - half, place.x + half, place.y + half, score};
+  return {place.x - half, place.y - half, place.x + half, place.y + half, 0};
 }
 
 double Area(const FoundFace& face) { return (face.right - face.left) * (face.bottom - face.top); }
@@ -134,7 +134,7 @@ std::vector<Proposal> BestProposals(const Pyramid& pyramid, network::Workspace& 
   std::vector<Proposal> best;
   std::vector<FoundFace> squares;
   for (const Proposal& proposal : proposals) {
-    const FoundFace square = AsSquare(proposal.place, proposal.score);
+    const FoundFace square = AsSquare(proposal.place);
     if (OverlapsOne(square, squares, kProposalOverlap)) continue;
     squares.push_back(square);
     best.push_back(proposal);
@@ -143,12 +143,37 @@ std::vector<Proposal> BestProposals(const Pyramid& pyramid, network::Workspace& 
   return best;
 }
 
-FoundFace FaceOfPlace(const Place& place, std::span<const std::int32_t> answers) {
-  const auto answer = [&](CheckAnswer i) { return ToLogit(answers[i], TheNetworks().check); };
+using CheckAnswers = std::array<double, kCheckAnswers>;
+
+CheckAnswers Check(const GreyPicture& patch, network::Workspace& workspace) {
+  const network::Network& check = TheNetworks().check;
+  const network::Answers answers = check.Evaluate(patch.View(), workspace);
+  if (answers.rows == 0 || answers.columns == 0) throw std::runtime_error("the check network has no answer");
+  CheckAnswers values{};
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = ToLogit(answers.At(0, 0)[i], check);
+  return values;
+}
+
+void Mirror(GreyPicture& patch) {
+  const MutablePixelView pixels(patch.pixels.data(), patch.size.height, patch.size.width);
+  for (std::int32_t y = 0; y < pixels.Rows(); ++y) std::reverse(pixels.Row(y).begin(), pixels.Row(y).end());
+}
+
+// The mean of what the network answers for the patch and for its mirror image, which errs less. Mirrors the patch.
+CheckAnswers CheckBothWays(GreyPicture& patch, network::Workspace& workspace) {
+  CheckAnswers mean = Check(patch, workspace);
+  Mirror(patch);
+  CheckAnswers mirrored = Check(patch, workspace);
+  mirrored[kCheckX] = -mirrored[kCheckX];
+  for (std::size_t i = 0; i < mean.size(); ++i) mean[i] = (mean[i] + mirrored[i]) / 2;
+  return mean;
+}
+
+FoundFace FaceOfPlace(const Place& place, const CheckAnswers& answers) {
   const auto side = [&](CheckAnswer i) {
-    return place.size * Exponential(std::clamp(answer(i), -kFarthestSide, kFarthestSide));
+    return place.size * Exponential(std::clamp(answers[i], -kFarthestSide, kFarthestSide));
   };
-  const Direction shift = InPicture(place.quarter, {answer(kCheckX), answer(kCheckY)});
+  const Direction shift = InPicture(place.quarter, {answers[kCheckX], answers[kCheckY]});
   const Direction extent = InPicture(place.quarter, {side(kCheckWidth), side(kCheckHeight)});
   const double halfWidth = std::abs(extent.right) / 2, halfHeight = std::abs(extent.down) / 2;
   const double x = place.x + shift.right * place.size, y = place.y + shift.down * place.size;
@@ -159,18 +184,17 @@ FoundFace FaceOfPlace(const Place& place, std::span<const std::int32_t> answers)
 
 void PrepareFaceSearch() { TheNetworks(); }
 
-std::vector<FoundFace> FindFaces(const PixelView& picture) {
-  const network::Network& check = TheNetworks().check;
+double FaceThreshold() { return kFaceThreshold; }
+
+std::vector<FoundFace> FindFaces(const PixelView& picture, double threshold) {
   const Pyramid pyramid(picture);
   network::Workspace workspace;
   GreyPicture patch{{kPatchSide, kPatchSide}, std::vector<std::uint8_t>(std::size_t{kPatchSide} * kPatchSide)};
   std::vector<FoundFace> checked;
   for (const Proposal& proposal : BestProposals(pyramid, workspace)) {
     pyramid.CutUpright(proposal.place, kPatchFace, patch);
-    const network::Answers answers = check.Evaluate(patch.View(), workspace);
-    if (answers.rows == 0 || answers.columns == 0) throw std::runtime_error("the check network has no answer");
-    if (answers.At(0, 0)[kCheckScore] < ToScore(kFaceThreshold, check)) continue;
-    checked.push_back(FaceOfPlace(proposal.place, answers.At(0, 0)));
+    const FoundFace face = FaceOfPlace(proposal.place, CheckBothWays(patch, workspace));
+    if (face.score >= threshold) checked.push_back(face);
   }
   std::stable_sort(checked.begin(), checked.end(),
                    [](const FoundFace& a, const FoundFace& b) { return a.score > b.score; });

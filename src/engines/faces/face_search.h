@@ -20,16 +20,19 @@ struct FoundFace {
   double top = 0;
   double right = 0;
   double bottom = 0;
-  std::int32_t score = 0;
+  double score = 0;  // logit of the check network
 };
 
 // Reads the networks unless they are read; FindFaces calls it too. Throws std::bad_alloc, and std::runtime_error if a
 // network is damaged; the next call then tries again.
 void PrepareFaceSearch();
 
-// The faces in the picture (rows without padding), highest score first. Several threads may search at once. Throws what
-// PrepareFaceSearch throws.
-std::vector<FoundFace> FindFaces(const PixelView& picture);
+// The score from which on a place is a face.
+double FaceThreshold();
+
+// The faces in the picture (rows without padding), highest score first, none below `threshold`. Several threads may
+// search at once. Throws what PrepareFaceSearch throws.
+std::vector<FoundFace> FindFaces(const PixelView& picture, double threshold = FaceThreshold());
 
 }  // namespace catalogcore::faces
 
