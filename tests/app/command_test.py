@@ -46,8 +46,9 @@ class CommandTest(pictures.CommandCase):
 
     def test_pictures_are_filed_by_what_they_show(self):
         beach, page = str(self.beach), str(self.page)
-        self.assertEqual(self.run_command("sort", "--dry-run", self.pictures)[0].splitlines()[:3],
-                         [beach + ": Other photographs (1090000)", page + ": Pages (2030000)", "Would file 2 pictures:"])
+        lines = self.run_command("sort", "--dry-run", self.pictures)[0].splitlines()
+        self.assertEqual(lines[:2], [beach + ": Other photographs (1090000)", page + ": Pages (2030000)"])
+        self.assertEqual(lines[2], "Would file 2 pictures:")
         self.assertEqual([(f["file"], f["preset"]) for f in self.sort("--dry-run", self.pictures)["files"]],
                          [(beach, OTHER_PHOTOGRAPHS), (page, PAGES)])
         self.assertFalse(self.catalog.exists())
@@ -61,9 +62,9 @@ class CommandTest(pictures.CommandCase):
         counts = {node["index"]: node["below"] for node in json.loads(self.run_command("tree", "--json")[0])}
         self.assertEqual([counts[n] for n in (1000000, 2000000, PAGES, OTHER)], [1, 1, 1, 0])
         exported = json.loads(self.run_command("export", "--format", "json")[0])
-        rows = csv.DictReader(io.StringIO(self.run_command("export", "--format", "csv")[0]))
-        for image, row, path, index in zip(exported, rows, (self.beach, self.page), ("1090000", "2030000"), strict=True):
-            self.assertEqual((image["folder"], row["file"], row["index"]), (str(path.parent), str(path), index))
+        rows = list(csv.DictReader(io.StringIO(self.run_command("export", "--format", "csv")[0])))
+        self.assertEqual([(row["file"], row["index"]) for row in rows], [(beach, "1090000"), (page, "2030000")])
+        self.assertEqual([image["folder"] for image in exported], [str(self.pictures), str(self.page.parent)])
         self.run_command("mv", beach, "Other")
         self.assertEqual(self.sort("--again", self.pictures)["filed"], 2)
         self.assertEqual([image["index"] for image in self.listed()], [OTHER_PHOTOGRAPHS, PAGES])
@@ -83,7 +84,7 @@ class CommandTest(pictures.CommandCase):
     def test_what_cannot_be_filed_is_named_and_the_rest_goes_on(self):
         self.write({
             "line\nfeed.png": PHOTOGRAPH, os.fsdecode(b"\xff.png"): PHOTOGRAPH, ".hidden.png": PHOTOGRAPH,
-            "cut.png": PHOTOGRAPH[:len(PHOTOGRAPH) // 2], "../far/cut/far.png": PHOTOGRAPH[:999], "../far/page.png": PAGE,
+            "cut.png": PHOTOGRAPH[:9999], "../far/cut/far.png": PHOTOGRAPH[:999], "../far/page.png": PAGE,
             "gif.png": b"GIF89a" + bytes(20), "bmp.png": b"BM" + bytes(20), "text.png": b"BM is no bitmap",
             "fake.jpg": b"no picture", "readme.txt": b"passed over", "b.TXT": b"passed over", "x.a b": b""})
         for link, target in (("scans/up", "."), ("same", "scans"), ("link", "../far"), ("gone.png", "nowhere")):

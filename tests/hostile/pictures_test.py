@@ -80,8 +80,9 @@ class PicturesTest(pictures.CommandCase):
     def test_headers_beyond_the_limits_are_refused_before_pixels_are_decoded(self):
         interlaced = (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", 16384, 16384, 16, 6, 0, 0, 1)) +
                       chunk(b"IDAT", zlib.compress(b"")) + chunk(b"IEND", b""))
+        floats = pictures.tiff(32768, 32768, 1, 32)
         files = {"the image has 5000 samples a pixel, at most 5 can be decoded": pictures.tiff(1, 1, 5000),
-                 "the image is too large: 4096 MB to decode, at most 2048 MB can be": pictures.tiff(32768, 32768, 1, 32),
+                 "the image is too large: 4096 MB to decode, at most 2048 MB can be": floats,
                  "the image is too large: 2048 MB to hold at once, at most 1024 MB can be": interlaced,
                  "the image has more than 100 passes": jpeg(64, 101)}
         out, err = self.finish(self.start({**files, "whole.jpg": jpeg(64, 100)}), 1)

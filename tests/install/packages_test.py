@@ -39,7 +39,9 @@ def closure(*relations):
         status, essential, name, provides, relation = line.split("\t")
         if status == "install ok installed":
             depends[name] = relation
-            providers.update({provided: name for provided in names(provides) if provided not in providers}, **{name: name})
+            providers[name] = name
+            for provided in names(provides):
+                providers.setdefault(provided, name)
             left += [name] * (essential == "yes")
     while left:
         for alternatives in filter(None, left.pop().split(",")):
