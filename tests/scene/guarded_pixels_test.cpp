@@ -45,7 +45,10 @@ class GuardedPixels : public testing::Test {
     if (isSize && size > kMostBytes) return;
     const std::int32_t shortSide = std::min(record.width, record.height), factor = record.resolution / 75;
     const bool isReduced = factor > 1 && shortSide / factor >= 50;
-    const bool isNegative = isReduced && record.width / factor * record.bitsPerPixel <= -32;  // the reduced size
+    // The size of a reduced row in 32 bits, as the library computes it.
+    const auto rowBits =
+        static_cast<std::int32_t>(std::int64_t{record.width} / std::max(factor, 1) * record.bitsPerPixel);
+    const bool isNegative = isReduced && rowBits <= -32;
     IDXSTATUS copied = isSize && !isNegative ? IDX_OK : IDXERR_MEMORY;
     if (size == 0) copied = IDXERR_PARAM;
     for (const std::uint8_t* const pixels : {memory_ + kPage, memory_ + kAll - kPage - (isSize ? size : 0)}) {
