@@ -71,6 +71,7 @@ std::int64_t RoundedMean(std::int64_t sum, std::int64_t count) {
 template <typename Value>
 void Average(const Plane& plane, std::vector<Value>& values) {
   const std::size_t places = plane.rows * plane.columns;
+  if (places == 0) return;
   for (std::size_t i = 0; i < plane.pitch; ++i) {
     std::int64_t sum = 0;
     for (std::size_t place = 0; place < places; ++place) sum += values[place * plane.pitch + i];
