@@ -10,14 +10,16 @@
 
 namespace catalogcore {
 
-// Replaces the search, which takes half a second for a thumbnail: reads every pixel.
+// Replaces the search, which takes a tenth of a second with the sanitizers: reads every pixel.
 void faces::PrepareFaceSearch() {}
-std::vector<OrloFace> faces::FindFaces(const PixelView& picture) {
+double faces::FaceThreshold() { return 0; }
+std::vector<faces::FoundFace> faces::FindFaces(const PixelView& picture, double threshold) {
   std::size_t sum = 0;
   for (std::int32_t y = 0; y < picture.Rows(); ++y) {
     for (const std::uint8_t tone : picture.Row(y)) sum += tone;
   }
-  return std::vector<OrloFace>(sum % 3, {0, 0, picture.Stride(), picture.Rows()});
+  const auto right = static_cast<double>(picture.Stride()), bottom = static_cast<double>(picture.Rows());
+  return std::vector<FoundFace>(sum % 3, {0, 0, right, bottom, threshold});
 }
 
 namespace {
