@@ -16,7 +16,7 @@ namespace {
 struct FindOptions {
   std::vector<std::string> files;
   int quarterTurns = 0;
-  double least = 0;
+  double least = faces::kFaceThreshold;
 };
 
 void PrintFaces(const std::string& file, const FindOptions& options) {
@@ -47,7 +47,6 @@ void PrintFaces(const std::string& file, const FindOptions& options) {
 int main(int argc, char** argv) {
   using namespace catalogcore::tools;
   FindOptions options;
-  options.least = catalogcore::faces::FaceThreshold();
   return RunTool(
       argc, argv, "Prints the faces that the built-in detector finds in pictures.",
       [&](CLI::App& app) {

@@ -12,7 +12,6 @@ namespace catalogcore {
 
 // Replaces the search, which takes a tenth of a second with the sanitizers: reads every pixel.
 void faces::PrepareFaceSearch() {}
-double faces::FaceThreshold() { return 0; }
 std::vector<faces::FoundFace> faces::FindFaces(const PixelView& picture, double threshold) {
   std::size_t sum = 0;
   for (std::int32_t y = 0; y < picture.Rows(); ++y) {

@@ -4,19 +4,16 @@ WORK holds the checkpoint of the search network; it keeps the proposals and the 
 training that was stopped goes on.
 """
 
-import argparse
 import multiprocessing
-import pathlib
 import time
 
 import cv2
 import numpy
 import torch
 
-from . import networks, pictures, samples
+from . import networks, samples, training
 
 BATCH = 192
-LEARNING_RATE = 3e-3
 RATE_EVERY = 4000  # steps from one rating of the places to the next
 RATED_HARDNESS = 2.5  # how much more often the worst places are drawn once they are rated
 RESERVOIR = 8  # proposals of one picture
@@ -116,29 +113,17 @@ def measure(search, check, photographs):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("pictures", type=pathlib.Path)
-    parser.add_argument("work", type=pathlib.Path)
-    parser.add_argument("--steps", type=int, default=24000)
-    parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--threads", type=int, default=1)
-    options = parser.parse_args()
-    torch.manual_seed(options.seed)
-    torch.set_num_threads(options.threads)
-    cv2.setNumThreads(1)
+    options = training.start(__doc__, steps=18000)
     checkpoint, mined = options.work / "check.pt", options.work / "places.npy"
 
     search = load(networks.search_network(), options.work / "search.pt").to(memory_format=torch.channels_last)
-    photographs = pictures.read_photographs(options.pictures, pictures.TRAINING)
-    choice = pictures.read_photographs(options.pictures, pictures.CHOICE)
-    sampler = samples.Sampler(photographs, pictures.read_close_ups(options.pictures),
-                              pictures.read_documents(options.pictures, pictures.TRAINING))
+    photographs, choice, sampler = training.read(options.pictures)
     if not mined.exists():
         found = mine(search, photographs, lambda *text: print("mined", *text, flush=True))
         numpy.save(mined, numpy.array(found, dtype=numpy.float64))
     places = [(int(index), x, y, size, int(quarter)) for index, x, y, size, quarter in numpy.load(mined)]
     network = networks.check_network().to(memory_format=torch.channels_last)
-    optimizer = torch.optim.AdamW(network.parameters(), LEARNING_RATE, weight_decay=3e-4)
+    optimizer = torch.optim.AdamW(network.parameters(), training.LEARNING_RATE, weight_decay=3e-4)
     first = 0
     if checkpoint.exists():
         saved = torch.load(checkpoint)
@@ -152,11 +137,9 @@ def main():
     multiprocessing.Process(target=_batches, args=(sampler, photographs, options.seed, first, orders, queue), daemon=True).start()
     started, sums = time.time(), numpy.zeros(2)
     for step in range(first, options.steps):
-        rate_now = LEARNING_RATE * min(1, (step + 1) / 200) * max(0.01, 1 - step / options.steps)
-        for group in optimizer.param_groups:
-            group["lr"] = rate_now
+        training.set_rate(optimizer, step, options.steps)
         patches, faces, boxes = (torch.from_numpy(part) for part in queue.get())
-        out = network(((patches[:, None] - 128) / 64).contiguous(memory_format=torch.channels_last))[:, :, 0, 0]
+        out = network(training.to_network(patches))[:, :, 0, 0]
         right = torch.nn.functional.binary_cross_entropy_with_logits(out[:, 0], faces, reduction="none")
         right = (right * (1 - torch.exp(-right))).sum() / BATCH
         place = torch.nn.functional.smooth_l1_loss(out[faces > 0, 1:], boxes[faces > 0], beta=0.05)

@@ -3,8 +3,6 @@
 WORK keeps the checkpoint, from which a training that was stopped goes on.
 """
 
-import argparse
-import pathlib
 import multiprocessing
 import time
 
@@ -12,10 +10,9 @@ import cv2
 import numpy
 import torch
 
-from . import networks, pictures, samples
+from . import networks, training
 
 BATCH = 64
-LEARNING_RATE = 3e-3
 LOOK_EVERY = 1500  # steps from one search for false alarms to the next
 
 
@@ -74,25 +71,12 @@ def measure(network, photographs):
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("pictures", type=pathlib.Path)
-    parser.add_argument("work", type=pathlib.Path)
-    parser.add_argument("--steps", type=int, default=15000)
-    parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--threads", type=int, default=1)
-    options = parser.parse_args()
-    torch.manual_seed(options.seed)
-    torch.set_num_threads(options.threads)
-    cv2.setNumThreads(1)
-    options.work.mkdir(parents=True, exist_ok=True)
+    options = training.start(__doc__, steps=14000)
     checkpoint = options.work / "search.pt"
 
-    photographs = pictures.read_photographs(options.pictures, pictures.TRAINING)
-    choice = pictures.read_photographs(options.pictures, pictures.CHOICE)
-    sampler = samples.Sampler(photographs, pictures.read_close_ups(options.pictures),
-                              pictures.read_documents(options.pictures, pictures.TRAINING))
+    photographs, choice, sampler = training.read(options.pictures)
     network = networks.search_network().to(memory_format=torch.channels_last)
-    optimizer = torch.optim.AdamW(network.parameters(), LEARNING_RATE, weight_decay=1e-4)
+    optimizer = torch.optim.AdamW(network.parameters(), training.LEARNING_RATE, weight_decay=1e-4)
     first, places = 0, []
     if checkpoint.exists():
         saved = torch.load(checkpoint)
@@ -107,11 +91,9 @@ def main():
     multiprocessing.Process(target=_batches, args=(sampler, options.seed, first, hard, queue), daemon=True).start()
     started, sums = time.time(), numpy.zeros(3)
     for step in range(first, options.steps):
-        rate = LEARNING_RATE * min(1, (step + 1) / 200) * max(0.01, 1 - step / options.steps)
-        for group in optimizer.param_groups:
-            group["lr"] = rate
+        training.set_rate(optimizer, step, options.steps)
         patches, answers, weights = (torch.from_numpy(part) for part in queue.get())
-        losses = loss_of(network(((patches[:, None] - 128) / 64).contiguous(memory_format=torch.channels_last)), answers, weights)
+        losses = loss_of(network(training.to_network(patches)), answers, weights)
         optimizer.zero_grad()
         (losses[0] + losses[1] + 0.3 * losses[2]).backward()
         optimizer.step()

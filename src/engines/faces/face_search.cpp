@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
-#include <numeric>
 #include <optional>
 #include <span>
 #include <stdexcept>
@@ -17,9 +16,8 @@
 namespace catalogcore::faces {
 namespace {
 
-// Chosen together with the networks in resources/ (docs/accuracy.md). Thresholds are logits.
-constexpr double kProposalThreshold = -4.0;  // of the search network
-constexpr double kFaceThreshold = 1.0;       // of the check network
+// Chosen together with the networks in resources/ (docs/face-networks.md).
+constexpr double kProposalThreshold = -4.0;  // a logit of the search network
 constexpr std::size_t kMostProposals = 32;   // that are checked; bounds the time of a search
 constexpr double kProposalOverlap = 0.3;     // of two proposals, at most; shares of their union
 constexpr double kFaceOverlap = 0.4;         // of two faces, at most
@@ -183,8 +181,6 @@ FoundFace FaceOfPlace(const Place& place, const CheckAnswers& answers) {
 }  // namespace
 
 void PrepareFaceSearch() { TheNetworks(); }
-
-double FaceThreshold() { return kFaceThreshold; }
 
 std::vector<FoundFace> FindFaces(const PixelView& picture, double threshold) {
   const Pyramid pyramid(picture);

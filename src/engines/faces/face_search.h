@@ -23,16 +23,16 @@ struct FoundFace {
   double score = 0;  // logit of the check network
 };
 
+// The lowest score of a face. Chosen together with the networks (docs/face-networks.md).
+constexpr double kFaceThreshold = 1.0;
+
 // Reads the networks unless they are read; FindFaces calls it too. Throws std::bad_alloc, and std::runtime_error if a
 // network is damaged; the next call then tries again.
 void PrepareFaceSearch();
 
-// The score from which on a place is a face.
-double FaceThreshold();
-
 // The faces in the picture (rows without padding), highest score first, none below `threshold`. Several threads may
 // search at once. Throws what PrepareFaceSearch throws.
-std::vector<FoundFace> FindFaces(const PixelView& picture, double threshold = FaceThreshold());
+std::vector<FoundFace> FindFaces(const PixelView& picture, double threshold = kFaceThreshold);
 
 }  // namespace catalogcore::faces
 
